@@ -1,0 +1,100 @@
+#include "cli/CliCommon.h"
+
+#include "document/ToviData.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/MibFile.h"
+
+#include <QFileInfo>
+
+#include <cstdio>
+#include <stdexcept>
+
+void PrintError(const QString& line) {
+    const QByteArray utf8 = line.toUtf8() + '\n';
+    std::fwrite(utf8.constData(), 1, static_cast<size_t>(utf8.size()), stderr);
+}
+
+void PrintOut(const QByteArray& utf8) {
+    std::fwrite(utf8.constData(), 1, static_cast<size_t>(utf8.size()), stdout);
+}
+
+bool ParseOpenOptions(QStringList& args, OpenOptions& options, const char* command) {
+    QStringList rest;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        if (a == QLatin1String("--json")) {
+            options.json = true;
+        } else if (a == QLatin1String("--family")) {
+            bool ok = false;
+            const int family = i + 1 < args.size() ? args[i + 1].toInt(&ok) : -1;
+            if (!ok || family < 0 || family > 3) {
+                PrintError(QStringLiteral("tovi %1: --family には 0 から 3 の数を指定してください")
+                               .arg(QString::fromUtf8(command)));
+                return false;
+            }
+            options.family = static_cast<PhotoXMLType>(family);
+            ++i;
+        } else {
+            rest.append(a);
+        }
+    }
+    args = rest;
+    if (args.isEmpty()) {
+        PrintError(QStringLiteral("tovi %1: PHOTO.XML のあるフォルダを指定してください")
+                       .arg(QString::fromUtf8(command)));
+        return false;
+    }
+    options.folder = args.takeFirst();
+    return true;
+}
+
+namespace {
+
+QString ErrorLine(PhotoXMLReadErr error, const OpenOptions& options, const ToviData& document) {
+    const QString folder = options.folder;
+    switch (error) {
+    case ReadErrNoItemFile:
+        return QStringLiteral("項目定義ファイル READITEM.XML がプログラムのフォルダ %1 にありません")
+            .arg(document.GetItemDef()->ProgramPath());
+    case ReadErrUnknownPhotoXml:
+        if (!QFileInfo(folder).isDir()) {
+            return QStringLiteral("フォルダ %1 がありません").arg(folder);
+        }
+        if (!MibIsFileExist(MibNormalDir(folder) + QStringLiteral("PHOTO.XML"))) {
+            return QStringLiteral("フォルダ %1 に PHOTO.XML がありません").arg(folder);
+        }
+        return QStringLiteral("PHOTO.XML を開けないか、その文書型宣言 (DOCTYPE) が発注者区分 %1 の"
+                              "基準のどれにも当たりません")
+            .arg(static_cast<int>(options.family));
+    case ReadErrDefinition:
+        return QStringLiteral("項目定義ファイル READITEM.XML を読み込めません");
+    default:
+        return QString();
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
+    ToviEnouDataFactory factory;
+    std::unique_ptr<ToviData> document;
+    try {
+        document.reset(factory.Create(nullptr, options.folder, options.family));
+    } catch (const std::out_of_range&) {
+        // Only a READITEM.XML whose steps don't balance walks off the end of its list.
+        PrintError(QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません"));
+        return nullptr;
+    }
+    if (!document) {
+        PrintError(factory.GetLoadError().isEmpty()
+                       ? QStringLiteral("PHOTO.XML を読み込めません")
+                       : factory.GetLoadError());
+        return nullptr;
+    }
+    const PhotoXMLReadErr error = document->GetErrorType();
+    if (error != ReadErrNone && error != ReadErrNoPhotos) {
+        PrintError(ErrorLine(error, options, *document));
+        return nullptr;
+    }
+    return document;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "loading/ToviItemDef.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class ToviData;
+
+// Exit codes of every command.
+enum CliExit { ExitOk = 0, ExitNotLoaded = 1, ExitUsage = 2 };
+
+// Options every command that opens a delivery shares.
+struct OpenOptions {
+    QString folder;
+    PhotoXMLType family = PhotoXMLMlit;
+    bool json = false;
+};
+
+// Prints one line to standard error (UTF-8).
+void PrintError(const QString& line);
+// Prints text to standard output (UTF-8).
+void PrintOut(const QByteArray& utf8);
+
+// Parses "--family N" and "--json" out of args (removing them), and the folder argument.
+// On a usage error prints one line naming the option and returns false.
+bool ParseOpenOptions(QStringList& args, OpenOptions& options, const char* command);
+
+// Opens the delivery. On failure prints the one line that says why and returns null;
+// loaded tells whether a document came back that counts as loaded (error type 4, or 2).
+std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options);

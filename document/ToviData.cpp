@@ -1,0 +1,101 @@
+#include "document/ToviData.h"
+
+#include "document/ToviHostDocument.h"
+#include "document/ToviPhoto.h"
+#include "platform/MibFile.h"
+#include "platform/ToviCheck.h"
+
+#include <QSet>
+
+ToviData::ToviData(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type)
+    : rootPath(path), hostDocument(hostDocument) {
+    errorType = itemDef.Load(path, type);
+}
+
+ToviData::~ToviData() = default;
+
+void ToviData::RootPath(const QString& path) {
+    rootPath = MibNormalDir(path);
+}
+
+void ToviData::MakePath() {
+    for (ToviPhoto* photo : photoData) {
+        photo->MakePath();
+    }
+}
+
+ToviPhoto* ToviData::GetPhoto(int pos) const {
+    if (pos < 0 || pos >= curPhotos.GetSize()) {
+        return nullptr;
+    }
+    return GetPhotoActualPhotoArray(curPhotos.GetAt(pos));
+}
+
+ToviPhoto* ToviData::GetPhotoActualPhotoArray(int index) const {
+    if (index < 0 || index >= photoData.size()) {
+        return nullptr;
+    }
+    return photoData[index];
+}
+
+int ToviData::GetPhotoIndex(int pos) const {
+    if (curPhotos.IsEmpty()) {
+        return -1;
+    }
+    return curPhotos.GetAt(pos);
+}
+
+int ToviData::GetIndexPhotoArray(int pos) const {
+    if (pos < 0 || pos >= curPhotos.GetSize()) {
+        return -1;
+    }
+    return curPhotos.GetAt(pos);
+}
+
+int ToviData::IsLabeled() const {
+    for (const ToviPhoto* photo : photoData) {
+        for (int label = 0; label < ToviPhoto::kLabelCount; ++label) {
+            if (photo->IsLabelPasted(label)) {
+                return 1;
+            }
+        }
+    }
+    return 0;
+}
+
+bool ToviData::GetPhotoItemValue(const QString& title, QStringList& values) {
+    const int defIndex = itemDef.GetIndexFromTitle(title);
+    if (defIndex < 0) {
+        return false;
+    }
+    QSet<QString> seen(values.cbegin(), values.cend());
+    bool metEmpty = false;
+    QStringList photoValues;
+    for (const ToviPhoto* photo : photoData) {
+        photo->GetTitleFromIndex(defIndex, photoValues);
+        for (const QString& value : photoValues) {
+            if (value.isEmpty()) {
+                metEmpty = true;
+            } else if (!seen.contains(value)) {
+                seen.insert(value);
+                values.append(value);
+            }
+        }
+    }
+    return metEmpty;
+}
+
+void ToviData::UpdatePhotoInf(QWidget* sender) {
+    Broadcast(sender, HintPhotoInfoChanged);
+}
+
+void ToviData::Broadcast(QWidget* sender, UpdateHint hint, QObject* object) const {
+    if (hostDocument) {
+        hostDocument->UpdateAllViews(sender, hint, object);
+    }
+}
+
+void ToviPhotoArrayFactory::ClearAway(ToviPhotoArray& photos) {
+    qDeleteAll(photos);
+    photos.clear();
+}

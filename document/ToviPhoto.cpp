@@ -1,0 +1,318 @@
+#include "document/ToviPhoto.h"
+
+#include "document/ToviData.h"
+#include "loading/ToviItemDef.h"
+#include "platform/MibFile.h"
+#include "platform/ToviCheck.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+namespace {
+
+const QString kPicFolder = QStringLiteral("PIC/");
+const QString kDraFolder = QStringLiteral("DRA/");
+
+}  // namespace
+
+ToviPhoto::ToviPhoto(const QString& path) : imagePath(path) {}
+
+ToviPhoto::ToviPhoto(ToviData* document, const ToviItemArray& items)
+    : items(items), document(document) {
+    MakePath();
+}
+
+ToviPhoto::ToviPhoto(const ToviPhoto& other) {
+    *this = other;
+}
+
+ToviPhoto& ToviPhoto::operator=(const ToviPhoto& other) {
+    if (this == &other) {
+        return *this;
+    }
+    imagePath = other.imagePath;
+    picturePaths = other.picturePaths;
+    items = other.items;
+    exifState = other.exifState;
+    labels = other.labels;
+    selected = other.selected;
+    document = other.document;
+    comment = other.comment;
+    editResult = other.editResult;
+    ReleaseImage();
+    return *this;
+}
+
+ToviPhoto::PathTitles ToviPhoto::TitlesForPaths(bool standAlone) const {
+    PathTitles titles;
+    if (!document) {
+        return titles;
+    }
+    const ToviItemDef* def = document->GetItemDef();
+    const bool mlit = def->GetXMLType() == PhotoXMLMlit;
+    static const QStringList kRelativeMlit{QStringLiteral("参考図1"), QStringLiteral("参考図2"),
+                                           QStringLiteral("参考図3"),
+                                           QStringLiteral("参考図ファイル名")};
+    static const QStringList kRelativeOther{QStringLiteral("参考図ファイル名")};
+    static const QStringList kFullMlit{
+        QStringLiteral("参考図ファイルパス1"), QStringLiteral("参考図ファイルパス2"),
+        QStringLiteral("参考図ファイルパス3"), QStringLiteral("参考図ファイルパス")};
+    static const QStringList kFullOther{QStringLiteral("参考図ファイルパス")};
+    const QStringList& names = standAlone ? (mlit ? kRelativeMlit : kRelativeOther)
+                                          : (mlit ? kFullMlit : kFullOther);
+    for (const QString& name : names) {
+        const int index = def->GetIndexFromTitle(name);
+        if (index >= 0) {
+            titles.drawings.append(index);
+        }
+    }
+    titles.photo = def->GetIndexFromTitle(standAlone ? QStringLiteral("写真ファイル名")
+                                                     : QStringLiteral("写真ファイルパス"));
+    return titles;
+}
+
+void ToviPhoto::MakePath() {
+    if (!document) {
+        return;  // a loose image keeps the path it was made with
+    }
+    const bool standAlone = document->IsStandAlone();
+    const PathTitles titles = TitlesForPaths(standAlone);
+    if (!standAlone) {
+        FullPathWalk(titles);
+        return;
+    }
+    const QString root = MibNormalDir(document->RootPath());
+    if (rebuilding) {
+        UpdateWalk(titles, root);
+    } else {
+        RelativeWalk(titles, root);
+    }
+}
+
+void ToviPhoto::FullPathWalk(const PathTitles& titles) {
+    imagePath.clear();
+    picturePaths.clear();
+    for (const ToviItem& item : items) {
+        const int defIndex = item.GetDefIndex();
+        if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
+            picturePaths.append(item.Value());
+        }
+        if (defIndex == titles.photo) {
+            imagePath = item.Value();
+        }
+    }
+}
+
+void ToviPhoto::RelativeWalk(const PathTitles& titles, const QString& root) {
+    imagePath.clear();
+    picturePaths.clear();
+    for (const ToviItem& item : items) {
+        const int defIndex = item.GetDefIndex();
+        if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
+            picturePaths.append(root + kDraFolder + item.Value());
+        }
+        if (defIndex == titles.photo) {
+            imagePath = root + kPicFolder + item.Value();
+        }
+    }
+}
+
+// After a media change: files already found on an earlier disc keep their paths; the
+// others move under the new root. A kept path that holds the value inside a longer name
+// counts as found; that loose match is intended.
+void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
+    if (!MibIsFileExist(imagePath)) {
+        imagePath.clear();
+    }
+    QStringList kept;
+    for (const QString& path : picturePaths) {
+        if (MibIsFileExist(path)) {
+            kept.append(path);
+        }
+    }
+    picturePaths.clear();
+    for (const ToviItem& item : items) {
+        const int defIndex = item.GetDefIndex();
+        const QString& value = item.Value();
+        for (int drawing : titles.drawings) {
+            if (drawing != defIndex) {
+                continue;
+            }
+            if (value.isEmpty()) {
+                break;
+            }
+            QString found;
+            for (const QString& path : kept) {
+                if (path.contains(value)) {
+                    found = path;
+                    break;
+                }
+            }
+            picturePaths.append(found.isEmpty() ? root + kDraFolder + value : found);
+        }
+        if (imagePath.isEmpty() && defIndex == titles.photo) {
+            imagePath = root + kPicFolder + value;
+        }
+    }
+}
+
+const QString& ToviPhoto::GetImagePath() {
+    if (imagePath.isEmpty()) {
+        MakePath();
+    }
+    return imagePath;
+}
+
+void ToviPhoto::GetImagePath(QString& path) {
+    path = GetImagePath();
+}
+
+void ToviPhoto::UpdateImagePath() {
+    rebuilding = true;
+    MakePath();
+    rebuilding = false;
+    fileExists = MibIsFileExist(imagePath);
+    if (fileExists) {
+        for (const QString& path : picturePaths) {
+            if (!MibIsFileExist(path)) {
+                fileExists = false;
+                break;
+            }
+        }
+    }
+}
+
+void ToviPhoto::GetPicturePath(QStringList& out, int index) {
+    out.clear();
+    if (imagePath.isEmpty()) {
+        MakePath();
+    }
+    if (!picturePaths.isEmpty() && index >= 0) {
+        ToviCheckIndex(index, picturePaths.size(), "ToviPhoto::GetPicturePath");
+        out.append(picturePaths[index]);
+    }
+}
+
+void ToviPhoto::GetOutputFilename(QStringList& names) {
+    if (!document) {
+        return;
+    }
+    // Always the stand-alone titles: the question is which file names are missing.
+    const PathTitles titles = TitlesForPaths(true);
+    QStringList collected;
+    for (const QString& path : picturePaths) {
+        if (MibIsFileExist(path)) {
+            collected.append(path);
+        }
+    }
+    for (const ToviItem& item : items) {
+        const int defIndex = item.GetDefIndex();
+        const QString& value = item.Value();
+        for (int drawing : titles.drawings) {
+            if (drawing != defIndex) {
+                continue;
+            }
+            if (value.isEmpty()) {
+                break;
+            }
+            // Not a substring test as in the update walk: a found drawing whose path doesn't
+            // begin with the value ends the test, so when any drawing of the photograph
+            // exists none of its drawing names is reported. Intended.
+            bool report = true;
+            for (const QString& path : collected) {
+                if (path.indexOf(value) != 0) {
+                    report = false;
+                    break;
+                }
+            }
+            if (report) {
+                names.append(value);
+            }
+        }
+        if (defIndex == titles.photo && !value.isEmpty() && !MibIsFileExist(imagePath)) {
+            names.append(value);
+        }
+    }
+}
+
+QString ToviPhoto::GetTitle(int defIndex) const {
+    for (const ToviItem& item : items) {
+        if (item.GetDefIndex() == defIndex) {
+            return item.Value();
+        }
+    }
+    return QString();
+}
+
+bool ToviPhoto::GetTitle(int defIndex, QString& value) const {
+    value = GetTitle(defIndex);
+    return true;
+}
+
+void ToviPhoto::GetTitleFromIndex(int defIndex, QStringList& values) const {
+    values.clear();
+    for (const ToviItem& item : items) {
+        if (item.GetDefIndex() == defIndex) {
+            values.append(item.Value());
+        }
+    }
+}
+
+void ToviPhoto::GetTitleFromIndex(const QList<int>& defIndexes, QStringList& values) const {
+    values.clear();
+    for (int defIndex : defIndexes) {
+        for (const ToviItem& item : items) {
+            if (item.GetDefIndex() == defIndex) {
+                values.append(item.Value());
+                break;
+            }
+        }
+    }
+}
+
+bool ToviPhoto::GetTextPairs(const ToviItemDef* def, ToviTextPairArray& pairs) const {
+    pairs.clear();
+    if (!def) {
+        return false;
+    }
+    for (const ToviItem& item : items) {
+        const Definition& d = def->GetDef(item.GetDefIndex());
+        if (d.show == Definition::ShowMainList || d.show == Definition::ShowZoomDlg) {
+            pairs.append(ToviTextPair(d.title, item.Value()));
+        }
+    }
+    return !pairs.isEmpty();
+}
+
+bool ToviPhoto::LoadThumb() {
+    if (thumbLoaded && !imageLoaded) {
+        return true;  // in place, or tried once already since the last release
+    }
+    thumbLoaded = true;
+    image.Clear();
+    imageLoaded = false;
+    return image.LoadThumb(GetImagePath());
+}
+
+bool ToviPhoto::LoadImage() {
+    if (imageLoaded) {
+        return true;
+    }
+    imageLoaded = image.Load(GetImagePath());
+    return imageLoaded;
+}
+
+void ToviPhoto::ReleaseImage() {
+    image.Clear();
+    thumbLoaded = false;
+    imageLoaded = false;
+}
+
+QString ToviPhoto::GetFileRenewalDate() {
+    const QFileInfo info(GetImagePath());
+    if (!info.exists()) {
+        return QString();
+    }
+    const QDate date = info.lastModified().toLocalTime().date();
+    return QString::asprintf("%04d-%02d-%02d", date.year(), date.month(), date.day());
+}

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "document/ToviItemArray.h"
+#include "document/ToviTextPairArray.h"
+#include "platform/LumImage.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+
+class ToviData;
+class ToviItemDef;
+
+// One photograph of the delivery: its items from PHOTO.XML, the paths of its image and
+// reference drawings, the inspector's labels and comment, and the decoded picture.
+class ToviPhoto {
+public:
+    enum EditJPEGCheckResult { EditCheckNone = 0, EditCheckUnaltered = 1, EditCheckAltered = 2,
+                               EditCheckUnknown = 3 };
+    static constexpr int kLabelCount = 6;
+
+    ToviPhoto() = default;
+    // A loose image file: no document, no items.
+    explicit ToviPhoto(const QString& path);
+    // The reader's form: copies the items and builds the paths at once.
+    ToviPhoto(ToviData* document, const ToviItemArray& items);
+    // Copies carry labels, comment and paths but neither the picture nor the existence test.
+    ToviPhoto(const ToviPhoto& other);
+    ToviPhoto& operator=(const ToviPhoto& other);
+    virtual ~ToviPhoto() = default;
+
+    virtual void Select(bool on) { selected = on; }
+    virtual bool IsSelected() const { return selected; }
+    // The image path, built first when it is still empty.
+    virtual const QString& GetImagePath();
+    virtual void GetImagePath(QString& path);
+    // Rebuilds the paths after a media change, keeping files already found.
+    virtual void UpdateImagePath();
+    // Whether the image and every reference drawing existed at the last UpdateImagePath.
+    virtual bool IsExistFile() { return fileExists; }
+    virtual ToviItemArray& GetItems() { return items; }
+    virtual const ToviItemArray& GetItems() const { return items; }
+    // out receives the reference drawing at index (when there is one and index >= 0).
+    virtual void GetPicturePath(QStringList& out, int index);
+    virtual const LumImage& GetImage() const { return image; }
+    virtual int GetPictureCount() const { return static_cast<int>(picturePaths.size()); }
+    virtual bool IsLabelPasted(unsigned int label) const {
+        return label < static_cast<unsigned int>(kLabelCount) && labels[label];
+    }
+    virtual void ReleaseImage();
+    virtual bool LoadThumb();
+    virtual bool LoadImage();
+
+    void MakePath();
+    void ClearImagePath() { imagePath.clear(); }
+    const QStringList& PicturePaths() const { return picturePaths; }
+    // Appends the file names the user still has to bring (image or drawings not found).
+    void GetOutputFilename(QStringList& names);
+
+    // The first value with this definition index; empty when there is none.
+    QString GetTitle(int defIndex) const;
+    bool GetTitle(int defIndex, QString& value) const;
+    // Every value with this definition index, in file order (repeated elements).
+    void GetTitleFromIndex(int defIndex, QStringList& values) const;
+    // For each index in order, its first value; an index without an item adds nothing.
+    void GetTitleFromIndex(const QList<int>& defIndexes, QStringList& values) const;
+    // The items shown in the main list or the zoom view, titled by the definitions.
+    bool GetTextPairs(const ToviItemDef* def, ToviTextPairArray& pairs) const;
+
+    bool IsImageLoaded() const { return imageLoaded; }
+    bool IsThumbLoaded() const { return thumbLoaded; }
+    bool ConvGrayScaleFromMono() { return image.ConvGrayScaleFromMono(); }
+
+    ToviData* GetDocument() const { return document; }
+    QString GetComment() const { return comment; }
+    void SetComment(const QString& text) { comment = text; }
+    EditJPEGCheckResult GetEditChkResult() const { return editResult; }
+    void SetEditChkResult(EditJPEGCheckResult result) { editResult = result; }
+    // The local modification date of the image file as "YYYY-MM-DD"; empty when missing.
+    QString GetFileRenewalDate();
+
+protected:
+    std::array<bool, kLabelCount> labels{};
+
+private:
+    struct PathTitles {
+        QList<int> drawings;  // definition indexes of the reference-drawing titles
+        int photo = -1;
+    };
+    PathTitles TitlesForPaths(bool standAlone) const;
+    void FullPathWalk(const PathTitles& titles);
+    void RelativeWalk(const PathTitles& titles, const QString& root);
+    void UpdateWalk(const PathTitles& titles, const QString& root);
+
+    QString imagePath;
+    QStringList picturePaths;
+    bool fileExists = false;
+    bool rebuilding = false;
+    ToviItemArray items;
+    int exifState = -1;
+    bool selected = false;
+    LumImage image;
+    bool thumbLoaded = false;
+    bool imageLoaded = false;
+    ToviData* document = nullptr;
+    QString comment;
+    EditJPEGCheckResult editResult = EditCheckNone;
+};

@@ -1,0 +1,334 @@
+#include "loading/ToviEnouDataFactory.h"
+
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "platform/DoxDocument.h"
+#include "platform/MibFile.h"
+
+namespace {
+
+// From a Child definition to the Parent that closes its level, counting nested levels.
+int SkipBalancedBlock(const ToviItemDef* def, int i) {
+    int depth = 0;
+    for (;; ++i) {
+        const Definition& d = def->GetDef(i);  // past the end: unbalanced READITEM.XML
+        if (d.operation == Definition::StepChild) {
+            ++depth;
+        } else if (d.operation == Definition::StepParent) {
+            --depth;
+        }
+        if (depth <= 0) {
+            return i;
+        }
+    }
+}
+
+// From a definition to the next Parent, without counting levels (a repeating block holds
+// no further level).
+int SkipToParent(const ToviItemDef* def, int i) {
+    while (def->GetDef(i).operation != Definition::StepParent) {
+        ++i;
+    }
+    return i;
+}
+
+bool IsRepeating(const Definition& d) {
+    return d.count == Definition::CountZeroOrMore || d.count == Definition::CountOneOrMore;
+}
+
+bool IsOptional(const Definition& d) {
+    return d.count == Definition::CountZeroOrOne || d.count == Definition::CountZeroOrMore;
+}
+
+}  // namespace
+
+ToviData* ToviEnouDataFactory::OnNewDocumentInstance(ToviHostDocument* hostDocument) {
+    return new ToviData(hostDocument, SrcPath(), XmlType());
+}
+
+bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
+    loadError.clear();
+    const QString xmlPath = MibNormalDir(SrcPath()) + QStringLiteral("PHOTO.XML");
+    ToviData* document = GetDocument();
+    if (!document) {
+        loadError = QStringLiteral("文書が作られていません");
+        return false;
+    }
+    document->Title(xmlPath);
+    ToviPhotoArray* photos = document->GetPhotoDataArray();
+    // Create always makes a new document, so these are expected to be empty already.
+    photos->clear();
+    document->GetMngItemPhoto()->clear();
+
+    if (!MibIsFileExist(xmlPath)) {
+        loadError = QStringLiteral("%1 がありません").arg(xmlPath);
+        return false;
+    }
+    DoxDocument xml;
+    QStringList errors;
+    if (!xml.Initiate() || !xml.Load(xmlPath, false, &errors)) {
+        loadError = QStringLiteral("PHOTO.XML を読み込めません: %1").arg(errors.join(QLatin1Char(' ')));
+        return false;
+    }
+    DoxIterator it(&xml);
+    it.Root();
+    const bool walked = Walk(document->GetItemDef(), it, callback, arg);
+    values.clear();
+    values.squeeze();
+    if (!walked) {
+        return false;
+    }
+    if (photos->isEmpty()) {
+        document->SetErrorType(ReadErrNoPhotos);
+    }
+    return true;
+}
+
+QString ToviEnouDataFactory::Intern(const QString& text) {
+    // Most values repeat across photographs (工種, dates, flags): keep one copy of each.
+    if (text.isEmpty()) {
+        return QString();
+    }
+    const auto found = values.constFind(text);
+    if (found != values.cend()) {
+        return *found;
+    }
+    values.insert(text);
+    return text;
+}
+
+void ToviEnouDataFactory::StoreElement(const ToviItemDef* def, int i, ToviItemArray& items,
+                                       DoxIterator& it) {
+    const Definition& d = def->GetDef(i);
+    if (d.grade == Definition::GradeNone) {
+        return;  // passed by the caller's move, not stored
+    }
+    if (!IsRepeating(d)) {
+        items.append(ToviItem(i, Intern(it.GetText())));
+        return;
+    }
+    // A run of the same tag; the cursor ends on the first element past it (or on the last of
+    // the run when nothing follows).
+    for (;;) {
+        items.append(ToviItem(i, Intern(it.GetText())));
+        if (!it.NextSibling() || !it.IsTag(d.titleUtf8)) {
+            break;
+        }
+    }
+}
+
+// The top-level walk: management items before and after the photograph block. Its
+// handling of an absent optional element moves the cursor all the same, taking the next
+// element with it; the block walkers are the careful ones. Both are intended.
+bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallback callback,
+                               void* arg) {
+    ToviData* document = GetDocument();
+    ToviItemArray& mngItems = *document->GetMngItemPhoto();
+    bool matched = false;
+    int skipped = 0;
+    int i = 0;
+    while (i < def->GetCount()) {
+        const Definition& d = def->GetDef(i);
+        bool move = true;
+        if (it.IsTag(d.titleUtf8)) {
+            matched = true;
+            if (d.readType == Definition::ReadPhotoItem) {
+                LoadPhotoItem(def, document->GetPhotoDataArray(), it, i, callback, arg);
+                ++i;
+                continue;
+            }
+            if (d.blockPlural) {
+                LoadBlockPuralData(def, mngItems, it, i, callback, arg);
+                ++i;
+                continue;
+            }
+            StoreElement(def, i, mngItems, it);
+        } else if (!matched) {
+            // Down from the root to the first element the list names.
+            if (!it.Next()) {
+                loadError = QStringLiteral("PHOTO.XML に読み込める要素がありません");
+                return false;
+            }
+            continue;
+        } else if (d.count == Definition::CountZero) {
+            loadError = QStringLiteral("PHOTO.XML に必須の要素「%1」がありません").arg(d.title);
+            return false;
+        } else if (d.operation == Definition::StepChild) {
+            if (IsOptional(d)) {
+                i = SkipBalancedBlock(def, i);
+            } else {
+                ++skipped;  // its Parent later must not move the cursor
+            }
+            move = false;
+        } else if (d.grade != Definition::GradeNone) {
+            mngItems.append(ToviItem(i, QString()));
+        }
+        if (move) {
+            if (d.operation == Definition::StepChild) {
+                it.Child();
+            } else {
+                if (d.operation == Definition::StepParent) {
+                    if (skipped > 0) {
+                        --skipped;
+                    } else {
+                        it.Parent();
+                    }
+                }
+                it.NextSibling();
+            }
+        }
+        ++i;
+    }
+    return true;
+}
+
+bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos,
+                                        DoxIterator& it, int& index, ToviLoadCallback callback,
+                                        void* arg) {
+    int end = index + 1;
+    while (end < def->GetCount() && def->GetDef(end).readType != Definition::ReadMngItem) {
+        ++end;
+    }
+    const QByteArray& photoTag = def->GetDef(index).titleUtf8;
+    ToviData* document = GetDocument();
+    int photoCount = 0;
+    bool siblingOk = true;
+    int i = index;
+    ToviItemArray items;
+    for (;;) {
+        const void* start = it.Position();
+        int skipped = 0;
+        int depth = 0;
+        i = index;
+        items.clear();
+        while (i < end) {
+            const Definition& d = def->GetDef(i);
+            const bool present = it.IsTag(d.titleUtf8);
+            if (present && d.blockPlural) {
+                int at = i;
+                LoadBlockPuralData(def, items, it, at, callback, arg);
+                i = at + 1;
+                continue;
+            }
+            bool move = true;
+            if (present) {
+                StoreElement(def, i, items, it);
+            } else if (d.count == Definition::CountZero) {
+                return false;  // this photograph is dropped; those before it stay
+            } else if (!IsOptional(d)) {
+                if (d.operation == Definition::StepChild) {
+                    ++skipped;
+                    move = false;
+                } else if (d.grade != Definition::GradeNone) {
+                    items.append(ToviItem(i, QString()));
+                }
+            } else if (d.operation == Definition::StepChild) {
+                i = SkipBalancedBlock(def, i);
+                move = false;
+            } else if (d.grade == Definition::GradeLinked) {
+                items.append(ToviItem(i, QString()));
+                move = false;
+            } else if (d.grade != Definition::GradeNone) {
+                items.append(ToviItem(i, QString()));
+                move = d.operation == Definition::StepParent;
+            }
+            if (move) {
+                if (d.operation == Definition::StepChild) {
+                    it.Child();
+                    ++depth;
+                } else {
+                    if (d.operation == Definition::StepParent) {
+                        if (skipped == 0) {
+                            --depth;
+                            it.Parent();
+                        } else {
+                            --skipped;
+                        }
+                    }
+                    siblingOk = it.NextSibling();
+                }
+            }
+            ++i;
+        }
+        photos->append(new ToviPhoto(document, items));
+        ++photoCount;
+        if (photoCount % 50 == 0) {
+            // The result is ignored: a load can't be cancelled.
+            OnProgress(callback, QStringLiteral("写真データの読み込み　%1枚完了").arg(photoCount),
+                       arg);
+        }
+        // Back to the level of the photograph element. A list with more Parents than
+        // Childs would leave depth below 0; that must not loop.
+        while (depth > 0) {
+            it.Parent();
+            siblingOk = it.NextSibling();
+            --depth;
+        }
+        items.clear();
+        if (!it.IsTag(photoTag) || !siblingOk) {
+            break;
+        }
+        if (it.Position() == start) {
+            break;  // a list that never moves the cursor would read the same photograph forever
+        }
+    }
+    index = i - 1;
+    return true;
+}
+
+bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items,
+                                             DoxIterator& it, int& index, ToviLoadCallback,
+                                             void*) {
+    const int end = SkipToParent(def, index + 1) + 1;
+    bool siblingOk = true;
+    int i = index;
+    for (;;) {
+        const void* start = it.Position();
+        i = index;
+        while (i < end) {
+            const Definition& d = def->GetDef(i);
+            bool move = true;
+            if (it.IsTag(d.titleUtf8)) {
+                StoreElement(def, i, items, it);
+            } else if (d.count == Definition::CountZero) {
+                return false;
+            } else if (!IsOptional(d)) {
+                if (d.operation == Definition::StepChild) {
+                    move = false;
+                } else if (d.grade != Definition::GradeNone) {
+                    items.append(ToviItem(i, QString()));
+                }
+            } else if (d.operation == Definition::StepChild) {
+                i = SkipToParent(def, i);
+                move = false;
+            } else if (d.grade == Definition::GradeLinked) {
+                items.append(ToviItem(i, QString()));
+                move = false;
+            } else if (d.grade != Definition::GradeNone) {
+                items.append(ToviItem(i, QString()));
+                move = d.operation == Definition::StepParent;
+            }
+            if (move) {
+                if (d.operation == Definition::StepChild) {
+                    it.Child();
+                } else {
+                    if (d.operation == Definition::StepParent) {
+                        it.Parent();
+                    }
+                    siblingOk = it.NextSibling();
+                }
+            }
+            ++i;
+        }
+        // The block ends when the element after it is reached, not when its own tag stops.
+        const Definition& after = def->GetDef(i);  // a block at the very end: invalid list
+        if (it.IsTag(after.titleUtf8) || !siblingOk) {
+            break;
+        }
+        if (it.Position() == start) {
+            break;  // an unknown element after the block: nothing more can be read here
+        }
+    }
+    index = i - 1;
+    return true;
+}

@@ -1,0 +1,362 @@
+#include "platform/DoxDocument.h"
+
+#include "platform/Cp932.h"
+#include "platform/MibFile.h"
+
+#include <pugixml.hpp>
+
+#include <QFile>
+
+namespace {
+
+constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_declaration |
+                                   pugi::parse_doctype | pugi::parse_embed_pcdata;
+
+// Reads encoding="..." from an XML declaration at the start of ASCII-compatible bytes.
+QByteArray ParseDeclaredEncoding(const QByteArray& bytes) {
+    if (!bytes.startsWith("<?xml")) {
+        return QByteArray();
+    }
+    const qsizetype end = bytes.indexOf("?>");
+    if (end < 0) {
+        return QByteArray();
+    }
+    const QByteArray decl = bytes.left(end);
+    const qsizetype at = decl.indexOf("encoding");
+    if (at < 0) {
+        return QByteArray();
+    }
+    qsizetype pos = at + 8;
+    while (pos < decl.size() && (decl[pos] == ' ' || decl[pos] == '=' || decl[pos] == '\t')) {
+        ++pos;
+    }
+    if (pos >= decl.size() || (decl[pos] != '"' && decl[pos] != '\'')) {
+        return QByteArray();
+    }
+    const char quote = decl[pos];
+    const qsizetype close = decl.indexOf(quote, pos + 1);
+    if (close < 0) {
+        return QByteArray();
+    }
+    return decl.mid(pos + 1, close - pos - 1).trimmed();
+}
+
+// The iconv name to decode a declared encoding with; empty for UTF-8 (nothing to do).
+QByteArray IconvName(const QByteArray& declared) {
+    const QByteArray name = declared.toLower();
+    if (name.isEmpty() || name == "utf-8" || name == "utf8") {
+        return QByteArray();
+    }
+    if (name == "shift_jis" || name == "shift-jis" || name == "sjis" || name == "x-sjis" ||
+        name == "windows-31j" || name == "cp932" || name == "ms_kanji" || name == "csshiftjis") {
+        return "CP932";
+    }
+    return declared;
+}
+
+bool Fail(QStringList* errors, const QString& why) {
+    if (errors) {
+        errors->append(why);
+    }
+    return false;
+}
+
+pugi::xml_node Wrap(pugi::xml_node_struct* n) {
+    return pugi::xml_node(n);
+}
+
+pugi::xml_node FirstElement(pugi::xml_node n) {
+    while (n && n.type() != pugi::node_element) {
+        n = n.next_sibling();
+    }
+    return n;
+}
+
+}  // namespace
+
+DoxDocument::DoxDocument() = default;
+DoxDocument::~DoxDocument() = default;
+
+bool DoxDocument::Initiate() {
+    doc = std::make_unique<pugi::xml_document>();
+    buffer.clear();
+    declaredEncoding.clear();
+    return true;
+}
+
+void DoxDocument::Terminate() {
+    doc.reset();
+    buffer.clear();
+    buffer.squeeze();
+}
+
+bool DoxDocument::IsLoaded() const {
+    return doc && doc->document_element();
+}
+
+bool DoxDocument::Load(const QString& path, bool, QStringList* errors) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return Fail(errors, QStringLiteral("%1 を開けません").arg(path));
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        return Fail(errors, QStringLiteral("%1 を読めません").arg(path));
+    }
+    return LoadFromBytes(bytes, errors);
+}
+
+bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
+    if (!doc) {
+        Initiate();
+    }
+    doc->reset();
+    buffer.clear();
+    declaredEncoding.clear();
+
+    QByteArray utf8;
+    if (bytes.startsWith("\xEF\xBB\xBF")) {
+        utf8 = bytes.mid(3);
+        declaredEncoding = QStringLiteral("UTF-8");
+    } else if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
+        const char* enc = bytes.startsWith("\xFF\xFE") ? "UTF-16LE" : "UTF-16BE";
+        if (!Cp932::ToUtf8(bytes.mid(2), enc, utf8)) {
+            return Fail(errors, QStringLiteral("UTF-16 として読めない文字があります"));
+        }
+        declaredEncoding = QStringLiteral("UTF-16");
+    } else {
+        const QByteArray declared = ParseDeclaredEncoding(bytes);
+        declaredEncoding = QString::fromLatin1(declared);
+        const QByteArray iconvName = IconvName(declared);
+        if (iconvName.isEmpty()) {
+            utf8 = bytes;
+        } else if (!Cp932::ToUtf8(bytes, iconvName.constData(), utf8)) {
+            return Fail(errors, QStringLiteral("文字コード %1 として読めません")
+                                    .arg(QString::fromLatin1(declared)));
+        }
+    }
+
+    buffer = std::move(utf8);
+    buffer.detach();
+    const pugi::xml_parse_result result = doc->load_buffer_inplace(
+        buffer.data(), static_cast<size_t>(buffer.size()), kParseOptions, pugi::encoding_utf8);
+    if (!result || !doc->document_element()) {
+        const QString why = result ? QStringLiteral("要素がありません")
+                                   : QString::fromUtf8(result.description());
+        doc->reset();
+        buffer.clear();
+        return Fail(errors, QStringLiteral("XML の形式が正しくありません (%1, 位置 %2)")
+                                .arg(why)
+                                .arg(static_cast<qlonglong>(result.offset)));
+    }
+    return true;
+}
+
+bool DoxDocument::Save(const QString& path, QStringList* errors) const {
+    if (!IsLoaded()) {
+        return Fail(errors, QStringLiteral("保存する文書がありません"));
+    }
+    // The declaration is rewritten to name the encoding actually written.
+    pugi::xml_document copy;
+    copy.reset(*doc);
+    pugi::xml_node decl = copy.first_child();
+    if (decl.type() != pugi::node_declaration) {
+        decl = copy.prepend_child(pugi::node_declaration);
+        decl.append_attribute("version") = "1.0";
+    }
+    if (!decl.attribute("encoding")) {
+        decl.append_attribute("encoding");
+    }
+    decl.attribute("encoding") = "Shift_JIS";
+
+    struct Writer : pugi::xml_writer {
+        QByteArray out;
+        void write(const void* data, size_t size) override {
+            out.append(static_cast<const char*>(data), static_cast<qsizetype>(size));
+        }
+    } writer;
+    copy.save(writer, "\t", pugi::format_default | pugi::format_no_declaration,
+              pugi::encoding_utf8);
+
+    QByteArray sjis;
+    if (!Cp932::FromUtf8(writer.out, "CP932", sjis)) {
+        return Fail(errors, QStringLiteral("Shift_JIS で表せない文字があります"));
+    }
+    QString error;
+    if (!MibWriteFileAtomic(path, sjis, &error)) {
+        return Fail(errors, QStringLiteral("%1 に書き込めません: %2").arg(path, error));
+    }
+    return true;
+}
+
+DoxIterator::DoxIterator(DoxDocument* document) : document(document) {}
+
+bool DoxIterator::Root() {
+    if (!document || !document->doc) {
+        return false;
+    }
+    pugi::xml_node root = document->doc->document_element();
+    if (!root) {
+        return false;
+    }
+    node = root.internal_object();
+    return true;
+}
+
+bool DoxIterator::Child() {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node child = FirstElement(Wrap(node).first_child());
+    if (!child) {
+        return false;
+    }
+    node = child.internal_object();
+    return true;
+}
+
+bool DoxIterator::ChildTail() {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node child = Wrap(node).last_child();
+    while (child && child.type() != pugi::node_element) {
+        child = child.previous_sibling();
+    }
+    if (!child) {
+        return false;
+    }
+    node = child.internal_object();
+    return true;
+}
+
+bool DoxIterator::Parent() {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node parent = Wrap(node).parent();
+    if (!parent || parent.type() != pugi::node_element) {
+        return false;
+    }
+    node = parent.internal_object();
+    return true;
+}
+
+bool DoxIterator::NextSibling() {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node next = FirstElement(Wrap(node).next_sibling());
+    if (!next) {
+        return false;
+    }
+    node = next.internal_object();
+    return true;
+}
+
+bool DoxIterator::Next() {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node current = Wrap(node);
+    if (pugi::xml_node child = FirstElement(current.first_child())) {
+        node = child.internal_object();
+        return true;
+    }
+    // Up until some ancestor has a following element; stop at the root element.
+    for (pugi::xml_node at = current; at && at.type() == pugi::node_element; at = at.parent()) {
+        if (pugi::xml_node next = FirstElement(at.next_sibling())) {
+            node = next.internal_object();
+            return true;
+        }
+    }
+    return false;
+}
+
+bool DoxIterator::GetTagName(QString& tag) const {
+    if (!node) {
+        return false;
+    }
+    tag = QString::fromUtf8(Wrap(node).name());
+    return true;
+}
+
+QString DoxIterator::GetTagName() const {
+    QString tag;
+    GetTagName(tag);
+    return tag;
+}
+
+bool DoxIterator::IsTag(const QByteArray& utf8Name) const {
+    return node && utf8Name == Wrap(node).name();
+}
+
+bool DoxIterator::GetText(QString& text) const {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node n = Wrap(node);
+    const char* own = n.value();  // the text, when it was the element's only content
+    if (own && *own) {
+        text = QString::fromUtf8(own);
+        return true;
+    }
+    QByteArray all;
+    for (pugi::xml_node c = n.first_child(); c; c = c.next_sibling()) {
+        if (c.type() == pugi::node_pcdata || c.type() == pugi::node_cdata) {
+            all += c.value();
+        }
+    }
+    text = QString::fromUtf8(all);
+    return true;
+}
+
+QString DoxIterator::GetText() const {
+    QString text;
+    GetText(text);
+    return text;
+}
+
+bool DoxIterator::SetText(const QString& text) {
+    if (!node) {
+        return false;
+    }
+    return Wrap(node).text().set(text.toUtf8().constData());
+}
+
+bool DoxIterator::InsertChild(const QString& tag) {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node child = Wrap(node).append_child(tag.toUtf8().constData());
+    if (!child) {
+        return false;
+    }
+    node = child.internal_object();
+    return true;
+}
+
+bool DoxIterator::Remove() {
+    if (!node) {
+        return false;
+    }
+    pugi::xml_node current = Wrap(node);
+    pugi::xml_node parent = current.parent();
+    if (!parent || parent.type() != pugi::node_element) {
+        return false;
+    }
+    parent.remove_child(current);
+    node = parent.internal_object();
+    return true;
+}
+
+int DoxIterator::Depth() const {
+    if (!node) {
+        return -1;
+    }
+    int depth = -1;
+    for (pugi::xml_node at = Wrap(node); at && at.type() == pugi::node_element; at = at.parent()) {
+        ++depth;
+    }
+    return depth;
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace pugi {
+class xml_document;
+struct xml_node_struct;
+}  // namespace pugi
+
+// An XML document read into memory. The file is decoded by the encoding its declaration
+// names (Shift_JIS read as CP932; a byte-order mark wins), so that the tree holds text.
+class DoxDocument {
+public:
+    DoxDocument();
+    ~DoxDocument();
+    DoxDocument(const DoxDocument&) = delete;
+    DoxDocument& operator=(const DoxDocument&) = delete;
+
+    bool Initiate();
+    // Reads and parses the file. False for a missing file, an encoding that can't be
+    // decoded, or XML that isn't well formed; errors (when given) receives one line why.
+    bool Load(const QString& path, bool validate = false, QStringList* errors = nullptr);
+    // The same from bytes in memory.
+    bool LoadFromBytes(const QByteArray& bytes, QStringList* errors = nullptr);
+    // Writes the document as Shift_JIS (CP932), keeping its document type line, through a
+    // temporary file renamed into place. False when a text has no CP932 form or the write
+    // fails; the old file is then left as it was.
+    bool Save(const QString& path, QStringList* errors = nullptr) const;
+    void Terminate();
+
+    bool IsLoaded() const;
+    // The declared encoding as it stood in the file ("Shift_JIS", "UTF-8", ...).
+    QString DeclaredEncoding() const { return declaredEncoding; }
+
+private:
+    friend class DoxIterator;
+    std::unique_ptr<pugi::xml_document> doc;
+    QByteArray buffer;  // the decoded UTF-8 text; the tree points into it
+    QString declaredEncoding;
+};
+
+// A cursor over the elements of a DoxDocument. Moves answer false and leave the cursor in
+// place when there is no such element.
+class DoxIterator {
+public:
+    explicit DoxIterator(DoxDocument* document);
+
+    bool Root();
+    bool Child();  // the first child element
+    bool ChildHead() { return Child(); }
+    bool ChildTail();  // the last child element
+    bool Parent();
+    bool NextSibling();
+    // The next element in document order; false at the end of the document.
+    bool Next();
+
+    bool GetTagName(QString& tag) const;
+    QString GetTagName() const;
+    // Compares the tag with a UTF-8 name without building a text.
+    bool IsTag(const QByteArray& utf8Name) const;
+    bool GetText(QString& text) const;
+    QString GetText() const;
+    bool SetText(const QString& text);
+    // Appends a child element named tag and moves onto it.
+    bool InsertChild(const QString& tag);
+    // Removes the current element and moves onto its parent.
+    bool Remove();
+    // An identity of the element the cursor stands on, to tell whether a walk moved.
+    const void* Position() const { return node; }
+    // How many levels the cursor stands below the root element (0 on it, -1 when nowhere).
+    int Depth() const;
+
+private:
+    DoxDocument* document;
+    pugi::xml_node_struct* node = nullptr;
+};

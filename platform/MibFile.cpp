@@ -1,0 +1,127 @@
+#include "platform/MibFile.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+QString MibNormalDir(const QString& path) {
+    if (path.isEmpty() || path.endsWith(QLatin1Char('/'))) {
+        return path;
+    }
+    return path + QLatin1Char('/');
+}
+
+QString MibParentDir(const QString& path) {
+    QString p = path;
+    while (p.size() > 1 && p.endsWith(QLatin1Char('/'))) {
+        p.chop(1);
+    }
+    const qsizetype slash = p.lastIndexOf(QLatin1Char('/'));
+    if (slash < 0) {
+        return QString();
+    }
+    return p.left(slash + 1);
+}
+
+bool MibIsFileExist(const QString& path) {
+    if (path.isEmpty()) {
+        return false;
+    }
+    const QFileInfo info(path);
+    return info.exists() && info.isFile();
+}
+
+bool MibIsFolderExist(const QString& path) {
+    return !path.isEmpty() && QFileInfo(path).isDir();
+}
+
+bool MibCreateDirectory(const QString& path) {
+    return !path.isEmpty() && QDir().mkpath(path);
+}
+
+bool MibRemoveDirectory(const QString& path) {
+    if (!MibIsFolderExist(path)) {
+        return false;
+    }
+    return QDir(path).removeRecursively();
+}
+
+bool MibCopyFileEx(const QString& from, const QString& to, bool overwrite) {
+    if (!MibIsFileExist(from) || (!overwrite && QFileInfo::exists(to))) {
+        return false;
+    }
+    QFile source(from);
+    if (!source.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    QSaveFile target(to);
+    if (!target.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    char buffer[1 << 16];
+    for (;;) {
+        const qint64 n = source.read(buffer, sizeof buffer);
+        if (n < 0) {
+            target.cancelWriting();
+            return false;
+        }
+        if (n == 0) {
+            break;
+        }
+        if (target.write(buffer, n) != n) {
+            target.cancelWriting();
+            return false;
+        }
+    }
+    return target.commit();
+}
+
+QString MibGetExt(const QString& path) {
+    const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? QString() : name.mid(dot + 1);
+}
+
+QString MibGetFileTitle(const QString& path) {
+    const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? name : name.left(dot);
+}
+
+QString MibProgramPath() {
+    // Without an application object Qt can't tell; /proc answers on Linux all the same.
+    QString exe = QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget();
+    if (exe.isEmpty() && QCoreApplication::instance()) {
+        exe = QCoreApplication::applicationFilePath();
+    }
+    if (exe.isEmpty()) {
+        return QString();
+    }
+    return MibNormalDir(QFileInfo(exe).absolutePath());
+}
+
+bool MibWriteFileAtomic(const QString& path, const QByteArray& data, QString* error) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        if (error) {
+            *error = file.errorString();
+        }
+        return false;
+    }
+    if (file.write(data) != data.size()) {
+        if (error) {
+            *error = file.errorString();
+        }
+        file.cancelWriting();
+        return false;
+    }
+    if (!file.commit()) {
+        if (error) {
+            *error = file.errorString();
+        }
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,77 @@
+#include "platform/ToviProfile.h"
+
+#include <QSettings>
+
+namespace {
+
+QString Key(const QString& section, const QString& entry) {
+    return section + QLatin1Char('/') + entry;
+}
+
+}  // namespace
+
+ToviProfile& ToviProfile::Instance() {
+    static ToviProfile profile;
+    return profile;
+}
+
+ToviProfile::ToviProfile() {
+    UseFile(QString());
+}
+
+ToviProfile::~ToviProfile() = default;
+
+void ToviProfile::UseFile(const QString& iniPath) {
+    if (settings) {
+        settings->sync();
+    }
+    if (iniPath.isEmpty()) {
+        settings = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                               QStringLiteral("Orvane Systems"),
+                                               QStringLiteral("ToviCore"));
+    } else {
+        settings = std::make_unique<QSettings>(iniPath, QSettings::IniFormat);
+    }
+}
+
+QString ToviProfile::FileName() const {
+    return settings->fileName();
+}
+
+bool ToviProfile::Usable() const {
+    // A file that can't be parsed reads as empty: every read gives its default.
+    return settings->status() != QSettings::FormatError;
+}
+
+int ToviProfile::GetProfileInt(const QString& section, const QString& entry,
+                               int defaultValue) const {
+    if (!Usable()) {
+        return defaultValue;
+    }
+    bool ok = false;
+    const int value = settings->value(Key(section, entry)).toString().trimmed().toInt(&ok);
+    return ok ? value : defaultValue;
+}
+
+bool ToviProfile::WriteProfileInt(const QString& section, const QString& entry, int value) {
+    return WriteProfileString(section, entry, QString::number(value));
+}
+
+QString ToviProfile::GetProfileString(const QString& section, const QString& entry,
+                                      const QString& defaultValue) const {
+    if (!Usable()) {
+        return defaultValue;
+    }
+    const QVariant value = settings->value(Key(section, entry));
+    return value.isValid() ? value.toString() : defaultValue;
+}
+
+bool ToviProfile::WriteProfileString(const QString& section, const QString& entry,
+                                     const QString& value) {
+    if (!Usable()) {
+        return false;
+    }
+    settings->setValue(Key(section, entry), value);
+    settings->sync();
+    return settings->status() == QSettings::NoError;
+}
