@@ -19,7 +19,11 @@ ToviProfile::ToviProfile() {
     UseFile(QString());
 }
 
-ToviProfile::~ToviProfile() = default;
+ToviProfile::~ToviProfile() {
+    if (settings) {
+        settings->sync();
+    }
+}
 
 void ToviProfile::UseFile(const QString& iniPath) {
     if (settings) {
@@ -71,7 +75,14 @@ bool ToviProfile::WriteProfileString(const QString& section, const QString& entr
     if (!Usable()) {
         return false;
     }
-    settings->setValue(Key(section, entry), value);
-    settings->sync();
+    const QString key = Key(section, entry);
+    // Every opening writes the kind of delivery; an unchanged value costs no disk write.
+    const QVariant current = settings->value(key);
+    if (current.isValid() && current.toString() == value) {
+        return true;
+    }
+    settings->setValue(key, value);
+    // Written out when the event loop next runs and when the store goes; a flush (with
+    // its fsync) on every write would cost each opening tens of milliseconds.
     return settings->status() == QSettings::NoError;
 }

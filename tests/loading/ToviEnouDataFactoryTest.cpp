@@ -1,0 +1,277 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/Cp932.h"
+#include "platform/ToviProfile.h"
+#include "tests/support/DeliveryWriter.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+using Pairs = QList<QPair<QString, QString>>;
+
+// The loaded items as (title, value), without the empty items the reader adds for absent
+// elements: what can be compared with what the writer wrote.
+Pairs FilledItems(const ToviItemDef* def, const ToviItemArray& items) {
+    Pairs pairs;
+    for (const ToviItem& item : items) {
+        if (!item.Value().isEmpty()) {
+            pairs.append({def->GetTitleFromIndex(item.GetDefIndex()), item.Value()});
+        }
+    }
+    return pairs;
+}
+
+Pairs Filled(const Pairs& written) {
+    Pairs pairs;
+    for (const auto& pair : written) {
+        if (!pair.second.isEmpty()) {
+            pairs.append(pair);
+        }
+    }
+    return pairs;
+}
+
+struct Progress {
+    QList<QString> texts;
+    bool answer = true;
+};
+
+bool RecordProgress(const ToviDataFactory*, const ToviData*, const QString& text, void* arg) {
+    auto* progress = static_cast<Progress*>(arg);
+    progress->texts.append(text);
+    return progress->answer;
+}
+
+void WritePhotoXml(const QString& folder, const QByteArray& utf8Body,
+                   const char* encoding = "Shift_JIS") {
+    QDir().mkpath(folder);
+    QFile file(folder + QStringLiteral("/PHOTO.XML"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QByteArray bytes = QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?>\n" + utf8Body;
+    if (QByteArray(encoding) == "Shift_JIS") {
+        bytes = Cp932::FromUnicode(QString::fromUtf8(bytes));
+    }
+    file.write(bytes);
+}
+
+}  // namespace
+
+class ToviEnouDataFactoryTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));
+    }
+
+    // Every generation loads with every written value on the item of the same title, with
+    // optional elements and blocks absent, present, and repeated.
+    void everyGenerationRoundTrips_data() {
+        QTest::addColumn<int>("generation");
+        QTest::addColumn<double>("optionalShare");
+        QTest::addColumn<int>("maxRepeats");
+        for (Generation g : AllGenerations()) {
+            const QByteArray name = SectionName(g).toUtf8();
+            QTest::newRow(name + " all optional") << static_cast<int>(g) << 1.0 << 3;
+            QTest::newRow(name + " no optional") << static_cast<int>(g) << 0.0 << 1;
+            QTest::newRow(name + " mixed") << static_cast<int>(g) << 0.5 << 2;
+        }
+    }
+    void everyGenerationRoundTrips() {
+        QFETCH(int, generation);
+        QFETCH(double, optionalShare);
+        QFETCH(int, maxRepeats);
+        DeliveryOptions options;
+        options.generation = static_cast<Generation>(generation);
+        options.photoCount = 30;
+        options.seed = 11;
+        options.images = DeliveryOptions::Images::None;
+        options.optionalShare = optionalShare;
+        options.maxRepeats = maxRepeats;
+        options.drawingShare = 0.5;
+        const QString root = temp.filePath(QStringLiteral("rt-%1-%2-%3")
+                                               .arg(generation)
+                                               .arg(optionalShare)
+                                               .arg(maxRepeats));
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(root, options, &written, &error), qPrintable(error));
+
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(factory.Create(
+            nullptr, written.photoFolder, static_cast<PhotoXMLType>(written.family)));
+        QVERIFY2(document, qPrintable(factory.GetLoadError()));
+        QCOMPARE(document->GetErrorType(), ReadErrNone);
+        const ToviItemDef* def = document->GetItemDef();
+        QCOMPARE(def->NewType(), SectionName(options.generation));
+
+        QCOMPARE(FilledItems(def, *document->GetMngItemPhoto()),
+                 Filled(written.managementElements));
+        QCOMPARE(document->GetTotalCountPhoto(), written.photos.size());
+        const QString folder = QDir(written.photoFolder).absolutePath() + QLatin1Char('/');
+        for (int i = 0; i < written.photos.size(); ++i) {
+            ToviPhoto* photo = document->GetPhotoActualPhotoArray(i);
+            const WrittenPhoto& expected = written.photos[i];
+            QCOMPARE(FilledItems(def, photo->GetItems()), Filled(expected.elements));
+            QCOMPARE(photo->GetImagePath(), folder + QStringLiteral("PIC/") + expected.fileName);
+            QStringList drawings;
+            for (const QString& name : expected.drawings) {
+                drawings.append(folder + QStringLiteral("DRA/") + name);
+            }
+            QCOMPARE(photo->PicturePaths(), drawings);
+        }
+        // Absent single elements still give an item, so photographs stay comparable by
+        // position of definition: the first photograph's single items have a slot each.
+        const int serial = def->GetIndexFromTitle(QStringLiteral("シリアル番号"));
+        QVERIFY(serial >= 0);
+        QCOMPARE(document->GetPhotoActualPhotoArray(0)->GetTitle(serial), QStringLiteral("1"));
+    }
+
+    // Progress comes every 50 photographs, never at the end, and its answer can't stop a load.
+    void progressEveryFiftyPhotographs_data() {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<bool>("answer");
+        QTest::addColumn<QList<int>>("reports");
+        QTest::newRow("49") << 49 << true << QList<int>{};
+        QTest::newRow("50") << 50 << true << QList<int>{50};
+        QTest::newRow("120, callback says stop") << 120 << false << QList<int>{50, 100};
+    }
+    void progressEveryFiftyPhotographs() {
+        QFETCH(int, count);
+        QFETCH(bool, answer);
+        QFETCH(QList<int>, reports);
+        DeliveryOptions options;
+        options.photoCount = count;
+        options.images = DeliveryOptions::Images::None;
+        WrittenDelivery written;
+        QVERIFY(WriteDelivery(temp.filePath(QStringLiteral("progress-%1").arg(count)), options,
+                              &written, nullptr));
+        Progress progress;
+        progress.answer = answer;
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(
+            factory.Create(nullptr, written.photoFolder, PhotoXMLMlit, RecordProgress, &progress));
+        QVERIFY(document);
+        QCOMPARE(document->GetTotalCountPhoto(), count);
+        QStringList expected;
+        for (int n : reports) {
+            expected.append(QStringLiteral("写真データの読み込み　%1枚完了").arg(n));
+        }
+        QCOMPARE(progress.texts, expected);
+    }
+
+    // Async mode splits Create in two; Load without it refuses and calls nothing.
+    void asyncModeAndNullCallback() {
+        DeliveryOptions options;
+        options.photoCount = 60;
+        options.images = DeliveryOptions::Images::None;
+        WrittenDelivery written;
+        QVERIFY(WriteDelivery(temp.filePath(QStringLiteral("async")), options, &written, nullptr));
+
+        ToviEnouDataFactory plain;
+        std::unique_ptr<ToviData> loaded(plain.Create(nullptr, written.photoFolder, PhotoXMLMlit));
+        QVERIFY(loaded);
+        Progress progress;
+        QVERIFY(!plain.Load(RecordProgress, &progress));
+        QVERIFY(progress.texts.isEmpty());
+
+        ToviEnouDataFactory factory;
+        factory.Async(true);
+        std::unique_ptr<ToviData> document(
+            factory.Create(nullptr, written.photoFolder, PhotoXMLMlit));
+        QVERIFY(document);
+        QCOMPARE(document->GetTotalCountPhoto(), 0);
+        QVERIFY(factory.Load(RecordProgress, &progress));
+        QCOMPARE(document->GetTotalCountPhoto(), 60);
+        QCOMPARE(progress.texts.size(), 1);
+        // The root node's title is the whole path of PHOTO.XML.
+        QCOMPARE(document->Title(), written.photoFolder + QStringLiteral("/PHOTO.XML"));
+    }
+
+    // Broken or hostile PHOTO.XML: each gives a null document or an error type, never a
+    // crash or a hang.
+    void badPhotoXml_data() {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QByteArray>("encoding");
+        QTest::addColumn<int>("outcome");  // -1 null document, else the error type
+        const QByteArray head = "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n";
+        const QByteArray good =
+            "<photodata DTD_version=\"05\"><基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
+            "<適用要領基準>土木202303-01</適用要領基準></基礎情報>";
+        QTest::newRow("not well formed") << head + good + "<写真情報><写真ファイル情報>" << QByteArray("Shift_JIS") << -1;
+        QTest::newRow("truncated") << head + good.left(good.size() - 20) << QByteArray("Shift_JIS") << -1;
+        QTest::newRow("unknown DOCTYPE")
+            << QByteArray("<!DOCTYPE photodata SYSTEM \"PHOTO99.DTD\">\n") + good + "</photodata>"
+            << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
+        QTest::newRow("DTD name on the next line")
+            << QByteArray("<!DOCTYPE photodata SYSTEM\n\"PHOTO05.DTD\">\n") + good + "</photodata>"
+            << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
+        QTest::newRow("undecodable encoding") << head + good + "</photodata>"
+                                              << QByteArray("X-NO-SUCH-CODE") << -1;
+        QTest::newRow("no photographs") << head + good + "</photodata>" << QByteArray("Shift_JIS")
+                                        << static_cast<int>(ReadErrNoPhotos);
+        QTest::newRow("no element the list names")
+            << head + "<photodata><何か><別の要素>x</別の要素></何か></photodata>"
+            << QByteArray("Shift_JIS") << -1;
+        QByteArray deep = head + "<photodata>";
+        for (int i = 0; i < 20000; ++i) {
+            deep += "<a>";
+        }
+        for (int i = 0; i < 20000; ++i) {
+            deep += "</a>";
+        }
+        QTest::newRow("deeply nested") << deep + "</photodata>" << QByteArray("Shift_JIS") << -1;
+        QTest::newRow("entity expansion")
+            << QByteArray("<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\" [<!ENTITY a \"aaaaaaaaaa\">"
+                          "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">]>\n") +
+                   good + "<写真情報><写真ファイル情報><シリアル番号>&b;</シリアル番号>"
+                          "</写真ファイル情報></写真情報></photodata>"
+            << QByteArray("Shift_JIS") << static_cast<int>(ReadErrNone);
+        QTest::newRow("unknown elements inside a photograph")
+            << head + good +
+                   "<写真情報><謎の要素>?</謎の要素><写真ファイル情報><シリアル番号>1</シリアル番号>"
+                   "<写真ファイル名>P1.JPG</写真ファイル名><メディア番号>1</メディア番号>"
+                   "</写真ファイル情報><謎><謎>x</謎></謎></写真情報><写真情報><謎/></写真情報></photodata>"
+            << QByteArray("Shift_JIS") << static_cast<int>(ReadErrNone);
+    }
+    void badPhotoXml() {
+        QFETCH(QByteArray, body);
+        QFETCH(QByteArray, encoding);
+        QFETCH(int, outcome);
+        const QString folder = temp.filePath(QStringLiteral("bad-%1").arg(QTest::currentDataTag()));
+        WritePhotoXml(folder, body, encoding.constData());
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
+        if (outcome < 0) {
+            QVERIFY(!document);
+            QVERIFY(!factory.GetLoadError().isEmpty());
+        } else {
+            QVERIFY(document);
+            QCOMPARE(static_cast<int>(document->GetErrorType()), outcome);
+        }
+    }
+
+    // A folder without PHOTO.XML: the document comes back unloaded, error type 1.
+    void missingFolderOrFile() {
+        for (const QString& folder : {temp.filePath(QStringLiteral("nowhere")), temp.path()}) {
+            ToviEnouDataFactory factory;
+            std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
+            QVERIFY(document);
+            QCOMPARE(document->GetErrorType(), ReadErrUnknownPhotoXml);
+            QCOMPARE(document->GetTotalCountPhoto(), 0);
+        }
+    }
+
+private:
+    QTemporaryDir temp;
+};
+
+QTEST_GUILESS_MAIN(ToviEnouDataFactoryTest)
+#include "ToviEnouDataFactoryTest.moc"
