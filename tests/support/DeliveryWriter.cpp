@@ -1,0 +1,999 @@
+#include "tests/support/DeliveryWriter.h"
+
+#include <QCoreApplication>
+#include <QDate>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QHash>
+#include <QSaveFile>
+#include <QTransform>
+
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "platform/Cp932.h"
+#include "tests/support/FixturePainter.h"
+
+namespace {
+
+// splitmix64: tiny, and the same sequence on every platform and library version, which the
+// standard distributions do not promise.
+class Rng {
+  public:
+    explicit Rng(quint64 seed) : state(seed) {}
+    quint64 Next() {
+        quint64 z = (state += 0x9E3779B97F4A7C15ull);
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+        return z ^ (z >> 31);
+    }
+    int Below(int n) { return n <= 1 ? 0 : static_cast<int>(Next() % static_cast<quint64>(n)); }
+    int Range(int lo, int hi) { return lo + Below(hi - lo + 1); }
+    double Real() { return static_cast<double>(Next() >> 11) * (1.0 / 9007199254740992.0); }
+    bool Chance(double p) { return p >= 1.0 || (p > 0.0 && Real() < p); }
+    template <typename T, size_t N>
+    const T& Pick(const std::array<T, N>& items) {
+        return items[static_cast<size_t>(Below(static_cast<int>(N)))];
+    }
+    // Index into weights, chosen in proportion to them.
+    template <size_t N>
+    int Weighted(const std::array<int, N>& weights) {
+        int total = 0;
+        for (int w : weights) {
+            total += w;
+        }
+        int r = Below(total);
+        for (size_t i = 0; i < N; ++i) {
+            if (r < weights[i]) {
+                return static_cast<int>(i);
+            }
+            r -= weights[i];
+        }
+        return 0;
+    }
+
+  private:
+    quint64 state;
+};
+
+quint64 SubSeed(quint32 seed, int index, quint64 salt) {
+    Rng mix(static_cast<quint64>(seed) * 0x100000001B3ull ^ (static_cast<quint64>(index) << 20) ^
+            salt);
+    return mix.Next();
+}
+
+// The element trees differ by these shapes; the generations map onto them.
+enum class Shape { Flat11, S02, S03, S04, S05 };
+
+struct GenerationInfo {
+    Generation generation;
+    const char* section;
+    const char* ascii;
+    const char* dtd;
+    const char* dtdVersion;
+    int family;
+    Shape shape;
+    const char* standard;  // 適用要領基準
+    int year;              // the year the photographs are dated in
+    const char* indexDtd;
+};
+
+const std::array<GenerationInfo, 11> kGenerations = {{
+    {Generation::Mlit11, "国交省-11", "mlit-11", "PHOTO.DTD", "1.00", 0, Shape::Flat11,
+     "土木199908-01", 2000, "INDE_C01.DTD"},
+    {Generation::Mlit14, "国交省-14", "mlit-14", "PHOTO02.DTD", "02", 0, Shape::S02,
+     "土木200207-01", 2003, "INDE_C02.DTD"},
+    {Generation::Mlit16, "国交省-16", "mlit-16", "PHOTO03.DTD", "03", 0, Shape::S03,
+     "土木200406-01", 2005, "INDE_C03.DTD"},
+    {Generation::Mlit18, "国交省-18", "mlit-18", "PHOTO04.DTD", "04", 0, Shape::S04,
+     "土木200601-01", 2007, "INDE_C03.DTD"},
+    {Generation::Mlit20, "国交省-20", "mlit-20", "PHOTO05.DTD", "05", 0, Shape::S05,
+     "土木202303-01", 2023, "INDE_C05.DTD"},
+    {Generation::Maff15, "農水省-15", "maff-15", "PHOTO02N.DTD", "02", 2, Shape::S02,
+     "農業土木200303-01", 2004, "INDE_C02.DTD"},
+    {Generation::Maff17, "農水省-17", "maff-17", "PHOTO03.DTD", "03", 2, Shape::S03,
+     "農業土木200504-01", 2006, "INDE_C03.DTD"},
+    {Generation::Maff23, "農水省-23", "maff-23", "PHOTO05.DTD", "05", 2, Shape::S05,
+     "農業土木201104-01", 2013, "INDE_C04.DTD"},
+    {Generation::Nexco14, "NEXCO-14", "nexco-14", "PHOTO02.DTD", "02", 3, Shape::S02, "JH200204-01",
+     2004, "INDE_C02.DTD"},
+    {Generation::Nexco18, "NEXCO-18", "nexco-18", "PHOTO03.DTD", "03", 3, Shape::S04,
+     "NEXCO200607-01", 2008, "INDE_C03.DTD"},
+    {Generation::Nexco24, "NEXCO-24", "nexco-24", "PHOTO04.DTD", "04", 3, Shape::S05,
+     "NEXCO201207-01", 2014, "INDE_C04.DTD"},
+}};
+
+const GenerationInfo& Info(Generation generation) {
+    for (const GenerationInfo& info : kGenerations) {
+        if (info.generation == generation) {
+            return info;
+        }
+    }
+    return kGenerations[4];
+}
+
+// ---- vocabulary ---------------------------------------------------------------------------
+
+struct WorkRow {
+    const char* kousyu;    // 工種
+    const char* syubetsu;  // 種別
+    const char* saibetsu;  // 細別
+    FixtureScene scene;
+    const char* material;  // what 使用材料写真 of this work show
+};
+
+const std::array<WorkRow, 8> kRoadWorks = {{
+    {"道路改良", "擁壁工", "場所打擁壁工", FixtureScene::Wall, "生コンクリート 18-8-40BB"},
+    {"道路改良", "擁壁工", "プレキャスト擁壁工", FixtureScene::Wall, "プレキャスト擁壁 H=1500"},
+    {"道路改良", "道路土工", "掘削工", FixtureScene::Earth, "購入土"},
+    {"道路改良", "道路土工", "路体盛土工", FixtureScene::Earth, "購入土"},
+    {"道路改良", "排水構造物工", "側溝工", FixtureScene::Box, "U型側溝 300B"},
+    {"舗装", "舗装工", "下層路盤工", FixtureScene::Layers, "再生クラッシャラン RC-40"},
+    {"舗装", "舗装工", "表層工", FixtureScene::Layers, "再生密粒度アスコン 13"},
+    {"付属施設", "防護柵工", "ガードレール設置工", FixtureScene::Rail, "ガードレール Gr-C-4E"},
+}};
+
+const std::array<WorkRow, 8> kRiverWorks = {{
+    {"河川改修", "護岸工", "ブロック積工", FixtureScene::Slope, "積ブロック 控35"},
+    {"河川改修", "護岸工", "根固めブロック工", FixtureScene::Slope, "根固めブロック 2t型"},
+    {"河川改修", "河川土工", "掘削工", FixtureScene::Earth, "発生土"},
+    {"河川改修", "河川土工", "盛土工", FixtureScene::Earth, "購入土"},
+    {"樋門・樋管", "函渠工", "本体工", FixtureScene::Box, "鉄筋 SD345 D16"},
+    {"樋門・樋管", "基礎工", "既製杭工", FixtureScene::Box, "PHC杭 φ450"},
+    {"仮設工", "仮締切工", "鋼矢板", FixtureScene::Wall, "鋼矢板 III型"},
+    {"仮設工", "工事用道路工", "敷鉄板", FixtureScene::Layers, "敷鉄板 22mm"},
+}};
+
+const std::array<const char*, 8> kCategories = {
+    "着手前及び完成写真", "施工状況写真",   "安全管理写真", "使用材料写真",
+    "品質管理写真",       "出来形管理写真", "災害写真",     "その他"};
+const std::array<int, 8> kCategoryWeights = {8, 35, 10, 10, 12, 18, 2, 5};
+
+const std::array<const char*, 6> kWorkActions = {"施工状況",     "敷均し状況", "転圧状況",
+                                                 "型枠組立状況", "打設状況",   "据付状況"};
+const std::array<const char*, 5> kMeasures = {"幅", "高さ", "厚さ", "延長", "基準高"};
+const std::array<const char*, 4> kTests = {"現場密度試験", "スランプ試験", "空気量試験",
+                                           "圧縮強度試験供試体作成"};
+const std::array<const char*, 4> kSafety = {"安全訓練実施状況", "KY活動状況", "保安施設設置状況",
+                                            "新規入場者教育"};
+const std::array<const char*, 3> kSurveyTitles = {"基準点設置状況", "丁張設置状況", "水準測量状況"};
+const std::array<const char*, 3> kStudyTitles = {"土質調査状況", "既設構造物調査", "試掘調査状況"};
+const std::array<const char*, 4> kExplanations = {
+    "型枠の組立状況を確認した。", "設計寸法を満足していることを確認した。",
+    "降雨のため養生シートで保護した。", "材料の規格証明書と照合した。"};
+const std::array<const char*, 4> kKubunSpares = {"第1工区", "第2工区", "夜間施工", "検査対象"};
+const std::array<const char*, 4> kDrawingSpares = {"縮尺 1/50", "図面番号 12", "出典 設計図書",
+                                                   "変更後"};
+const std::array<const char*, 4> kDrawingKinds = {"標準断面図", "構造図", "展開図", "配筋図"};
+
+struct Camera {
+    const char* make;
+    const char* model;
+    const char* software;
+};
+const std::array<Camera, 3> kCameras = {{
+    {"ORVANE", "FIELD-CAM G7", "FIELD-CAM FW 1.02"},
+    {"ORVANE", "FIELD-CAM G5", ""},
+    {"KESTREL", "KS-200 WG", "KS-200 Ver.2.10"},
+}};
+
+QString Text(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+QString EraYear(int year) {
+    if (year >= 2019) {
+        return QStringLiteral("令和%1年度").arg(year - 2018);
+    }
+    return QStringLiteral("平成%1年度").arg(year - 1988);
+}
+
+// ---- the plan of one delivery -------------------------------------------------------------
+
+struct DrawingPlan {
+    QString fileName;
+    QString japaneseName;
+    QString title;
+    QStringList spares;
+    FixtureScene scene = FixtureScene::Wall;
+};
+
+// The values of one photograph; an empty optional is an element left out.
+struct PhotoPlan {
+    int serial = 0;
+    QString fileName;
+    std::optional<QString> japaneseName;
+    std::optional<QString> major;  // 写真-大分類
+    std::optional<QString> category;
+    std::optional<QString> kousyu, syubetsu, saibetsu;
+    QString title;
+    QStringList kubunSpares;
+    QList<DrawingPlan> drawings;
+    std::optional<QString> place;
+    QDate date;
+    bool dateWritten = true;
+    QString representative;
+    std::optional<QString> submission;
+    std::optional<QString> controlValue;
+    std::optional<QString> explanation;
+    std::optional<QString> seiriFlag;  // the H11 generation only
+    const WorkRow* work = nullptr;
+};
+
+struct DeliveryPlan {
+    const GenerationInfo* info = nullptr;
+    bool river = false;
+    QString workName;
+    QString orderer, ordererCode, office;
+    QString contractor, contractorCode;
+    QDate start, end;
+    QStringList places;
+    double siteLatitude = 35.0, siteLongitude = 139.0;
+};
+
+DeliveryPlan PlanDelivery(const DeliveryOptions& options) {
+    DeliveryPlan plan;
+    plan.info = &Info(options.generation);
+    Rng rng(SubSeed(options.seed, 0, 0xD311));
+    plan.river = rng.Chance(0.5);
+    const int year = plan.info->year;
+    const std::array<const char*, 4> rivers = {"緑川", "朝日川", "白石川", "桜井川"};
+    const std::array<int, 4> routes = {17, 123, 246, 401};
+    if (plan.river) {
+        plan.workName =
+            QStringLiteral("%1 %2護岸改修工事").arg(EraYear(year), Text(rng.Pick(rivers)));
+    } else {
+        plan.workName =
+            QStringLiteral("%1 国道%2号 道路改良工事").arg(EraYear(year)).arg(rng.Pick(routes));
+    }
+    switch (plan.info->family) {
+        case 2:
+            plan.orderer = QStringLiteral("農林水産省");
+            plan.office = QStringLiteral("関東農政局 緑ヶ丘農業水利事業所");
+            break;
+        case 3:
+            plan.orderer = QStringLiteral("高速道路株式会社");
+            plan.office = QStringLiteral("緑ヶ丘管理事務所");
+            break;
+        default:
+            plan.orderer = QStringLiteral("国土交通省");
+            plan.office = QStringLiteral("関東地方整備局 緑ヶ丘河川国道事務所");
+            break;
+    }
+    plan.ordererCode = QString::number(rng.Range(10000000, 99999999));
+    plan.contractor = QStringLiteral("緑川建設株式会社");
+    plan.contractorCode = QString::number(rng.Range(100000, 999999));
+    plan.start = QDate(year, 5, 1).addDays(rng.Below(60));
+    plan.end = plan.start.addDays(180 + rng.Below(120));
+    const int firstStation = rng.Range(0, 40);
+    for (int k = 0; k < 8; ++k) {
+        const std::array<const char*, 4> plus = {"0.0", "5.0", "10.0", "12.5"};
+        const char* side =
+            plan.river ? (rng.Chance(0.5) ? "左岸" : "右岸") : (rng.Chance(0.5) ? "左側" : "右側");
+        plan.places << QStringLiteral("No.%1+%2 %3")
+                           .arg(firstStation + 2 * k)
+                           .arg(Text(rng.Pick(plus)), Text(side));
+    }
+    plan.places << (plan.river ? QStringLiteral("起点側 仮設ヤード")
+                               : QStringLiteral("終点側 交差点部"));
+    plan.siteLatitude = 34.5 + rng.Real() * 2.0;
+    plan.siteLongitude = 136.5 + rng.Real() * 3.0;
+    return plan;
+}
+
+QString Signed(int value) {
+    return value > 0 ? QStringLiteral("+%1").arg(value) : QString::number(value);
+}
+
+QString ControlValue(Rng& rng) {
+    const std::array<int, 6> designs = {300, 500, 1200, 1500, 2000, 3000};
+    const int parts = rng.Range(1, 3);
+    QStringList out;
+    int measure = rng.Below(static_cast<int>(kMeasures.size()));
+    for (int p = 0; p < parts; ++p) {
+        const int design = rng.Pick(designs);
+        const int diff = rng.Range(-10, 10);
+        out << QStringLiteral("%1:設計値 %2・実測値 %3・差 %4")
+                   .arg(Text(kMeasures[static_cast<size_t>(measure)]))
+                   .arg(design)
+                   .arg(design + diff)
+                   .arg(Signed(diff));
+        measure = (measure + 1) % static_cast<int>(kMeasures.size());
+    }
+    return out.join(QStringLiteral("、"));
+}
+
+PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOptions& options,
+                    int index, int* drawingCounter) {
+    const Shape shape = delivery.info->shape;
+    const double optional = options.optionalShare;
+    // The classification items are left out less often than the rest, as on real sites.
+    const double classified = std::pow(std::clamp(optional, 0.0, 1.0), 0.25);
+    PhotoPlan p;
+    p.serial = index + 1;
+    p.fileName = QStringLiteral("P%1.JPG").arg(p.serial, 7, 10, QLatin1Char('0'));
+
+    const int majorPick = rng.Weighted(std::array<int, 3>{88, 7, 5});
+    const QString major = majorPick == 0   ? QStringLiteral("工事")
+                          : majorPick == 1 ? QStringLiteral("測量")
+                                           : QStringLiteral("調査");
+    const bool works = majorPick == 0;
+    if (shape != Shape::Flat11 || rng.Chance(classified)) {
+        p.major = major;
+    }
+    const auto& table = delivery.river ? kRiverWorks : kRoadWorks;
+    p.work = &table[static_cast<size_t>(rng.Below(static_cast<int>(table.size())))];
+    const int categoryIndex = rng.Weighted(kCategoryWeights);
+    const QString category = Text(kCategories[static_cast<size_t>(categoryIndex)]);
+    // 写真区分 is required when the photograph is of the works.
+    if (works || rng.Chance(optional)) {
+        p.category = works ? category : QStringLiteral("その他");
+    }
+    if (works) {
+        if (rng.Chance(classified)) {
+            p.kousyu = Text(p.work->kousyu);
+        }
+        if (rng.Chance(classified)) {
+            p.syubetsu = Text(p.work->syubetsu);
+        }
+        if (rng.Chance(classified)) {
+            p.saibetsu = Text(p.work->saibetsu);
+        }
+    }
+    const QString subject = p.saibetsu ? *p.saibetsu : p.syubetsu ? *p.syubetsu : QString();
+    const auto withSubject = [&](const QString& what) {
+        return subject.isEmpty() ? what : subject + QLatin1Char(' ') + what;
+    };
+    if (!works) {
+        p.title = Text(majorPick == 1 ? rng.Pick(kSurveyTitles) : rng.Pick(kStudyTitles));
+    } else {
+        switch (categoryIndex) {
+            case 0:
+                p.title = index < options.photoCount / 2 ? QStringLiteral("着手前 全景")
+                                                         : QStringLiteral("完成 全景");
+                break;
+            case 1:
+                p.title = withSubject(Text(rng.Pick(kWorkActions)));
+                break;
+            case 2:
+                p.title = Text(rng.Pick(kSafety));
+                break;
+            case 3:
+                p.title = Text(p.work->material) + QStringLiteral(" 材料検収");
+                break;
+            case 4:
+                p.title = withSubject(Text(rng.Pick(kTests)));
+                break;
+            case 5:
+                p.title = withSubject(QStringLiteral("出来形 ") + Text(rng.Pick(kMeasures)));
+                break;
+            case 6:
+                p.title =
+                    rng.Chance(0.5) ? QStringLiteral("被災状況") : QStringLiteral("応急処置状況");
+                break;
+            default:
+                p.title = QStringLiteral("現場環境 清掃状況");
+                break;
+        }
+    }
+
+    if (shape == Shape::S05 && rng.Chance(optional)) {
+        const QString base = QString(p.title).remove(QLatin1Char(' '));
+        p.japaneseName =
+            QStringLiteral("%1_%2.JPG").arg(base).arg(p.serial, 4, 10, QLatin1Char('0'));
+    }
+    if (options.maxRepeats > 0 && shape != Shape::Flat11 && rng.Chance(optional * 0.5)) {
+        const int n = rng.Range(1, options.maxRepeats);
+        for (int k = 0; k < n; ++k) {
+            p.kubunSpares << Text(rng.Pick(kKubunSpares));
+        }
+    }
+
+    if (rng.Chance(options.drawingShare)) {
+        int n = rng.Range(1, std::max(1, options.maxRepeats));
+        if (shape == Shape::Flat11) {
+            n = std::min(n, 3);  // only 参考図1 to 参考図3 exist there
+        }
+        for (int k = 0; k < n; ++k) {
+            DrawingPlan d;
+            d.fileName = QStringLiteral("D%1.JPG").arg(++*drawingCounter, 7, 10, QLatin1Char('0'));
+            d.scene = p.work->scene;
+            const QString kind = Text(rng.Pick(kDrawingKinds));
+            d.title = (p.syubetsu ? *p.syubetsu : Text(p.work->syubetsu)) + QLatin1Char(' ') + kind;
+            if (shape == Shape::S05 && rng.Chance(optional)) {
+                d.japaneseName = QString(d.title).remove(QLatin1Char(' ')) + QStringLiteral(".JPG");
+            }
+            if (options.maxRepeats > 0 && rng.Chance(optional * 0.5)) {
+                const int spares = rng.Range(1, options.maxRepeats);
+                for (int s = 0; s < spares; ++s) {
+                    d.spares << Text(rng.Pick(kDrawingSpares));
+                }
+            }
+            p.drawings << d;
+        }
+    }
+
+    if (rng.Chance(classified)) {
+        p.place = delivery.places[rng.Below(static_cast<int>(delivery.places.size()))];
+    }
+    const int span = static_cast<int>(delivery.start.daysTo(delivery.end));
+    const int day = options.photoCount > 1 ? span * index / (options.photoCount - 1) : 0;
+    p.date = delivery.start.addDays(std::clamp(day + rng.Range(-3, 3), 0, span));
+    const bool dateRequired = shape == Shape::S04 || shape == Shape::S05;
+    // 撮影情報 is never written empty: a photograph without a place keeps its date.
+    p.dateWritten = dateRequired || rng.Chance(classified) || (shape != Shape::Flat11 && !p.place);
+    p.representative =
+        rng.Chance(categoryIndex == 0 ? 0.6 : 0.08) ? QStringLiteral("1") : QStringLiteral("0");
+    const bool submissionOptional = delivery.info->family == 2;
+    const QString submission = rng.Chance(0.4) ? QStringLiteral("1") : QStringLiteral("0");
+    if (!submissionOptional || rng.Chance(optional)) {
+        p.submission = submission;
+    }
+    const bool measured = works && (categoryIndex == 4 || categoryIndex == 5);
+    if ((shape == Shape::S04 || shape == Shape::S05) && measured && rng.Chance(optional)) {
+        p.controlValue = ControlValue(rng);
+    }
+    if (rng.Chance(optional * 0.3)) {
+        p.explanation = Text(rng.Pick(kExplanations));
+    }
+    if (shape == Shape::Flat11 && rng.Chance(optional * 0.5)) {
+        p.seiriFlag = rng.Chance(0.5) ? QStringLiteral("1") : QStringLiteral("0");
+    }
+    return p;
+}
+
+ExifFacts PlanExif(const DeliveryPlan& delivery, const DeliveryOptions& options, int index,
+                   const PhotoPlan& photo) {
+    Rng rng(SubSeed(options.seed, index, 0xE71F));
+    ExifFacts facts;
+    const Camera& camera = rng.Pick(kCameras);
+    facts.make = QString::fromLatin1(camera.make);
+    facts.model = QString::fromLatin1(camera.model);
+    facts.software = QString::fromLatin1(camera.software);
+    const QTime time(rng.Range(8, 16), rng.Below(60), rng.Below(60));
+    facts.dateTimeOriginal = QDateTime(photo.date, time);
+    const int turn = rng.Below(100);
+    facts.orientation = turn < 95 ? 1 : turn < 98 ? 6 : 8;
+    facts.exposureTime = 1.0 / rng.Pick(std::array<int, 5>{60, 125, 250, 500, 1000});
+    facts.fNumber = rng.Pick(std::array<double, 4>{2.8, 4.0, 5.6, 8.0});
+    facts.focalLength = rng.Pick(std::array<double, 4>{4.5, 6.0, 9.0, 12.3});
+    facts.maxAperture = 2.8;
+    facts.isoSpeed = rng.Pick(std::array<int, 3>{100, 200, 400});
+    facts.exposureBias = rng.Pick(std::array<double, 6>{0.0, 0.0, 0.0, -0.3, 0.3, 0.7});
+    facts.flash = rng.Pick(std::array<int, 5>{0, 0, 0, 16, 25});
+    facts.meteringMode = rng.Pick(std::array<int, 3>{5, 5, 2});
+    facts.hasGps = rng.Chance(0.85);
+    if (facts.hasGps) {
+        facts.latitude = delivery.siteLatitude + (rng.Real() - 0.5) * 0.004;
+        facts.longitude = delivery.siteLongitude + (rng.Real() - 0.5) * 0.004;
+        facts.altitude = std::round((5.0 + rng.Real() * 100.0) * 10.0) / 10.0;
+    }
+    facts.embedThumbnail = true;
+    if (options.images == DeliveryOptions::Images::Tiny) {
+        facts.thumbnailSize = QSize(32, 24);
+    }
+    const bool sideways = facts.orientation == 6 || facts.orientation == 8;
+    if (sideways) {
+        facts.thumbnailSize.transpose();
+    }
+    return facts;
+}
+
+// ---- Shift_JIS XML out --------------------------------------------------------------------
+
+// Streams XML text as CP932 bytes. Tags and the repeated vocabulary are converted once and
+// kept, which is what makes a hundred thousand photographs a matter of seconds.
+class SjisXml {
+  public:
+    SjisXml(QIODevice* device, bool indent) : device(device), indent(indent) {
+        buffer.reserve(kFlushAt + 4096);
+    }
+
+    void Raw(const QString& text) { buffer.append(Encode(text)); }
+    void Line(const QString& text) {
+        Raw(text);
+        buffer.append("\r\n");
+    }
+    void Open(const QString& tag, const QString& attributes = {}) {
+        Indent();
+        buffer.append('<');
+        buffer.append(Encode(tag));
+        if (!attributes.isEmpty()) {
+            buffer.append(' ');
+            buffer.append(Encode(attributes));
+        }
+        buffer.append('>');
+        EndLine();
+        ++depth;
+    }
+    void Close(const QString& tag) {
+        --depth;
+        Indent();
+        buffer.append("</");
+        buffer.append(Encode(tag));
+        buffer.append('>');
+        EndLine();
+        MaybeFlush();
+    }
+    void Leaf(const QString& tag, const QString& text) {
+        const QByteArray tagBytes = Encode(tag);
+        Indent();
+        buffer.append('<');
+        buffer.append(tagBytes);
+        buffer.append('>');
+        AppendEscaped(text);
+        buffer.append("</");
+        buffer.append(tagBytes);
+        buffer.append('>');
+        EndLine();
+    }
+    bool Finish() {
+        Flush();
+        return ok;
+    }
+    bool Ok() const { return ok; }
+
+  private:
+    static constexpr qsizetype kFlushAt = 1 << 20;
+
+    void Indent() {
+        if (indent) {
+            buffer.append(QByteArray(depth * 2, ' '));
+        }
+    }
+    void EndLine() {
+        if (indent) {
+            buffer.append("\r\n");
+        }
+    }
+    void MaybeFlush() {
+        if (buffer.size() >= kFlushAt) {
+            Flush();
+        }
+    }
+    void Flush() {
+        if (!buffer.isEmpty() && device->write(buffer) != buffer.size()) {
+            ok = false;
+        }
+        buffer.clear();
+    }
+    void AppendEscaped(const QString& text) {
+        bool plain = true;
+        for (QChar c : text) {
+            if (c == QLatin1Char('&') || c == QLatin1Char('<') || c == QLatin1Char('>')) {
+                plain = false;
+                break;
+            }
+        }
+        if (plain) {
+            buffer.append(Encode(text));
+            return;
+        }
+        QString escaped = text;
+        escaped.replace(QLatin1Char('&'), QStringLiteral("&amp;"))
+            .replace(QLatin1Char('<'), QStringLiteral("&lt;"))
+            .replace(QLatin1Char('>'), QStringLiteral("&gt;"));
+        buffer.append(Encode(escaped));
+    }
+    // By value: the cache may rehash on the next insert, and the copy is only a reference count.
+    QByteArray Encode(const QString& text) {
+        bool ascii = true;
+        for (QChar c : text) {
+            if (c.unicode() >= 0x80) {
+                ascii = false;
+                break;
+            }
+        }
+        if (ascii) {
+            return text.toLatin1();
+        }
+        auto it = cache.constFind(text);
+        if (it != cache.constEnd()) {
+            return *it;
+        }
+        bool converted = true;
+        QByteArray bytes = Cp932::FromUnicode(text, &converted);
+        if (!converted) {
+            ok = false;
+        }
+        if (cache.size() > 100000) {
+            cache.clear();
+        }
+        cache.insert(text, bytes);
+        return bytes;
+    }
+
+    QIODevice* device;
+    bool indent;
+    int depth = 0;
+    bool ok = true;
+    QByteArray buffer;
+    QHash<QString, QByteArray> cache;
+};
+
+using Elements = QList<QPair<QString, QString>>;
+
+// Writes leaves and, when asked, records them in file order.
+class Recorder {
+  public:
+    Recorder(SjisXml& xml, Elements* record) : xml(xml), record(record) {}
+    void Leaf(const QString& tag, const QString& text) {
+        xml.Leaf(tag, text);
+        if (record) {
+            record->append({tag, text});
+        }
+    }
+    void Leaf(const QString& tag, const std::optional<QString>& text) {
+        if (text) {
+            Leaf(tag, *text);
+        }
+    }
+    void Use(Elements* target) { record = target; }
+
+  private:
+    SjisXml& xml;
+    Elements* record;
+};
+
+void WritePhoto(SjisXml& xml, Recorder& out, const PhotoPlan& p, Shape shape) {
+    const QString date = p.date.toString(Qt::ISODate);
+    xml.Open(QStringLiteral("写真情報"));
+    if (shape == Shape::Flat11) {
+        out.Leaf(QStringLiteral("シリアル番号"), QString::number(p.serial));
+        out.Leaf(QStringLiteral("写真ファイル名"), p.fileName);
+        out.Leaf(QStringLiteral("写真-大分類"), p.major);
+        out.Leaf(QStringLiteral("写真区分"), p.category);
+        out.Leaf(QStringLiteral("工種"), p.kousyu);
+        out.Leaf(QStringLiteral("種別"), p.syubetsu);
+        out.Leaf(QStringLiteral("細別"), p.saibetsu);
+        out.Leaf(QStringLiteral("写真タイトル"), p.title);
+        out.Leaf(QStringLiteral("撮影箇所"), p.place);
+        if (p.dateWritten) {
+            out.Leaf(QStringLiteral("撮影年月日"), date);
+        }
+        for (int k = 0; k < p.drawings.size(); ++k) {
+            out.Leaf(QStringLiteral("参考図%1").arg(k + 1), p.drawings[k].fileName);
+        }
+        out.Leaf(QStringLiteral("整理フラグ"), p.seiriFlag);
+        xml.Close(QStringLiteral("写真情報"));
+        return;
+    }
+
+    xml.Open(QStringLiteral("写真ファイル情報"));
+    out.Leaf(QStringLiteral("シリアル番号"), QString::number(p.serial));
+    out.Leaf(QStringLiteral("写真ファイル名"), p.fileName);
+    out.Leaf(QStringLiteral("写真ファイル日本語名"), p.japaneseName);
+    out.Leaf(QStringLiteral("メディア番号"), QStringLiteral("1"));
+    xml.Close(QStringLiteral("写真ファイル情報"));
+
+    xml.Open(QStringLiteral("撮影工種区分"));
+    out.Leaf(QStringLiteral("写真-大分類"), p.major);
+    out.Leaf(QStringLiteral("写真区分"), p.category);
+    out.Leaf(QStringLiteral("工種"), p.kousyu);
+    out.Leaf(QStringLiteral("種別"), p.syubetsu);
+    out.Leaf(QStringLiteral("細別"), p.saibetsu);
+    out.Leaf(QStringLiteral("写真タイトル"), p.title);
+    for (const QString& spare : p.kubunSpares) {
+        out.Leaf(QStringLiteral("工種区分予備"), spare);
+    }
+    xml.Close(QStringLiteral("撮影工種区分"));
+
+    for (const DrawingPlan& d : p.drawings) {
+        xml.Open(QStringLiteral("付加情報"));
+        out.Leaf(QStringLiteral("参考図ファイル名"), d.fileName);
+        if (shape == Shape::S05) {
+            out.Leaf(QStringLiteral("参考図ファイル日本語名"), d.japaneseName);
+        }
+        out.Leaf(QStringLiteral("参考図タイトル"), d.title);
+        for (const QString& spare : d.spares) {
+            out.Leaf(QStringLiteral("付加情報予備"), spare);
+        }
+        xml.Close(QStringLiteral("付加情報"));
+    }
+
+    xml.Open(QStringLiteral("撮影情報"));
+    out.Leaf(QStringLiteral("撮影箇所"), p.place);
+    if (p.dateWritten) {
+        out.Leaf(QStringLiteral("撮影年月日"), date);
+    }
+    xml.Close(QStringLiteral("撮影情報"));
+
+    out.Leaf(QStringLiteral("代表写真"), p.representative);
+    out.Leaf(QStringLiteral("提出頻度写真"), p.submission);
+    out.Leaf(QStringLiteral("施工管理値"), p.controlValue);
+    out.Leaf(QStringLiteral("請負者説明文"), p.explanation);
+    xml.Close(QStringLiteral("写真情報"));
+}
+
+bool WriteIndexFile(const QString& path, const DeliveryPlan& plan, bool indent, QString* error) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        *error = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
+        return false;
+    }
+    const GenerationInfo& info = *plan.info;
+    const bool newer = info.shape == Shape::S05;
+    SjisXml xml(&file, indent);
+    Recorder out(xml, nullptr);
+    xml.Line(QStringLiteral("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"));
+    xml.Line(QStringLiteral("<!DOCTYPE constdata SYSTEM \"%1\">").arg(Text(info.indexDtd)));
+    const QString version = Text(info.indexDtd).mid(6, 2);
+    xml.Open(QStringLiteral("constdata"), QStringLiteral("DTD_version=\"%1\"").arg(version));
+    xml.Open(QStringLiteral("基礎情報"));
+    out.Leaf(QStringLiteral("メディア番号"), QStringLiteral("1"));
+    out.Leaf(QStringLiteral("メディア総枚数"), QStringLiteral("1"));
+    out.Leaf(QStringLiteral("適用要領基準"), Text(info.standard));
+    out.Leaf(QStringLiteral("写真フォルダ名"), QStringLiteral("PHOTO"));
+    xml.Close(QStringLiteral("基礎情報"));
+    xml.Open(QStringLiteral("工事件名等"));
+    out.Leaf(QStringLiteral("発注年度"), QString::number(info.year));
+    out.Leaf(QStringLiteral("工事番号"), plan.ordererCode + QStringLiteral("01"));
+    out.Leaf(QStringLiteral("工事名称"), plan.workName);
+    out.Leaf(QStringLiteral("工事分野"),
+             plan.river ? QStringLiteral("河川") : QStringLiteral("道路"));
+    out.Leaf(QStringLiteral("工事業種"), QStringLiteral("一般土木工事"));
+    xml.Open(QStringLiteral("住所情報"));
+    out.Leaf(QStringLiteral("住所コード"), QStringLiteral("13999"));
+    out.Leaf(QStringLiteral("住所"), QStringLiteral("緑ヶ丘県緑ヶ丘市本町一丁目"));
+    xml.Close(QStringLiteral("住所情報"));
+    out.Leaf(QStringLiteral("工期開始日"), plan.start.toString(Qt::ISODate));
+    out.Leaf(QStringLiteral("工期終了日"), plan.end.toString(Qt::ISODate));
+    out.Leaf(QStringLiteral("工事内容"), plan.river ? QStringLiteral("護岸工、河川土工、樋管工")
+                                                    : QStringLiteral("道路土工、擁壁工、舗装工"));
+    xml.Close(QStringLiteral("工事件名等"));
+    xml.Open(QStringLiteral("場所情報"));
+    out.Leaf(QStringLiteral("測地系"), QStringLiteral("01"));
+    xml.Close(QStringLiteral("場所情報"));
+    xml.Open(QStringLiteral("発注者情報"));
+    out.Leaf(QStringLiteral("発注者-大分類"), plan.orderer);
+    out.Leaf(QStringLiteral("発注者-中分類"), plan.office);
+    out.Leaf(QStringLiteral("発注者コード"), plan.ordererCode);
+    xml.Close(QStringLiteral("発注者情報"));
+    const QString party = newer ? QStringLiteral("受注者") : QStringLiteral("請負者");
+    xml.Open(party + QStringLiteral("情報"));
+    out.Leaf(party + QStringLiteral("名"), plan.contractor);
+    out.Leaf(party + QStringLiteral("コード"), plan.contractorCode);
+    xml.Close(party + QStringLiteral("情報"));
+    xml.Close(QStringLiteral("constdata"));
+    if (!xml.Finish() || !file.commit()) {
+        *error = QStringLiteral("cannot write %1").arg(path);
+        return false;
+    }
+    return true;
+}
+
+bool WriteJpeg(const QString& path, const QImage& image, const ExifFacts& facts, QString* error) {
+    if (!WriteExifJpeg(path, image, facts, 85)) {
+        *error = QStringLiteral("cannot write %1").arg(path);
+        return false;
+    }
+    return true;
+}
+
+// The stored pixels of a photograph whose camera was turned: the viewer rotates them back by
+// the orientation tag, so the scene is drawn upright and turned the other way here.
+QImage AsStored(const QImage& upright, int orientation) {
+    if (orientation == 6) {
+        return upright.transformed(QTransform().rotate(-90));
+    }
+    if (orientation == 8) {
+        return upright.transformed(QTransform().rotate(90));
+    }
+    return upright;
+}
+
+bool WriteImages(const QString& photoFolder, const DeliveryPlan& delivery,
+                 const DeliveryOptions& options, int index, const PhotoPlan& photo,
+                 const ExifFacts& facts, QString* error) {
+    const bool boards = options.images == DeliveryOptions::Images::Boards;
+    QImage upright;
+    if (boards) {
+        BoardContent board;
+        board.workName = delivery.workName;
+        board.kousyu = photo.kousyu.value_or(QString());
+        board.syubetsu = photo.syubetsu.value_or(QString());
+        board.place = photo.place.value_or(QString());
+        board.title = photo.title;
+        board.date = photo.date;
+        board.scene = photo.work->scene;
+        board.river = delivery.river;
+        board.seed = SubSeed(options.seed, index, 0xB0A2);
+        upright = DrawSitePhoto(board, options.imageSize);
+    } else {
+        upright = QImage(64, 48, QImage::Format_RGB32);
+        upright.fill(QColor::fromHsv((index * 37) % 360, 120, 200));
+    }
+    if (!WriteJpeg(photoFolder + QStringLiteral("/PIC/") + photo.fileName,
+                   AsStored(upright, facts.orientation), facts, error)) {
+        return false;
+    }
+    ExifFacts plain;
+    plain.writeExif = false;
+    for (const DrawingPlan& d : photo.drawings) {
+        QImage drawing;
+        if (boards) {
+            drawing = DrawReferenceDrawing(d.scene, d.title, options.imageSize);
+        } else {
+            drawing = QImage(64, 48, QImage::Format_RGB32);
+            drawing.fill(Qt::white);
+        }
+        if (!WriteJpeg(photoFolder + QStringLiteral("/DRA/") + d.fileName, drawing, plain, error)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+QString SectionName(Generation generation) {
+    return Text(Info(generation).section);
+}
+
+QString DtdName(Generation generation) {
+    return Text(Info(generation).dtd);
+}
+
+int FamilyOf(Generation generation) {
+    return Info(generation).family;
+}
+
+QList<Generation> AllGenerations() {
+    QList<Generation> all;
+    for (const GenerationInfo& info : kGenerations) {
+        all << info.generation;
+    }
+    return all;
+}
+
+bool GenerationFromName(const QString& name, Generation* generation) {
+    for (const GenerationInfo& info : kGenerations) {
+        if (name == Text(info.section) ||
+            name.compare(QLatin1String(info.ascii), Qt::CaseInsensitive) == 0) {
+            *generation = info.generation;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool WriteDelivery(const QString& root, const DeliveryOptions& options, WrittenDelivery* written,
+                   QString* error) {
+    QString ignored;
+    if (!error) {
+        error = &ignored;
+    }
+    if (options.photoCount < 1) {
+        *error = QStringLiteral("a delivery needs at least one photograph");
+        return false;
+    }
+    const bool images = options.images != DeliveryOptions::Images::None;
+    if (options.images == DeliveryOptions::Images::Boards) {
+        if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+            *error = QStringLiteral("drawing the blackboard photographs needs a QGuiApplication");
+            return false;
+        }
+        if (options.imageSize.width() < 32 || options.imageSize.height() < 24) {
+            *error = QStringLiteral("the image size must be at least 32 x 24");
+            return false;
+        }
+    }
+
+    const QString indexFolder = QDir(root).absoluteFilePath(QStringLiteral("INDEX_C"));
+    const QString photoFolder = indexFolder + QStringLiteral("/PHOTO");
+    if (!QDir().mkpath(photoFolder) ||
+        (images && !QDir().mkpath(photoFolder + QStringLiteral("/PIC")))) {
+        *error = QStringLiteral("cannot create the folder %1").arg(photoFolder);
+        return false;
+    }
+
+    const DeliveryPlan delivery = PlanDelivery(options);
+    const GenerationInfo& info = *delivery.info;
+    const Shape shape = info.shape;
+
+    // Planned in full first: the management block says whether there are drawings at all.
+    Rng rng(SubSeed(options.seed, 0, 0x9407));
+    int drawingCounter = 0;
+    QList<PhotoPlan> plans;
+    plans.reserve(options.photoCount);
+    for (int i = 0; i < options.photoCount; ++i) {
+        plans.append(PlanPhoto(rng, delivery, options, i, &drawingCounter));
+    }
+    const bool hasDrawings = drawingCounter > 0;
+    if (images && hasDrawings && !QDir().mkpath(photoFolder + QStringLiteral("/DRA"))) {
+        *error = QStringLiteral("cannot create the folder %1/DRA").arg(photoFolder);
+        return false;
+    }
+
+    if (written) {
+        *written = WrittenDelivery();
+        written->indexFolder = indexFolder;
+        written->photoFolder = photoFolder;
+        written->doctypeDtd = Text(info.dtd);
+        written->family = info.family;
+        written->photos.reserve(options.photoCount);
+    }
+
+    if (!WriteIndexFile(indexFolder + QStringLiteral("/INDEX_C.XML"), delivery, options.indent,
+                        error)) {
+        return false;
+    }
+
+    const QString xmlPath = photoFolder + QStringLiteral("/PHOTO.XML");
+    QSaveFile file(xmlPath);
+    if (!file.open(QIODevice::WriteOnly)) {
+        *error = QStringLiteral("cannot write %1: %2").arg(xmlPath, file.errorString());
+        return false;
+    }
+    SjisXml xml(&file, options.indent);
+    Recorder out(xml, written ? &written->managementElements : nullptr);
+    xml.Line(QStringLiteral("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"));
+    xml.Line(QStringLiteral("<!DOCTYPE photodata SYSTEM \"%1\">").arg(Text(info.dtd)));
+    xml.Open(QStringLiteral("photodata"),
+             QStringLiteral("DTD_version=\"%1\"").arg(Text(info.dtdVersion)));
+    xml.Open(QStringLiteral("基礎情報"));
+    if (shape == Shape::Flat11) {
+        out.Leaf(QStringLiteral("メディア番号"), QStringLiteral("1"));
+        out.Leaf(QStringLiteral("メディア総枚数"), QStringLiteral("1"));
+    }
+    out.Leaf(QStringLiteral("写真フォルダ名"), QStringLiteral("PHOTO/PIC"));
+    if (hasDrawings) {
+        out.Leaf(QStringLiteral("参考図フォルダ名"), QStringLiteral("PHOTO/DRA"));
+    }
+    if (shape != Shape::Flat11) {
+        out.Leaf(QStringLiteral("適用要領基準"), Text(info.standard));
+    }
+    xml.Close(QStringLiteral("基礎情報"));
+    if (shape == Shape::Flat11) {
+        xml.Open(QStringLiteral("工事情報"));
+        out.Leaf(QStringLiteral("工事件名"), delivery.workName);
+        xml.Close(QStringLiteral("工事情報"));
+    }
+
+    for (int i = 0; i < plans.size(); ++i) {
+        const PhotoPlan& plan = plans[i];
+        WrittenPhoto* photo = nullptr;
+        if (written) {
+            written->photos.append(WrittenPhoto());
+            photo = &written->photos.last();
+            photo->fileName = plan.fileName;
+            for (const DrawingPlan& d : plan.drawings) {
+                photo->drawings << d.fileName;
+            }
+        }
+        out.Use(photo ? &photo->elements : nullptr);
+        WritePhoto(xml, out, plan, shape);
+        if (images || photo) {
+            const ExifFacts facts = PlanExif(delivery, options, i, plan);
+            if (photo) {
+                photo->exif = facts;
+            }
+            if (images && !WriteImages(photoFolder, delivery, options, i, plan, facts, error)) {
+                return false;
+            }
+        }
+    }
+
+    out.Use(written ? &written->managementElements : nullptr);
+    Rng tail(SubSeed(options.seed, 0, 0x7A11));
+    if (options.maxRepeats > 0 && tail.Chance(options.optionalShare)) {
+        const int n = tail.Range(1, options.maxRepeats);
+        for (int k = 0; k < n; ++k) {
+            out.Leaf(QStringLiteral("ソフトメーカ用TAG"),
+                     QStringLiteral("TOVI-MAKEDELIVERY %1").arg(k + 1));
+        }
+    }
+    xml.Close(QStringLiteral("photodata"));
+    if (!xml.Finish()) {
+        *error = QStringLiteral("cannot write %1 (disk full, or text without a Shift_JIS form)")
+                     .arg(xmlPath);
+        return false;
+    }
+    if (!file.commit()) {
+        *error = QStringLiteral("cannot write %1: %2").arg(xmlPath, file.errorString());
+        return false;
+    }
+    return true;
+}
