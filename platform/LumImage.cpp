@@ -47,8 +47,7 @@ bool IsStandaloneMarker(uchar marker) {
 }
 
 bool IsStartOfFrame(uchar marker) {
-    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 &&
-           marker != 0xCC;
+    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
 struct JpegHead {
@@ -163,9 +162,9 @@ ExifBits ReadExif(const QByteArray& header) {
     PrepareExiv2();
     ExifBits bits;
     try {
-        auto image = Exiv2::ImageFactory::open(
-            reinterpret_cast<const Exiv2::byte*>(header.constData()),
-            static_cast<long>(header.size()));
+        auto image =
+            Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte*>(header.constData()),
+                                      static_cast<long>(header.size()));
         if (!image.get()) {
             return bits;
         }
@@ -314,10 +313,36 @@ QImage RenderSvg(const QString& path, int longSide) {
     return canvas;
 }
 
+// A PNG runs in chunks up to IEND; a cut one is turned away here, before libpng, which would
+// print its complaint on the way.
+bool IsCutPng(const QByteArray& data) {
+    static const QByteArray signature = QByteArrayLiteral("\x89PNG\r\n\x1a\n");
+    if (!data.startsWith(signature)) {
+        return false;
+    }
+    qint64 pos = signature.size();
+    while (pos + 8 <= data.size()) {
+        const quint32 length = (quint32(Be16(data, pos)) << 16) | quint32(Be16(data, pos + 2));
+        if (data.mid(pos + 4, 4) == QByteArrayLiteral("IEND")) {
+            return false;
+        }
+        pos += 12 + qint64(length);  // length, type, data, CRC
+    }
+    return true;
+}
+
 // Formats other than JPEG and SVG: Qt's own readers, which apply a TIFF orientation themselves.
-QImage DecodeOther(const QString& path, bool thumb) {
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
+QImage DecodeOther(QFile& file, bool thumb) {
+    const QByteArray data = file.readAll();
+    if (IsCutPng(data)) {
+        return QImage();
+    }
+    QBuffer buffer;
+    buffer.setData(data);
+    if (!buffer.open(QIODevice::ReadOnly)) {
+        return QImage();
+    }
+    QImageReader reader(&buffer);
     reader.setAutoTransform(true);
     if (thumb) {
         const QSize size = reader.size();
@@ -341,8 +366,7 @@ bool LumImage::Load(const QString& path) {
         return false;
     }
     if (!IsJpegSignature(file.peek(3))) {
-        file.close();
-        return Assign(DecodeOther(path, false));
+        return Assign(DecodeOther(file, false));
     }
     const QByteArray data = file.readAll();
     JpegHead head;
@@ -364,8 +388,8 @@ bool LumImage::LoadThumb(const QString& path) {
     }
     QByteArray data = file.read(kHeadBytes);
     if (!IsJpegSignature(data)) {
-        file.close();
-        return Assign(DecodeOther(path, true));
+        file.seek(0);
+        return Assign(DecodeOther(file, true));
     }
     // Only the header is read while an Exif thumbnail may spare the rest of the file.
     bool whole = file.atEnd();

@@ -7,7 +7,7 @@
 // copies share the pixels until one of them changes. Every failure (missing file, truncated
 // or unreadable data) answers false and leaves the object empty, without a message.
 class LumImage {
-public:
+  public:
     // The square a thumbnail is shown in; LoadThumb never decodes much more than this needs.
     static constexpr int ThumbTileSize = 256;
 
@@ -28,7 +28,11 @@ public:
     // there is no picture or it is not 1-bit.
     bool ConvGrayScaleFromMono();
 
-private:
+    // Whether the file's Exif version can be read: what "the photograph has Exif" means.
+    // Reads the metadata only.
+    static bool HasExifVersion(const QString& path);
+
+  private:
     bool Assign(QImage decoded);
 
     QImage image;
