@@ -1,6 +1,9 @@
 #include "cli/CliCommon.h"
 
 #include "document/ToviData.h"
+#include "document/ToviHostDocument.h"
+#include "extraction/ToviSortCondition.h"
+#include "review/ToviLabelManager.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/MibFile.h"
 
@@ -48,7 +51,31 @@ bool ParseOpenOptions(QStringList& args, OpenOptions& options, const char* comma
     return true;
 }
 
+bool ParseIntOption(const QString& command, const QString& option, const QString& text, int low,
+                    int high, int& value) {
+    bool ok = false;
+    const int number = text.toInt(&ok);
+    if (!ok || number < low || number > high) {
+        PrintError(QStringLiteral("tovi %1: %2 には %3 から %4 の数を指定してください")
+                       .arg(command, option)
+                       .arg(low)
+                       .arg(high));
+        return false;
+    }
+    value = number;
+    return true;
+}
+
 namespace {
+
+// The command line has no views, but the document only rebuilds its current array for a
+// host that shows it: this host shows nothing.
+class SilentHost : public ToviHostDocument {
+public:
+    void UpdateAllViews(QWidget*, int, QObject*) override {}
+};
+
+SilentHost silentHost;
 
 QString ErrorLine(PhotoXMLReadErr error, const OpenOptions& options, const ToviData& document) {
     const QString folder = options.folder;
@@ -79,7 +106,7 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
     ToviEnouDataFactory factory;
     std::unique_ptr<ToviData> document;
     try {
-        document.reset(factory.Create(nullptr, options.folder, options.family));
+        document.reset(factory.Create(&silentHost, options.folder, options.family));
     } catch (const std::out_of_range&) {
         // Only a READITEM.XML whose steps don't balance walks off the end of its list.
         PrintError(QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません"));
@@ -96,5 +123,9 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
         PrintError(ErrorLine(error, options, *document));
         return nullptr;
     }
+    // The label names and the sort condition write themselves back to the profile when the
+    // document goes: read them first, so that what goes back is what was there.
+    document->GetLabelManager()->Load(nullptr);
+    document->GetSortConditionObject()->Load();
     return document;
 }

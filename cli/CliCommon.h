@@ -28,6 +28,11 @@ void PrintOut(const QByteArray& utf8);
 // On a usage error prints one line naming the option and returns false.
 bool ParseOpenOptions(QStringList& args, OpenOptions& options, const char* command);
 
+// Parses a whole number option value in [low, high]; prints one line naming the option and
+// returns false otherwise.
+bool ParseIntOption(const QString& command, const QString& option, const QString& text, int low,
+                    int high, int& value);
+
 // Opens the delivery. On failure prints the one line that says why and returns null;
 // loaded tells whether a document came back that counts as loaded (error type 4, or 2).
 std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options);

@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 
 int RunInfo(QStringList args);
+int RunTree(QStringList args);
+int RunList(QStringList args);
 
 namespace {
 
@@ -13,6 +15,14 @@ const char kUsage[] =
     "  tovi info DIR [--family N] [--json]   PHOTO.XML のあるフォルダを開き、読み込んだ内容を表示する\n"
     "    --family N   発注者区分: 0 国交省 (既定), 1 港湾, 2 農水省, 3 NEXCO\n"
     "    --json       結果を JSON で出力する\n"
+    "  tovi tree DIR [--family N] [--type 0|1|2] [--json]   分類ツリーを表示する\n"
+    "    --type   0 工種 (写真-大分類・写真区分つき, 既定), 1 撮影箇所, 2 工種のみ\n"
+    "  tovi list DIR [--family N] [--type T] [--node P | --label N] [抽出条件...] [--sort KEY [--desc]] [--json]\n"
+    "    --node P          子の位置 (例 0/2/1) のノードを選ぶ (既定はルート)\n"
+    "    --label N         付箋 N (0 OK, 1-3 NG, 4 コメント, 5 任意) の写真を選ぶ\n"
+    "    抽出条件: --key-photo --ng --not-checked --no-exif --required-missing\n"
+    "              --item 項目名=値 (3 つまで; 値 【未記入】 は空の値) --date FROM..TO\n"
+    "              --date-kind 0|1 (0 撮影年月日, 1 ファイル更新日) --or (いずれかに合う写真)\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -32,6 +42,12 @@ int main(int argc, char** argv) {
     const QString command = args.takeFirst();
     if (command == QLatin1String("info")) {
         return RunInfo(args);
+    }
+    if (command == QLatin1String("tree")) {
+        return RunTree(args);
+    }
+    if (command == QLatin1String("list")) {
+        return RunList(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

@@ -2,17 +2,29 @@
 
 #include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
+#include "extraction/ToviSortCondition.h"
 #include "platform/MibFile.h"
 #include "platform/ToviCheck.h"
+#include "review/ToviLabelManager.h"
 
 #include <QSet>
 
 ToviData::ToviData(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type)
     : rootPath(path), hostDocument(hostDocument) {
+    sortCondition.reset(OnCreateSortCondition());
+    labelManager = std::make_unique<ToviLabelManager>();
     errorType = itemDef.Load(path, type);
 }
 
-ToviData::~ToviData() = default;
+ToviData::~ToviData() {
+    // The settings objects save themselves as they go, in this order.
+    labelManager.reset();
+    sortCondition.reset();
+}
+
+ToviSortCondition* ToviData::OnCreateSortCondition() {
+    return new ToviSortCondition();
+}
 
 void ToviData::RootPath(const QString& path) {
     rootPath = MibNormalDir(path);
@@ -35,6 +47,11 @@ ToviPhoto* ToviData::GetPhotoActualPhotoArray(int index) const {
     if (index < 0 || index >= photoData.size()) {
         return nullptr;
     }
+    return photoData[index];
+}
+
+ToviPhoto* ToviData::PhotoAt(int index) const {
+    ToviCheckIndex(index, photoData.size(), "ToviData::PhotoAt");
     return photoData[index];
 }
 

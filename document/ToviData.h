@@ -4,15 +4,20 @@
 #include "document/ToviNode.h"
 #include "document/ToviPhotoArray.h"
 #include "document/ToviPhotoRef.h"
+#include "extraction/ToviExtractionConditions.h"
 #include "loading/ToviItemDef.h"
 
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 class QObject;
 class QWidget;
 class ToviHostDocument;
+class ToviLabelManager;
 class ToviPhoto;
+class ToviSortCondition;
 
 // One open delivery: its photographs (the actual array), its management items, the
 // classification tree (the document is the tree's root), the current array and selection,
@@ -78,6 +83,74 @@ public:
     // true when an empty value was met. False when no definition has that title.
     bool GetPhotoItemValue(const QString& title, QStringList& values);
 
+    // ---- classification tree --------------------------------------------------------------
+    // Rebuilds the tree (0 and 2 by work type, 1 by shooting place) and the current array
+    // under the node that holds the selected photograph. Broadcasts nothing.
+    void BuildTreeNode(int treeType);
+
+    // ---- selection --------------------------------------------------------------------------
+    // Selects a node: the current array becomes everything under it, extracted and sorted,
+    // and hint 2 goes out. Re-selecting the selected node does nothing unless forced.
+    // Answers the node selected before.
+    virtual ToviNode* SetSelected(ToviNode* node, bool force);
+    // Selects a label: the current array becomes every photograph carrying it (no
+    // extraction); a negative label empties it.
+    virtual void SetSelected(int label);
+    // Selects the node that holds the selected photograph, else the root and its first
+    // photograph.
+    void SetSelected();
+    // Makes the photograph at a photo index the selected one (hint 10).
+    bool PhotoSelectSetting(int index);
+    int GetSelectedIndex() const { return selectedLabel; }
+    ToviNode* GetSelectedNode() const { return selectedNode; }
+    ToviPhoto* GetSelectedPhoto() const;
+    // The current position of the selected photograph, or -1.
+    int GetSelectCurIndex() const;
+    // Sets pos to the first current position whose photograph is selected (-1 when none);
+    // leaves it alone on an empty current array.
+    virtual void GetIndexSelected(int& pos) const;
+
+    // ---- labels -----------------------------------------------------------------------------
+    virtual ToviLabelManager* GetLabelManager() { return labelManager.get(); }
+    // Empties out, then adds the photo index of every photograph carrying label, in actual
+    // order; answers how many.
+    int CollectionLabel(unsigned long label, ToviPhotoRef& out) const;
+    int CountLabel(unsigned long label) const;
+    bool IsCheckStatusChanged() const { return checkStatusChanged; }
+    void SetCheckStatusChanged(bool changed) { checkStatusChanged = changed; }
+    // Whether a photograph of the current array has a comment; an empty current array leaves
+    // the answer as it was.
+    void UpdateHasComment();
+    // Asks the user for one of the three batch corrections of the labels of the current
+    // array, confirms, runs it and sends hint 6.
+    bool AllLabelCorrection();
+    // Clears every label and comment of the current array.
+    virtual void AllRemoveLabel();
+
+    // ---- sort -------------------------------------------------------------------------------
+    // Orders the current array by the sort condition's key and direction.
+    virtual void Sort();
+    const ToviSortCondition& GetSortCondition() const { return *sortCondition; }
+    ToviSortCondition* GetSortConditionObject() { return sortCondition.get(); }
+    // Copies the condition (sorting off forces ascending); doesn't sort.
+    void SetSortCondition(const ToviSortCondition& condition);
+
+    // ---- extraction -------------------------------------------------------------------------
+    // Where the extraction conditions come from (not owned).
+    void SetExtractionData(ToviExtractionSource* source) { extraction = source; }
+    ToviExtractionSource* GetExtractionData() const { return extraction; }
+    bool IsExtractionOn() const { return extractionOn; }
+    // Switches extraction on and rebuilds the current array from the selected node.
+    void ExecExtraction();
+    // Switches it off and rebuilds the current array unfiltered.
+    void CancelExtraction();
+    // Switches it off and tells the source; the current array stays as it is.
+    void CancelExtraction(ToviExtractionSource::CancelExt value);
+    bool ExecExtractionAND();
+    bool ExecExtractionOR();
+    // Empties the current array (sorting it when sorting is on); hint 4 when update is set.
+    void SetCurPhotoArray(bool unused, bool update);
+
     ToviPhotoRef& CurrentArray() { return curPhotos; }
     const ToviPhotoRef& CurrentArray() const { return curPhotos; }
 
@@ -86,7 +159,23 @@ public:
     // Sends hint to every view of the host's document (nothing without one).
     void Broadcast(QWidget* sender, UpdateHint hint, QObject* object = nullptr) const;
 
+protected:
+    virtual ToviSortCondition* OnCreateSortCondition();
+    void BuildTreeNodeForKousyu(int treeType);
+    void BuildTreeNodeForSatsueikasyo();
+    // Depth first from from, a node before its children: the first node holding photoIndex.
+    ToviNode* GetNode(int photoIndex, ToviNode* from);
+    bool AllOKLabel();
+    bool AllRemoveCheckLabel();
+    void ExtractionProcess();
+
 private:
+    // The photograph at a photo index; outside the actual array is an invalid-argument failure.
+    ToviPhoto* PhotoAt(int index) const;
+    // Fills the current array from everything under node, extracts and sorts.
+    void RebuildCurrentArray(ToviNode* node);
+    bool RunExtraction(bool orMode);
+
     QString rootPath;
     ToviHostDocument* hostDocument;
     ToviPhotoArray photoData;
@@ -95,10 +184,13 @@ private:
     ToviPhotoRef curPhotos;
     ToviNode* selectedNode = nullptr;
     int selectedLabel = -1;
+    std::unique_ptr<ToviLabelManager> labelManager;
+    std::unique_ptr<ToviSortCondition> sortCondition;
     ToviItemDef itemDef;
     int selectedPhoto = -1;
     bool checkStatusChanged = false;
     bool standAlone = true;
+    ToviExtractionSource* extraction = nullptr;
     QString indexPath;
     PhotoXMLReadErr errorType = ReadErrNone;
     bool extractionOn = false;

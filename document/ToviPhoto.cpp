@@ -97,7 +97,7 @@ void ToviPhoto::FullPathWalk(const PathTitles& titles) {
         if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
             picturePaths.append(item.Value());
         }
-        if (defIndex == titles.photo) {
+        if (titles.photo >= 0 && defIndex == titles.photo) {
             imagePath = item.Value();
         }
     }
@@ -111,7 +111,7 @@ void ToviPhoto::RelativeWalk(const PathTitles& titles, const QString& root) {
         if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
             picturePaths.append(root + kDraFolder + item.Value());
         }
-        if (defIndex == titles.photo) {
+        if (titles.photo >= 0 && defIndex == titles.photo) {
             imagePath = root + kPicFolder + item.Value();
         }
     }
@@ -150,7 +150,7 @@ void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
             }
             picturePaths.append(found.isEmpty() ? root + kDraFolder + value : found);
         }
-        if (imagePath.isEmpty() && defIndex == titles.photo) {
+        if (imagePath.isEmpty() && titles.photo >= 0 && defIndex == titles.photo) {
             imagePath = root + kPicFolder + value;
         }
     }
@@ -229,7 +229,7 @@ void ToviPhoto::GetOutputFilename(QStringList& names) {
                 names.append(value);
             }
         }
-        if (defIndex == titles.photo && !value.isEmpty() && !MibIsFileExist(imagePath)) {
+        if (titles.photo >= 0 && defIndex == titles.photo && !value.isEmpty() && !MibIsFileExist(imagePath)) {
             names.append(value);
         }
     }
@@ -315,4 +315,38 @@ QString ToviPhoto::GetFileRenewalDate() {
     }
     const QDate date = info.lastModified().toLocalTime().date();
     return QString::asprintf("%04d-%02d-%02d", date.year(), date.month(), date.day());
+}
+
+void ToviPhoto::PasteLabel(unsigned int label) {
+    if (label < static_cast<unsigned int>(kLabelCount)) {
+        labels[label] = true;
+    }
+}
+
+void ToviPhoto::RemoveLabel(unsigned int label) {
+    if (label < static_cast<unsigned int>(kLabelCount)) {
+        labels[label] = false;
+    }
+}
+
+void ToviPhoto::RemoveAllLabel() {
+    labels.fill(false);
+    comment.clear();
+}
+
+void ToviPhoto::CorrectAllOK() {
+    labels[0] = true;
+    labels[1] = labels[2] = labels[3] = false;
+}
+
+void ToviPhoto::CorrectAllNotCheck() {
+    labels[0] = labels[1] = labels[2] = labels[3] = false;
+}
+
+bool ToviPhoto::CheckExif() {
+    if (exifState != -1) {
+        return exifState == 1;
+    }
+    exifState = LumImage::HasExifVersion(GetImagePath()) ? 1 : 0;
+    return exifState == 1;
 }

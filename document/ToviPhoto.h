@@ -49,6 +49,12 @@ public:
     virtual bool IsLabelPasted(unsigned int label) const {
         return label < static_cast<unsigned int>(kLabelCount) && labels[label];
     }
+    // The photograph accepts any combination of labels: keeping OK and NG apart, and the
+    // comment label in step with the comment, is the panels' business.
+    virtual void PasteLabel(unsigned int label);
+    virtual void RemoveLabel(unsigned int label);
+    // Clears all six labels and empties the comment.
+    virtual void RemoveAllLabel();
     virtual void ReleaseImage();
     virtual bool LoadThumb();
     virtual bool LoadImage();
@@ -68,6 +74,16 @@ public:
     void GetTitleFromIndex(const QList<int>& defIndexes, QStringList& values) const;
     // The items shown in the main list or the zoom view, titled by the definitions.
     bool GetTextPairs(const ToviItemDef* def, ToviTextPairArray& pairs) const;
+
+    bool IsOK() const { return labels[0]; }
+    bool HasNGLabel() const { return labels[1] || labels[2] || labels[3]; }
+    // 未検査: none of OK, NG1, NG2, NG3; the comment and free labels don't count.
+    bool IsNotCheck() const { return !labels[0] && !HasNGLabel(); }
+    void CorrectAllOK();
+    void CorrectAllNotCheck();
+
+    // Whether the image file carries Exif (its version can be read); asked once and kept.
+    bool CheckExif();
 
     bool IsImageLoaded() const { return imageLoaded; }
     bool IsThumbLoaded() const { return thumbLoaded; }

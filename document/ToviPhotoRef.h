@@ -28,6 +28,8 @@ public:
     QList<int>::const_iterator begin() const { return indexes.cbegin(); }
     QList<int>::const_iterator end() const { return indexes.cend(); }
     bool Contains(int photoIndex) const { return Find(photoIndex) >= 0; }
+    // The first position of photoIndex, or -1.
+    int Position(int photoIndex) const { return Find(photoIndex); }
 
 protected:
     // The position of photoIndex, or -1.

@@ -7,13 +7,75 @@
 
 namespace {
 
+const iconv_t kNoDescriptor = reinterpret_cast<iconv_t>(-1);
+
+// The two code page 932 directions are opened once per thread and kept: sorting and label
+// checks convert one short text at a time, and opening a descriptor costs far more than the
+// conversion itself. Other encodings are rare and get a descriptor per call.
+class Descriptor {
+  public:
+    Descriptor(const char* from, const char* to) {
+        if (IsCp932(from, to)) {
+            thread_local Cache cache;
+            cd = std::strcmp(from, "CP932") == 0 ? cache.toUtf8 : cache.fromUtf8;
+            // A reused descriptor may hold the shift state of a conversion that stopped early.
+            if (cd != kNoDescriptor) {
+                iconv(cd, nullptr, nullptr, nullptr, nullptr);
+            }
+        } else {
+            cd = iconv_open(to, from);
+            owned = true;
+        }
+    }
+    ~Descriptor() {
+        if (owned && cd != kNoDescriptor) {
+            iconv_close(cd);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    iconv_t Get() const { return cd; }
+
+  private:
+    struct Cache {
+        iconv_t toUtf8 = iconv_open("UTF-8", "CP932");
+        iconv_t fromUtf8 = iconv_open("CP932", "UTF-8");
+        ~Cache() {
+            for (iconv_t d : {toUtf8, fromUtf8}) {
+                if (d != kNoDescriptor) {
+                    iconv_close(d);
+                }
+            }
+        }
+    };
+
+    static bool IsCp932(const char* from, const char* to) {
+        return (std::strcmp(from, "CP932") == 0 && std::strcmp(to, "UTF-8") == 0) ||
+               (std::strcmp(from, "UTF-8") == 0 && std::strcmp(to, "CP932") == 0);
+    }
+
+    iconv_t cd = kNoDescriptor;
+    bool owned = false;
+};
+
+bool IsAscii(const QString& text) {
+    for (QChar c : text) {
+        if (c.unicode() >= 0x80) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // One conversion through iconv. With substitute set, an invalid or unconvertible input
 // sequence is replaced (by replacement, in the target encoding) and skipped; otherwise it
 // ends the conversion with false.
 bool Convert(const char* from, const char* to, const QByteArray& in, QByteArray& out,
              bool substitute, const QByteArray& replacement, int inputUnit, bool* clean) {
-    iconv_t cd = iconv_open(to, from);
-    if (cd == reinterpret_cast<iconv_t>(-1)) {
+    const Descriptor descriptor(from, to);
+    iconv_t cd = descriptor.Get();
+    if (cd == kNoDescriptor) {
         return false;
     }
     if (clean) {
@@ -65,7 +127,6 @@ bool Convert(const char* from, const char* to, const QByteArray& in, QByteArray&
         result.resize(outPtr - result.data());
         out = std::move(result);
     }
-    iconv_close(cd);
     return ok;
 }
 
@@ -92,6 +153,14 @@ QString Cp932::ToUnicode(const QByteArray& bytes, bool* ok) {
 }
 
 QByteArray Cp932::FromUnicode(const QString& text, bool* ok) {
+    // Code page 932 is ASCII in its lower half, so ASCII text (dates, numbers, file names)
+    // needs no conversion.
+    if (IsAscii(text)) {
+        if (ok) {
+            *ok = true;
+        }
+        return text.toLatin1();
+    }
     const QByteArray utf8 = text.toUtf8();
     QByteArray out;
     if (Convert("UTF-8", "CP932", utf8, out, false, {}, 1, nullptr)) {

@@ -10,6 +10,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
+#include <numeric>
+
 namespace {
 
 struct Run {
@@ -134,6 +137,103 @@ private slots:
             QVERIFY2(run.err.contains(mentions), qPrintable(run.err));
             QVERIFY(run.out.isEmpty());
         }
+    }
+
+    // The tree's JSON holds every photograph exactly once (all of the writer's photographs
+    // have a photo class), and a listing of a node is that node's subtree in tree order.
+    void treeAndListAgree() {
+        const Run tree = Tovi({QStringLiteral("tree"), written.photoFolder, QStringLiteral("--json")});
+        QCOMPARE(tree.exitCode, 0);
+        const QJsonObject root = QJsonDocument::fromJson(tree.out).object();
+        QVERIFY(root[QStringLiteral("title")].toString().endsWith(QStringLiteral("PHOTO.XML")));
+        const auto collect = [](const QJsonObject& node, auto& self, QList<int>& out) -> void {
+            for (const QJsonValue& v : node[QStringLiteral("indexes")].toArray()) {
+                out.append(v.toInt());
+            }
+            for (const QJsonValue& child : node[QStringLiteral("children")].toArray()) {
+                self(child.toObject(), self, out);
+            }
+        };
+        QList<int> all;
+        collect(root, collect, all);
+        QList<int> sorted = all;
+        std::sort(sorted.begin(), sorted.end());
+        QList<int> expected(written.photos.size());
+        std::iota(expected.begin(), expected.end(), 0);
+        QCOMPARE(sorted, expected);
+
+        const QJsonObject first = root[QStringLiteral("children")].toArray().first().toObject();
+        QList<int> under;
+        collect(first, collect, under);
+        const Run list = Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--node"),
+                               QStringLiteral("0"), QStringLiteral("--json")});
+        QCOMPARE(list.exitCode, 0);
+        const QJsonObject listed = QJsonDocument::fromJson(list.out).object();
+        QList<int> current;
+        for (const QJsonValue& v : listed[QStringLiteral("current")].toArray()) {
+            current.append(v.toInt());
+        }
+        QCOMPARE(current, under);
+        QCOMPARE(listed[QStringLiteral("titles")].toArray().size(), current.size());
+    }
+
+    // Extraction and sorting from the command line, checked against what the writer wrote.
+    void listExtractsAndSorts() {
+        QString work;
+        for (const auto& element : written.photos.first().elements) {
+            if (element.first == QStringLiteral("工種")) {
+                work = element.second;
+            }
+        }
+        QVERIFY(!work.isEmpty());
+        QList<int> expected;
+        for (int i = 0; i < written.photos.size(); ++i) {
+            for (const auto& element : written.photos[i].elements) {
+                if (element.first == QStringLiteral("工種") && element.second == work) {
+                    expected.append(i);
+                }
+            }
+        }
+        const Run run = Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--item"),
+                              QStringLiteral("工種=") + work, QStringLiteral("--sort"),
+                              QStringLiteral("シリアル番号"), QStringLiteral("--desc"),
+                              QStringLiteral("--json")});
+        QCOMPARE(run.exitCode, 0);
+        QList<int> current;
+        for (const QJsonValue& v : QJsonDocument::fromJson(run.out).object()[QStringLiteral("current")].toArray()) {
+            current.append(v.toInt());
+        }
+        std::reverse(expected.begin(), expected.end());
+        QCOMPARE(current, expected);
+
+        const Run labelled = Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--label"),
+                                   QStringLiteral("1"), QStringLiteral("--json")});
+        QCOMPARE(labelled.exitCode, 0);
+        QVERIFY(QJsonDocument::fromJson(labelled.out).object()[QStringLiteral("current")].toArray().isEmpty());
+    }
+
+    void listUsageErrors_data() {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("mentions");
+        QTest::newRow("bad date") << QStringList{QStringLiteral("--date"), QStringLiteral("2023-01-01")} << QStringLiteral("--date");
+        QTest::newRow("item without =") << QStringList{QStringLiteral("--item"), QStringLiteral("工種")} << QStringLiteral("--item");
+        QTest::newRow("four items") << QStringList{QStringLiteral("--item"), QStringLiteral("a=1"), QStringLiteral("--item"), QStringLiteral("b=1"),
+                                                   QStringLiteral("--item"), QStringLiteral("c=1"), QStringLiteral("--item"), QStringLiteral("d=1")}
+                                    << QStringLiteral("--item");
+        QTest::newRow("node and label") << QStringList{QStringLiteral("--node"), QStringLiteral("0"), QStringLiteral("--label"), QStringLiteral("1")}
+                                        << QStringLiteral("--label");
+        QTest::newRow("label out of range") << QStringList{QStringLiteral("--label"), QStringLiteral("6")} << QStringLiteral("--label");
+        QTest::newRow("tree type") << QStringList{QStringLiteral("--type"), QStringLiteral("3")} << QStringLiteral("--type");
+        QTest::newRow("date kind") << QStringList{QStringLiteral("--date-kind"), QStringLiteral("2")} << QStringLiteral("--date-kind");
+        QTest::newRow("no such node") << QStringList{QStringLiteral("--node"), QStringLiteral("99/0")} << QStringLiteral("99/0");
+    }
+    void listUsageErrors() {
+        QFETCH(QStringList, options);
+        QFETCH(QString, mentions);
+        const Run run = Tovi(QStringList{QStringLiteral("list"), written.photoFolder} + options);
+        QCOMPARE(run.exitCode, 2);
+        QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(run.err.contains(mentions), qPrintable(run.err));
     }
 
     // The item definitions live beside the program: a copy of tovi in a folder of its own

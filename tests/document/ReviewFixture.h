@@ -1,0 +1,221 @@
+#pragma once
+
+#include "document/ToviData.h"
+#include "document/ToviHostDocument.h"
+#include "document/ToviItemArray.h"
+#include "document/ToviNode.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/Cp932.h"
+
+#include <QDir>
+#include <QFile>
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+// Hand-written 国交省-20 deliveries for the browse-and-review tests: a PHOTO.XML whose values
+// are spelled out by the test, loaded through the real reader and READITEM.XML, with a host
+// that records every hint the document broadcasts.
+namespace review {
+
+class RecordingHost : public ToviHostDocument {
+  public:
+    void UpdateAllViews(QWidget*, int hint, QObject*) override { hints.append(hint); }
+    QList<int> hints;
+};
+
+// "工種=A;種別=;!写真-大分類" as (tag, value) pairs: "種別=" writes an empty element, and
+// "!tag" leaves a required element out (value "!").
+inline QList<QPair<QString, QString>> ParseSpec(const QString& spec) {
+    QList<QPair<QString, QString>> pairs;
+    for (const QString& part : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+        if (part.startsWith(QLatin1Char('!'))) {
+            pairs.append({part.mid(1), QStringLiteral("!")});
+            continue;
+        }
+        const qsizetype eq = part.indexOf(QLatin1Char('='));
+        pairs.append({part.left(eq), eq < 0 ? QString() : part.mid(eq + 1)});
+    }
+    return pairs;
+}
+
+inline QString ImageName(int k) {
+    return QString::asprintf("P%07d.JPG", k + 1);
+}
+
+// The PHOTO.XML text of one photograph per spec, elements in the order the DTD requires.
+// Required elements the spec doesn't name get a plain value; optional ones are left out.
+// The 付加情報 block is written when the spec names one of its elements.
+inline QString PhotoXmlText(const QStringList& photos) {
+    QString xml = QStringLiteral(
+        "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+        "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n"
+        "<photodata DTD_version=\"05\">\n"
+        "<基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
+        "<適用要領基準>土木202303-01</適用要領基準></基礎情報>\n");
+    for (int k = 0; k < photos.size(); ++k) {
+        const QList<QPair<QString, QString>> spec = ParseSpec(photos[k]);
+        auto named = [&spec](const char* tag) {
+            for (const auto& pair : spec) {
+                if (pair.first == QLatin1String(tag)) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        auto leaf = [&spec, &xml](const char* tag, const QString& fallback = QString()) {
+            const QString name = QString::fromUtf8(tag);
+            bool given = false;
+            for (const auto& [key, value] : spec) {
+                if (key != name) {
+                    continue;
+                }
+                given = true;
+                if (value != QLatin1String("!")) {
+                    xml += QStringLiteral("<%1>%2</%1>").arg(name, value.toHtmlEscaped());
+                }
+            }
+            if (!given && !fallback.isNull()) {
+                xml += QStringLiteral("<%1>%2</%1>").arg(name, fallback);
+            }
+        };
+        xml += QStringLiteral("<写真情報><写真ファイル情報>");
+        leaf("シリアル番号", QString::number(k + 1));
+        leaf("写真ファイル名", ImageName(k));
+        leaf("メディア番号", QStringLiteral("1"));
+        xml += QStringLiteral("</写真ファイル情報><撮影工種区分>");
+        leaf("写真-大分類", QStringLiteral("工事"));
+        leaf("写真区分");
+        leaf("工種");
+        leaf("種別");
+        leaf("細別");
+        leaf("写真タイトル", QStringLiteral("写真%1").arg(k + 1));
+        leaf("工種区分予備");
+        xml += QStringLiteral("</撮影工種区分>");
+        if (named("参考図ファイル名") || named("参考図タイトル") || named("付加情報予備")) {
+            xml += QStringLiteral("<付加情報>");
+            leaf("参考図ファイル名", QString::asprintf("D%07d.JPG", k + 1));
+            leaf("参考図タイトル", QStringLiteral("参考図"));
+            leaf("付加情報予備");
+            xml += QStringLiteral("</付加情報>");
+        }
+        xml += QStringLiteral("<撮影情報>");
+        leaf("撮影箇所");
+        leaf("撮影年月日", QStringLiteral("2024-04-01"));
+        xml += QStringLiteral("</撮影情報>");
+        leaf("代表写真", QStringLiteral("0"));
+        leaf("提出頻度写真", QStringLiteral("0"));
+        xml += QStringLiteral("</写真情報>\n");
+    }
+    return xml + QStringLiteral("</photodata>\n");
+}
+
+// Writes folder/PHOTO.XML in Shift_JIS.
+inline bool WritePhotoXml(const QString& folder, const QStringList& photos) {
+    QDir().mkpath(folder + QStringLiteral("/PIC"));
+    QFile file(folder + QStringLiteral("/PHOTO.XML"));
+    bool ok = false;
+    const QByteArray bytes = Cp932::FromUnicode(PhotoXmlText(photos), &ok);
+    return ok && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// Loads the delivery in folder as family 0 with host as the host's document; null when the
+// load failed or found an error.
+inline std::unique_ptr<ToviData> Open(ToviHostDocument* host, const QString& folder) {
+    ToviEnouDataFactory factory;
+    std::unique_ptr<ToviData> document(factory.Create(host, folder, PhotoXMLMlit));
+    if (document && document->GetErrorType() != ReadErrNone) {
+        document.reset();
+    }
+    return document;
+}
+
+// A photograph that has an item for none of the tree's levels: the reader never makes one
+// (it gives every single element an item), but a document may hold it all the same.
+inline void AppendBarePhoto(ToviData& document) {
+    ToviItemArray items;
+    items.append(
+        ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
+                 QStringLiteral("bare")));
+    document.GetPhotoDataArray()->append(new ToviPhoto(&document, items));
+}
+
+// The tree below node as text: each child's title, "{photo indexes}" of its own, and
+// "[children]" in order; the root is written without its title.
+inline QString Dump(const ToviNode& node) {
+    QString text;
+    if (!node.Indexes().isEmpty()) {
+        QStringList numbers;
+        for (int index : node.Indexes()) {
+            numbers.append(QString::number(index));
+        }
+        text += QLatin1Char('{') + numbers.join(QLatin1Char(',')) + QLatin1Char('}');
+    }
+    if (node.GetChildNodeCount() > 0) {
+        QStringList children;
+        for (const ToviNode* child : node.Items()) {
+            children.append(child->Title() + Dump(*child));
+        }
+        text += QLatin1Char('[') + children.join(QLatin1Char(',')) + QLatin1Char(']');
+    }
+    return text;
+}
+
+// The node reached from root by titles "A/B/C"; an empty path is root itself; null when
+// there is no such node.
+inline ToviNode* NodeAt(ToviNode* root, const QString& path) {
+    ToviNode* node = root;
+    for (const QString& title : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        ToviNode* next = nullptr;
+        for (ToviNode* child : node->Items()) {
+            if (child->Title() == title) {
+                next = child;
+                break;
+            }
+        }
+        if (!next) {
+            return nullptr;
+        }
+        node = next;
+    }
+    return node;
+}
+
+// A photograph's labels as the digits of the pasted slots, then "c" when it has a comment.
+inline QString Labels(const ToviPhoto& photo) {
+    QString text;
+    for (int label = 0; label < ToviPhoto::kLabelCount; ++label) {
+        if (photo.IsLabelPasted(label)) {
+            text += QString::number(label);
+        }
+    }
+    if (!photo.GetComment().isEmpty()) {
+        text += QLatin1Char('c');
+    }
+    return text;
+}
+
+// Pastes the labels (and a comment for "c") that Labels would write.
+inline void SetLabels(ToviPhoto& photo, const QString& text) {
+    for (const QChar c : text) {
+        if (c == QLatin1Char('c')) {
+            photo.SetComment(QStringLiteral("要確認"));
+        } else {
+            photo.PasteLabel(static_cast<unsigned int>(c.digitValue()));
+        }
+    }
+}
+
+inline QStringList AllLabels(const ToviData& document) {
+    QStringList all;
+    for (int k = 0; k < document.GetTotalCountPhoto(); ++k) {
+        all.append(Labels(*document.GetPhotoActualPhotoArray(k)));
+    }
+    return all;
+}
+
+}  // namespace review

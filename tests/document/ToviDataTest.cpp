@@ -1,0 +1,163 @@
+#include "document/ToviData.h"
+#include "document/ToviHostDocument.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviItemDef.h"
+#include "platform/ToviProfile.h"
+#include "tests/document/DocumentFixture.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <stdexcept>
+#include <tuple>
+
+using fixture::MakeItems;
+
+namespace {
+
+class RecordingHost : public ToviHostDocument {
+  public:
+    void UpdateAllViews(QWidget* sender, int hint, QObject* object) override {
+        calls.append({sender, hint, object});
+    }
+    QList<std::tuple<QWidget*, int, QObject*>> calls;
+};
+
+}  // namespace
+
+class ToviDataTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QTemporaryDir temp;
+    int serial = 0;
+
+    // A document whose actual array holds one photograph per entry, each "title=value;...".
+    std::unique_ptr<ToviData> Document(const QStringList& photos) {
+        const QString folder = temp.filePath(QStringLiteral("data-%1").arg(++serial));
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        for (const QString& items : photos) {
+            doc->GetPhotoDataArray()->append(
+                new ToviPhoto(doc.get(), MakeItems(*doc->GetItemDef(), fixture::List(items))));
+        }
+        return doc;
+    }
+
+  private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));
+        const QString program = temp.filePath(QStringLiteral("program"));
+        QVERIFY(fixture::WriteReadItem(program));
+        ToviItemDef::SetProgramPathOverride(program);
+    }
+    void cleanupTestCase() { ToviItemDef::SetProgramPathOverride(QString()); }
+
+    // Positions speak of the current array, photo indexes of the actual array. GetPhotoIndex
+    // gives -1 on an empty current array and fails outside a non-empty one; the others give -1
+    // or null for any position outside.
+    void positionsAndPhotoIndexes_data() {
+        QTest::addColumn<QList<int>>("current");
+        QTest::addColumn<int>("pos");
+        QTest::addColumn<int>("photoIndex");  // -2: GetPhotoIndex throws
+        QTest::addColumn<int>("indexPhotoArray");
+        QTest::newRow("empty, 0") << QList<int>{} << 0 << -1 << -1;
+        QTest::newRow("empty, 5") << QList<int>{} << 5 << -1 << -1;
+        QTest::newRow("inside") << QList<int>{2, 0, 1} << 0 << 2 << 2;
+        QTest::newRow("last") << QList<int>{2, 0, 1} << 2 << 1 << 1;
+        QTest::newRow("past the end") << QList<int>{2, 0, 1} << 5 << -2 << -1;
+        QTest::newRow("one past the end") << QList<int>{2, 0} << 2 << -2 << -1;
+        QTest::newRow("negative") << QList<int>{2, 0, 1} << -1 << -2 << -1;
+    }
+    void positionsAndPhotoIndexes() {
+        QFETCH(QList<int>, current);
+        QFETCH(int, pos);
+        QFETCH(int, photoIndex);
+        QFETCH(int, indexPhotoArray);
+        auto doc =
+            Document({"写真ファイル名=A.JPG", "写真ファイル名=B.JPG", "写真ファイル名=C.JPG"});
+        const ToviPhotoArray& actual = *doc->GetPhotoDataArray();
+        doc->CurrentArray().Assign(current);
+        QCOMPARE(doc->GetTotalCountPhoto(), 3);
+        QCOMPARE(doc->GetCurrentPhotoCount(), current.size());
+        QCOMPARE(doc->IsPhotoArrayEmpty(), current.isEmpty());
+        if (photoIndex == -2) {
+            QVERIFY_THROWS_EXCEPTION(std::out_of_range, doc->GetPhotoIndex(pos));
+        } else {
+            QCOMPARE(doc->GetPhotoIndex(pos), photoIndex);
+        }
+        QCOMPARE(doc->GetIndexPhotoArray(pos), indexPhotoArray);
+        QCOMPARE(doc->GetPhoto(pos), indexPhotoArray < 0 ? nullptr : actual[indexPhotoArray]);
+        const bool inActual = pos >= 0 && pos < 3;
+        QCOMPARE(doc->GetPhotoActualPhotoArray(pos), inActual ? actual[pos] : nullptr);
+    }
+
+    // Distinct non-empty values over all photographs, appended to what the caller holds; the
+    // answer says whether an empty value was met.
+    void photoItemValues_data() {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QStringList>("before");
+        QTest::addColumn<QStringList>("after");
+        QTest::addColumn<bool>("metEmpty");
+        QTest::newRow("first appearance order")
+            << "工種" << QStringList{} << QStringList{"土工", "擁壁工", "舗装工"} << false;
+        QTest::newRow("additions only")
+            << "工種" << QStringList{"舗装工", "other"}
+            << QStringList{"舗装工", "other", "土工", "擁壁工"} << false;
+        QTest::newRow("empty value met") << "備考" << QStringList{} << QStringList{"a"} << true;
+        QTest::newRow("defined, never used")
+            << "参考図3" << QStringList{"x"} << QStringList{"x"} << false;
+        QTest::newRow("unknown title") << "施工者" << QStringList{"x"} << QStringList{"x"} << false;
+    }
+    void photoItemValues() {
+        QFETCH(QString, title);
+        QFETCH(QStringList, before);
+        QFETCH(QStringList, after);
+        QFETCH(bool, metEmpty);
+        auto doc =
+            Document({"工種=土工;工種=擁壁工;備考=a",
+                      "工種=擁壁工;備考=", "工種=土工;工種=舗装工;備考=a", "写真ファイル名=P.JPG"});
+        QStringList values = before;
+        QCOMPARE(doc->GetPhotoItemValue(title, values), metEmpty);
+        QCOMPARE(values, after);
+    }
+
+    void updatePhotoInfBroadcastsHintFive() {
+        RecordingHost host;
+        const QString folder = temp.filePath(QStringLiteral("broadcast"));
+        fixture::OpenDocument(folder, PhotoXMLMlit);  // writes the PHOTO.XML
+        ToviData doc(&host, folder, PhotoXMLMlit);
+        // The document only hands the sender on, so any address will do as one.
+        int marker = 0;
+        auto* sender = reinterpret_cast<QWidget*>(&marker);
+        doc.UpdatePhotoInf(sender);
+        doc.UpdatePhotoInf(nullptr);
+        QCOMPARE(host.calls.size(), 2);
+        QVERIFY(host.calls[0] == std::make_tuple(sender, 5, static_cast<QObject*>(nullptr)));
+        QCOMPARE(std::get<0>(host.calls[1]), nullptr);
+        QCOMPARE(std::get<1>(host.calls[1]), static_cast<int>(ToviData::HintPhotoInfoChanged));
+
+        auto silent = Document({});
+        silent->UpdatePhotoInf(sender);  // no host document: nothing to do, and no crash
+    }
+
+    // GetData matches image paths regardless of case; AllReleaseImage empties every slot.
+    void actualArrayLookUpAndRelease() {
+        auto doc = Document({"写真ファイル名=A.JPG", "写真ファイル名=B.JPG"});
+        ToviPhotoArray& actual = *doc->GetPhotoDataArray();
+        const QString root = doc->RootPath() + QLatin1Char('/');
+        QCOMPARE(actual.GetData(root + QStringLiteral("PIC/b.jpg")), actual[1]);
+        QCOMPARE(actual.GetData(QStringLiteral("B.JPG")), nullptr);
+        actual[1]->ClearImagePath();
+        QCOMPARE(actual.GetData(root + QStringLiteral("pic/B.JPG")), actual[1]);
+
+        QVERIFY(fixture::WriteJpeg(root + QStringLiteral("PIC/A.JPG"), 320));
+        QVERIFY(actual[0]->LoadImage());
+        actual.append(nullptr);  // a hole in the array is skipped
+        actual.AllReleaseImage();
+        QVERIFY(!actual[0]->IsImageLoaded() && !actual[0]->GetImage().IsValid());
+    }
+};
+
+QTEST_GUILESS_MAIN(ToviDataTest)
+#include "ToviDataTest.moc"

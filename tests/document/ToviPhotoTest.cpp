@@ -1,0 +1,348 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviItemDef.h"
+#include "platform/ToviProfile.h"
+#include "tests/document/DocumentFixture.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <stdexcept>
+
+using fixture::Expand;
+using fixture::List;
+using fixture::MakeItems;
+
+namespace {
+
+// Gives the tests a way to set labels, which have no operations of their own here yet.
+class LabelledPhoto : public ToviPhoto {
+  public:
+    using ToviPhoto::ToviPhoto;
+    void SetLabel(int slot) { labels[slot] = true; }
+};
+
+const QString kDiscItems =
+    "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=D2.JPG;参考図3=;参考図ファイル名=D4.JPG";
+
+}  // namespace
+
+class ToviPhotoTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QTemporaryDir temp;
+    int serial = 0;
+
+    // A fresh folder; without a trailing separator, as a host may pass it.
+    QString NewFolder(const char* name) {
+        const QString folder = temp.filePath(QStringLiteral("%1-%2").arg(name).arg(++serial));
+        QDir().mkpath(folder);
+        return folder;
+    }
+    static void CreateFiles(const QString& root, const QString& files) {
+        for (const QString& file : List(files)) {
+            QVERIFY(fixture::WriteFile(root + file, "x"));
+        }
+    }
+
+  private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));
+        const QString program = temp.filePath(QStringLiteral("program"));
+        QVERIFY(fixture::WriteReadItem(program));
+        ToviItemDef::SetProgramPathOverride(program);
+    }
+    void cleanupTestCase() { ToviItemDef::SetProgramPathOverride(QString()); }
+
+    // The titles depend on the family and the stand-alone flag; paths follow file order.
+    void makePath_data() {
+        QTest::addColumn<int>("family");
+        QTest::addColumn<QByteArray>("dtd");
+        QTest::addColumn<bool>("standAlone");
+        QTest::addColumn<QString>("items");
+        QTest::addColumn<QString>("image");
+        QTest::addColumn<QString>("drawings");
+        const QByteArray v5 = "PHOTO05.DTD";
+        // clang-format off
+        QTest::newRow("mlit relative") << 0 << v5 << true
+            << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=;参考図ファイル名=D4.JPG;"
+               "写真ファイルパス=/m/p.jpg;参考図ファイルパス1=/m/d1.jpg"
+            << "{root}PIC/P1.JPG" << "{root}DRA/D1.JPG;{root}DRA/D4.JPG";
+        QTest::newRow("file order, not title order") << 0 << v5 << true
+            << "参考図ファイル名=D4.JPG;参考図3=D3.JPG;写真ファイル名=P1.JPG;参考図1=D1.JPG"
+            << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG;{root}DRA/D3.JPG;{root}DRA/D1.JPG";
+        QTest::newRow("repeating drawing element") << 2 << v5 << true
+            << "参考図ファイル名=A.JPG;写真ファイル名=P.JPG;参考図ファイル名=B.JPG"
+            << "{root}PIC/P.JPG" << "{root}DRA/A.JPG;{root}DRA/B.JPG";
+        QTest::newRow("empty photograph value") << 0 << v5 << true
+            << "写真ファイル名=;参考図1=D1.JPG" << "{root}PIC/" << "{root}DRA/D1.JPG";
+        QTest::newRow("maff ignores 参考図1") << 2 << v5 << true
+            << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図ファイル名=D4.JPG"
+            << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG";
+        QTest::newRow("photograph title undefined") << 0 << QByteArray("PHOTO04.DTD") << true
+            << "写真タイトル=T;参考図1=D1.JPG" << "" << "{root}DRA/D1.JPG";
+        QTest::newRow("mlit full paths") << 0 << v5 << false
+            << "写真ファイル名=P1.JPG;写真ファイルパス=/m/PIC/P1.JPG;参考図1=D1.JPG;"
+               "参考図ファイルパス1=/m/DRA/D1.JPG;参考図ファイルパス2=;"
+               "参考図ファイルパス=/m/DRA/D4.JPG"
+            << "/m/PIC/P1.JPG" << "/m/DRA/D1.JPG;/m/DRA/D4.JPG";
+        QTest::newRow("maff full paths ignore 参考図ファイルパス1") << 2 << v5 << false
+            << "写真ファイルパス=/m/P.JPG;参考図ファイルパス1=/m/D1.JPG;参考図ファイルパス=/m/D.JPG"
+            << "/m/P.JPG" << "/m/D.JPG";
+        // clang-format on
+    }
+    void makePath() {
+        QFETCH(int, family);
+        QFETCH(QByteArray, dtd);
+        QFETCH(bool, standAlone);
+        QFETCH(QString, items);
+        QFETCH(QString, image);
+        QFETCH(QString, drawings);
+        const QString folder = NewFolder("paths");
+        auto doc = fixture::OpenDocument(folder, static_cast<PhotoXMLType>(family), dtd);
+        QCOMPARE(doc->GetErrorType(), ReadErrNone);
+        doc->SetStandAlone(standAlone);
+        ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), List(items)));
+        const QString root = folder + QLatin1Char('/');
+        QCOMPARE(photo.GetImagePath(), Expand({image}, root).first());
+        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), root));
+
+        // A plain walk after a change of root keeps nothing of the old paths.
+        doc->RootPath(temp.filePath(QStringLiteral("elsewhere")));
+        photo.MakePath();
+        const QString moved = standAlone ? temp.filePath(QStringLiteral("elsewhere/")) : root;
+        QCOMPARE(photo.GetImagePath(), Expand({image}, moved).first());
+        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), moved));
+    }
+
+    // After a change of media, a file found under the old root keeps its path; one not found
+    // moves under the new root. {old} and {root} stand for the two roots.
+    void updateWalkAfterRootChange_data() {
+        QTest::addColumn<QString>("items");
+        QTest::addColumn<QString>("oldFiles");
+        QTest::addColumn<QString>("newFiles");
+        QTest::addColumn<QString>("image");
+        QTest::addColumn<QString>("drawings");
+        QTest::addColumn<bool>("exists");
+        // clang-format off
+        QTest::newRow("found drawing stays")
+            << kDiscItems << "PIC/P1.JPG;DRA/D1.JPG" << "DRA/D2.JPG;DRA/D4.JPG"
+            << "{old}PIC/P1.JPG" << "{old}DRA/D1.JPG;{root}DRA/D2.JPG;{root}DRA/D4.JPG" << true;
+        QTest::newRow("nothing found, all move")
+            << kDiscItems << "" << "PIC/P1.JPG"
+            << "{root}PIC/P1.JPG" << "{root}DRA/D1.JPG;{root}DRA/D2.JPG;{root}DRA/D4.JPG" << false;
+        QTest::newRow("a drawing missing everywhere")
+            << kDiscItems << "PIC/P1.JPG;DRA/D1.JPG;DRA/D2.JPG" << ""
+            << "{old}PIC/P1.JPG" << "{old}DRA/D1.JPG;{old}DRA/D2.JPG;{root}DRA/D4.JPG" << false;
+        QTest::newRow("image missing everywhere")
+            << "写真ファイル名=P1.JPG;参考図1=D1.JPG" << "DRA/D1.JPG" << ""
+            << "{root}PIC/P1.JPG" << "{old}DRA/D1.JPG" << false;
+        // D1.JPG is missing, but the kept XD1.JPG holds it as a substring: intended.
+        QTest::newRow("longer kept name counts as found")
+            << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=XD1.JPG" << "DRA/XD1.JPG"
+            << "PIC/P1.JPG;DRA/D1.JPG" << "{root}PIC/P1.JPG" << "{old}DRA/XD1.JPG;{old}DRA/XD1.JPG"
+            << true;
+        // clang-format on
+    }
+    void updateWalkAfterRootChange() {
+        QFETCH(QString, items);
+        QFETCH(QString, oldFiles);
+        QFETCH(QString, newFiles);
+        QFETCH(QString, image);
+        QFETCH(QString, drawings);
+        QFETCH(bool, exists);
+        const QString oldFolder = NewFolder("disc1");
+        const QString newFolder = NewFolder("disc2");
+        const QString oldRoot = oldFolder + QLatin1Char('/');
+        const QString newRoot = newFolder + QLatin1Char('/');
+        CreateFiles(oldRoot, oldFiles);
+        CreateFiles(newRoot, newFiles);
+        auto doc = fixture::OpenDocument(oldFolder, PhotoXMLMlit);
+        ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), List(items)));
+        QVERIFY(!photo.IsExistFile());  // nothing has been tested yet
+        doc->RootPath(newFolder);
+        QCOMPARE(doc->RootPath(), newRoot);
+        photo.UpdateImagePath();
+        QCOMPARE(photo.GetImagePath(), Expand({image}, newRoot, oldRoot).first());
+        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), newRoot, oldRoot));
+        QCOMPARE(photo.IsExistFile(), exists);
+    }
+
+    // The names the user still has to bring, always by file name. Once any drawing of the
+    // photograph exists, none of its drawing names is reported.
+    void outputFilename_data() {
+        QTest::addColumn<bool>("standAlone");
+        QTest::addColumn<QString>("items");
+        QTest::addColumn<QString>("files");
+        QTest::addColumn<QString>("expected");
+        const QString mixed =
+            "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=;参考図ファイル名=D4.JPG";
+        const QString full =
+            "写真ファイル名=P1.JPG;写真ファイルパス={root}PIC/P1.JPG;参考図1=D1.JPG;"
+            "参考図ファイルパス1={root}DRA/D1.JPG";
+        // clang-format off
+        QTest::newRow("nothing exists") << true << mixed << "" << "P1.JPG;D1.JPG;D4.JPG";
+        QTest::newRow("one drawing hides the others") << true << mixed << "DRA/D1.JPG" << "P1.JPG";
+        QTest::newRow("image found") << true << mixed << "PIC/P1.JPG" << "D1.JPG;D4.JPG";
+        QTest::newRow("all found") << true << mixed << "PIC/P1.JPG;DRA/D1.JPG;DRA/D4.JPG" << "";
+        QTest::newRow("empty photograph value")
+            << true << "写真ファイル名=;参考図1=D1.JPG" << "" << "D1.JPG";
+        QTest::newRow("full paths, nothing exists") << false << full << "" << "P1.JPG;D1.JPG";
+        QTest::newRow("full paths, drawing found") << false << full << "DRA/D1.JPG" << "P1.JPG";
+        // clang-format on
+    }
+    void outputFilename() {
+        QFETCH(bool, standAlone);
+        QFETCH(QString, items);
+        QFETCH(QString, files);
+        QFETCH(QString, expected);
+        const QString folder = NewFolder("output");
+        const QString root = folder + QLatin1Char('/');
+        CreateFiles(root, files);
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        doc->SetStandAlone(standAlone);
+        ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), Expand(List(items), root)));
+        QStringList names{"kept"};
+        photo.GetOutputFilename(names);
+        QCOMPARE(names, QStringList{"kept"} + List(expected));
+    }
+
+    void itemLookupsAndPicturePaths() {
+        const QString folder = NewFolder("items");
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        const ToviItemDef& def = *doc->GetItemDef();
+        ToviPhoto photo(
+            doc.get(),
+            MakeItems(def, {"工種=土工", "備考=first", "写真タイトル=", "備考=second",
+                            "撮影年月日=2024-05-06", "参考図1=D1.JPG", "参考図2=D2.JPG"}));
+        const int remark = def.GetIndexFromTitle(QStringLiteral("備考"));
+        const int absent = def.GetIndexFromTitle(QStringLiteral("参考図3"));
+        QCOMPARE(photo.GetTitle(remark), QStringLiteral("first"));
+        QString value = QStringLiteral("stale");
+        QVERIFY(photo.GetTitle(absent, value));
+        QCOMPARE(value, QString());
+        QStringList values{"stale"};
+        photo.GetTitleFromIndex(remark, values);
+        QCOMPARE(values, (QStringList{"first", "second"}));
+        photo.GetTitleFromIndex(absent, values);
+        QVERIFY(values.isEmpty());
+        // The first value of each index that has an item; positions don't line up.
+        const QList<int> wanted{def.GetIndexFromTitle(QStringLiteral("撮影年月日")), absent, remark,
+                                def.GetIndexFromTitle(QStringLiteral("写真タイトル")),
+                                def.GetIndexFromTitle(QStringLiteral("工種"))};
+        photo.GetTitleFromIndex(wanted, values);
+        QCOMPARE(values, (QStringList{"2024-05-06", "first", "", "土工"}));
+
+        QStringList out{"stale"};
+        photo.GetPicturePath(out, 1);
+        QCOMPARE(out, QStringList{folder + QStringLiteral("/DRA/D2.JPG")});
+        photo.GetPicturePath(out, -1);
+        QVERIFY(out.isEmpty());
+        QVERIFY_THROWS_EXCEPTION(std::out_of_range, photo.GetPicturePath(out, 2));
+        ToviPhoto bare(doc.get(), MakeItems(def, {"写真ファイル名=P.JPG"}));
+        bare.GetPicturePath(out, 5);  // no drawing at all: nothing, and no failure
+        QVERIFY(out.isEmpty());
+    }
+
+    // Only MainList and ZoomDlg items, in file order, titled by their definitions.
+    void textPairs() {
+        auto doc = fixture::OpenDocument(NewFolder("pairs"), PhotoXMLMlit);
+        const ToviItemDef* def = doc->GetItemDef();
+        ToviPhoto photo(doc.get(), MakeItems(*def, {"工種=土工", "撮影年月日=2024-05-06", "備考=x",
+                                                    "写真ファイル名=P.JPG", "写真タイトル=橋台"}));
+        ToviTextPairArray pairs{ToviTextPair(QStringLiteral("stale"), QString())};
+        QVERIFY(photo.GetTextPairs(def, pairs));
+        QStringList items;
+        QStringList values;
+        pairs.ToArray(items, values);
+        QCOMPARE(items, (QStringList{"撮影年月日", "写真ファイル名", "写真タイトル"}));
+        QCOMPARE(values, (QStringList{"2024-05-06", "P.JPG", "橋台"}));
+        QVERIFY(!photo.GetTextPairs(nullptr, pairs));
+        QVERIFY(pairs.isEmpty());
+
+        ToviPhoto hidden(doc.get(), MakeItems(*def, {"工種=土工", "備考=x"}));
+        pairs.append(ToviTextPair());
+        QVERIFY(!hidden.GetTextPairs(def, pairs));
+        QVERIFY(pairs.isEmpty());
+        hidden.GetItems().append(ToviItem(def->GetCount(), QStringLiteral("bad")));
+        QVERIFY_THROWS_EXCEPTION(std::out_of_range, hidden.GetTextPairs(def, pairs));
+    }
+
+    // One image slot for thumbnail and full picture; a failed thumbnail is tried once per
+    // release, while the full picture is tried anew.
+    void imageLoadingState() {
+        const QString folder = NewFolder("images");
+        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/P1.JPG")));
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        const ToviItemDef& def = *doc->GetItemDef();
+        ToviPhoto photo(doc.get(), MakeItems(def, {"写真ファイル名=P1.JPG"}));
+        QVERIFY(photo.LoadThumb());
+        QVERIFY(photo.IsThumbLoaded() && !photo.IsImageLoaded());
+        const int thumbWidth = photo.GetImage().Width();
+        QVERIFY(thumbWidth > 0 && thumbWidth < 1200);
+        QVERIFY(photo.LoadImage());
+        QVERIFY(photo.IsThumbLoaded() && photo.IsImageLoaded());
+        QCOMPARE(photo.GetImage().Width(), 1200);
+        QVERIFY(photo.LoadThumb());  // the full picture gives way to the thumbnail
+        QVERIFY(!photo.IsImageLoaded());
+        QCOMPARE(photo.GetImage().Width(), thumbWidth);
+        photo.ReleaseImage();
+        QVERIFY(!photo.GetImage().IsValid() && !photo.IsThumbLoaded() && !photo.IsImageLoaded());
+
+        ToviPhoto late(doc.get(), MakeItems(def, {"写真ファイル名=LATE.JPG"}));
+        QVERIFY(!late.LoadThumb());
+        QVERIFY(late.IsThumbLoaded());
+        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/LATE.JPG"), 800));
+        QVERIFY(late.LoadThumb());  // already tried: not read again
+        QVERIFY(!late.GetImage().IsValid());
+        QVERIFY(late.LoadImage());
+        QCOMPARE(late.GetImage().Width(), 800);
+        late.ReleaseImage();
+        QVERIFY(late.LoadThumb() && late.GetImage().IsValid());
+
+        QVERIFY(fixture::WriteFile(folder + QStringLiteral("/PIC/BAD.JPG"), "\xFF\xD8\xFF junk"));
+        ToviPhoto bad(doc.get(), MakeItems(def, {"写真ファイル名=BAD.JPG"}));
+        QVERIFY(!bad.LoadThumb());
+        QVERIFY(!bad.LoadImage());
+        QVERIFY(!bad.IsImageLoaded() && !bad.GetImage().IsValid());
+    }
+
+    // Copies carry the record but neither the picture nor the result of the existence test.
+    void copyAndAssignment() {
+        const QString folder = NewFolder("copy");
+        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/A.JPG"), 400));
+        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/B.JPG"), 400));
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        const ToviItemDef& def = *doc->GetItemDef();
+        LabelledPhoto source(doc.get(), MakeItems(def, {"写真ファイル名=A.JPG", "備考=src"}));
+        source.SetLabel(2);
+        source.Select(true);
+        source.SetComment(QStringLiteral("要確認"));
+        source.SetEditChkResult(ToviPhoto::EditCheckAltered);
+        source.UpdateImagePath();
+        QVERIFY(source.IsExistFile() && source.LoadImage());
+
+        ToviPhoto target(doc.get(), MakeItems(def, {"写真ファイル名=B.JPG"}));
+        QVERIFY(target.LoadImage());
+        target = source;
+        QCOMPARE(target.GetImagePath(), source.GetImagePath());
+        QCOMPARE(target.GetTitle(def.GetIndexFromTitle(QStringLiteral("備考"))),
+                 QStringLiteral("src"));
+        QVERIFY(target.IsLabelPasted(2) && !target.IsLabelPasted(1) && target.IsSelected());
+        QCOMPARE(target.GetComment(), QStringLiteral("要確認"));
+        QCOMPARE(target.GetEditChkResult(), ToviPhoto::EditCheckAltered);
+        QCOMPARE(target.GetDocument(), doc.get());
+        QVERIFY(!target.IsExistFile());
+        QVERIFY(!target.IsImageLoaded() && !target.GetImage().IsValid());
+        const ToviPhoto copy(source);
+        QVERIFY(copy.IsLabelPasted(2) && !copy.IsImageLoaded() && !copy.GetImage().IsValid());
+        LabelledPhoto& alias = source;
+        source = alias;
+        QVERIFY(source.IsImageLoaded() && source.GetImage().IsValid());
+    }
+};
+
+QTEST_GUILESS_MAIN(ToviPhotoTest)
+#include "ToviPhotoTest.moc"

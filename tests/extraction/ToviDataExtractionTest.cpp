@@ -1,0 +1,458 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "extraction/ToviExtractionConditions.h"
+#include "platform/ToviProfile.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/document/ReviewFixture.h"
+#include "tests/support/DeliveryWriter.h"
+#include "tests/support/ExifJpegWriter.h"
+#include "tests/support/ScriptedUi.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using review::NodeAt;
+using review::RecordingHost;
+
+namespace {
+
+// Six photographs. By work type the root shows them as [4, 0, 2, 1, 3, 5]:
+// 土工{4}[掘削{0}, 盛土{2}], 舗装工{1}, 擁壁工{3}, abc{5}.
+// Labels: 1 NG1, 2 OK, 3 NG3, 4 NG2; 0 and 5 not checked.
+// Exif: 0, 2, 4; 1 and 3 plain JPEGs; 5 has no file at all.
+// File dates: 01-15, 02-01, 02-29, 03-01, 02-10 (2024).
+const QStringList kPhotos{
+    "工種=土工;種別=掘削;撮影年月日=2024-04-01;代表写真=1;工種区分予備=x;工種区分予備=y",
+    "工種=舗装工;撮影年月日=2024-04-10;付加情報予備=z",
+    "工種=土工;種別=盛土;撮影年月日=2024-04-30;代表写真=1;参考図タイトル=",
+    "工種=擁壁工;撮影年月日=2024-05-01",
+    "工種=土工;撮影年月日=;工種区分予備=y",
+    "工種=abc;撮影年月日=2024-03-31",
+};
+const QStringList kLabels{"", "1", "0", "3", "2", ""};
+const QList<int> kRootOrder{4, 0, 2, 1, 3, 5};
+
+// A source that remembers what it was told.
+class RecordingSource : public ToviExtractionSource {
+  public:
+    ToviExtractionConditions conditions;
+    QList<int> told;
+    const ToviExtractionConditions& Conditions() const override { return conditions; }
+    void CancelExtraction(CancelExt value) override { told.append(value); }
+};
+
+// "ng;item:工種=土工;date:2024-04-01..2024-04-30;or" and so on: key, ng, notcheck, noexif,
+// required, item:title=text (up to three), date:from..to, filedate:from..to, or.
+ToviExtractionConditions Conditions(const QString& text) {
+    ToviExtractionConditions c;
+    int item = 0;
+    for (const QString& token : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+        const QString body = token.mid(token.indexOf(QLatin1Char(':')) + 1);
+        if (token == QLatin1String("key")) {
+            c.keyPhoto = true;
+        } else if (token == QLatin1String("ng")) {
+            c.ngPhoto = true;
+        } else if (token == QLatin1String("notcheck")) {
+            c.notcheckPhoto = true;
+        } else if (token == QLatin1String("noexif")) {
+            c.notExifinfo = true;
+        } else if (token == QLatin1String("required")) {
+            c.neceNotwrite = true;
+        } else if (token == QLatin1String("or")) {
+            c.orMode = 1;
+        } else if (token.startsWith(QLatin1String("item:"))) {
+            const qsizetype eq = body.indexOf(QLatin1Char('='));
+            c.itemOn[item] = true;
+            c.itemTitle[item] = body.left(eq);
+            c.itemText[item] = body.mid(eq + 1);
+            ++item;
+        } else if (token.startsWith(QLatin1String("date:")) ||
+                   token.startsWith(QLatin1String("filedate:"))) {
+            c.dateOn = true;
+            c.dateKind = token.startsWith(QLatin1String("file")) ? 1 : 0;
+            c.dateFrom = body.section(QStringLiteral(".."), 0, 0);
+            c.dateTo = body.section(QStringLiteral(".."), 1, 1);
+        } else {
+            qFatal("unknown condition %s", qPrintable(token));
+        }
+    }
+    return c;
+}
+
+QList<int> InOrder(const QList<int>& order, const QList<int>& members) {
+    QList<int> kept;
+    for (int index : order) {
+        if (members.contains(index)) {
+            kept.append(index);
+        }
+    }
+    return kept;
+}
+
+QString Message(int n, int count) {
+    return QStringLiteral("写真データ抽出中　%1 / %2").arg(n).arg(count);
+}
+
+}  // namespace
+
+class ToviDataExtractionTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QTemporaryDir temp;
+    QString folder;
+    RecordingHost host;
+
+    // The delivery with its labels, the work-type tree built and the root on show.
+    std::unique_ptr<ToviData> Open() {
+        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        if (doc) {
+            for (int k = 0; k < kLabels.size(); ++k) {
+                review::SetLabels(*doc->GetPhotoActualPhotoArray(k), kLabels[k]);
+            }
+            doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        }
+        host.hints.clear();
+        return doc;
+    }
+
+  private slots:
+    void debugItems() {
+        std::unique_ptr<ToviData> doc = Open();
+        for (int k : {1, 2}) {
+            for (const ToviItem& item : doc->GetPhotoActualPhotoArray(k)->GetItems()) {
+                qDebug() << k << doc->GetItemDef()->GetTitleFromIndex(item.GetDefIndex()) << item.Value();
+            }
+        }
+    }
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
+        folder = temp.filePath(QStringLiteral("delivery"));
+        QVERIFY(review::WritePhotoXml(folder, kPhotos));
+        QImage image(64, 48, QImage::Format_RGB32);
+        image.fill(Qt::darkGreen);
+        const QList<int> fileDays{15, 32, 60, 61, 41};  // days since 2023-12-31
+        for (int k = 0; k < fileDays.size(); ++k) {
+            const QString path = folder + QStringLiteral("/PIC/") + review::ImageName(k);
+            if (k == 1 || k == 3) {
+                QVERIFY(image.save(path, "JPG"));  // Qt writes no Exif
+            } else {
+                QVERIFY(WriteExifJpeg(path, image, ExifFacts()));
+            }
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(
+                QDateTime(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0)),
+                QFileDevice::FileModificationTime));
+        }
+    }
+
+    // Each row's result is a subset of the root's content, in the root's order.
+    void conditions_data() {
+        QTest::addColumn<QString>("conditions");
+        QTest::addColumn<QList<int>>("found");
+        QTest::newRow("AND with nothing on") << "" << kRootOrder;
+        QTest::newRow("OR with nothing on") << "or" << QList<int>{};
+        QTest::newRow("key photograph") << "key" << QList<int>{0, 2};
+        QTest::newRow("NG") << "ng" << QList<int>{1, 3, 4};
+        QTest::newRow("not checked") << "notcheck" << QList<int>{0, 5};
+        QTest::newRow("NG and not checked") << "ng;notcheck" << QList<int>{};
+        QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{0, 1, 3, 4, 5};
+        QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5};
+        QTest::newRow("required item stored empty") << "required" << QList<int>{2, 4};
+        QTest::newRow("item equal") << "item:工種=土工" << QList<int>{0, 2, 4};
+        QTest::newRow("item case matters") << "item:工種=ABC" << QList<int>{};
+        QTest::newRow("item is no substring search") << "item:工種=土" << QList<int>{};
+        QTest::newRow("repeated item, any value") << "item:工種区分予備=y" << QList<int>{0, 4};
+        QTest::newRow("marker on stored empty values")
+            << "item:種別=【未記入】" << QList<int>{1, 3, 4, 5};
+        QTest::newRow("marker needs the item") << "item:付加情報予備=【未記入】" << QList<int>{2};
+        QTest::newRow("unknown title rejects in AND")
+            << "item:施工者=x;date:2024-04-01..2024-04-30" << QList<int>{};
+        QTest::newRow("unknown title passes on in OR")
+            << "item:施工者=x;date:2024-04-01..2024-04-30;or" << QList<int>{0, 1, 2};
+        QTest::newRow("three items AND")
+            << "item:工種=土工;item:種別=盛土;item:代表写真=1" << QList<int>{2};
+        QTest::newRow("three items OR")
+            << "item:工種=擁壁工;item:種別=掘削;item:工種区分予備=y;or" << QList<int>{0, 3, 4};
+        QTest::newRow("date range includes both ends")
+            << "date:2024-04-01..2024-04-30" << QList<int>{0, 1, 2};
+        QTest::newRow("one-day range") << "date:2024-04-30..2024-04-30" << QList<int>{2};
+        QTest::newRow("file date") << "filedate:2024-02-01..2024-02-29" << QList<int>{1, 2, 4};
+        QTest::newRow("NG, item and file date")
+            << "ng;item:工種=土工;filedate:2024-02-01..2024-02-29" << QList<int>{4};
+        QTest::newRow("key and date") << "key;date:2024-04-02..2024-04-30" << QList<int>{2};
+        QTest::newRow("key or date") << "key;date:2024-04-05..2024-04-10;or"
+                                     << QList<int>{0, 1, 2};
+    }
+    void conditions() {
+        QFETCH(QString, conditions);
+        QFETCH(QList<int>, found);
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
+        RecordingSource source;
+        source.conditions = Conditions(conditions);
+        doc->SetExtractionData(&source);
+
+        doc->ExecExtraction();
+        QCOMPARE(doc->CurrentArray().Indexes(), InOrder(kRootOrder, found));
+        QVERIFY(doc->IsExtractionOn());  // nothing found still ends normally
+        QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
+        QVERIFY(source.told.isEmpty());
+        // Filtering only: the photographs themselves are as they were.
+        QCOMPARE(review::AllLabels(*doc), kLabels);
+    }
+
+    // The 代表写真 condition on a delivery that doesn't define that item never decides by
+    // itself: AND lets everything through, OR finds nothing with it.
+    void keyPhotoWithoutDefinition_data() {
+        QTest::addColumn<QString>("conditions");
+        QTest::addColumn<QList<int>>("found");  // empty with "all" meaning every photograph
+        QTest::addColumn<bool>("all");
+        QTest::newRow("AND") << "key" << QList<int>{} << true;
+        QTest::newRow("OR") << "key;or" << QList<int>{} << false;
+        QTest::newRow("AND with NG") << "key;ng" << QList<int>{1, 5} << false;
+        QTest::newRow("OR with NG") << "key;ng;or" << QList<int>{1, 5} << false;
+    }
+    void keyPhotoWithoutDefinition() {
+        QFETCH(QString, conditions);
+        QFETCH(QList<int>, found);
+        QFETCH(bool, all);
+        const QString root = temp.filePath(QStringLiteral("mlit11"));
+        if (!QFile::exists(root)) {
+            DeliveryOptions options;
+            options.generation = Generation::Mlit11;
+            options.photoCount = 8;
+            options.images = DeliveryOptions::Images::None;
+            WrittenDelivery written;
+            QString error;
+            QVERIFY2(WriteDelivery(root, options, &written, &error), qPrintable(error));
+        }
+        std::unique_ptr<ToviData> doc =
+            review::Open(&host, root + QStringLiteral("/INDEX_C/PHOTO"));
+        QVERIFY(doc);
+        QVERIFY(doc->GetItemDef()->GetIndexFromTitle(QStringLiteral("代表写真")) < 0);
+        doc->GetPhotoActualPhotoArray(1)->PasteLabel(2);
+        doc->GetPhotoActualPhotoArray(5)->PasteLabel(3);
+        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        const QList<int> before = doc->CurrentArray().Indexes();
+        QCOMPARE(before.size(), 8);
+
+        ToviExtractionHolder holder;
+        holder.conditions = Conditions(conditions);
+        doc->SetExtractionData(&holder);
+        doc->ExecExtraction();
+        QCOMPARE(doc->CurrentArray().Indexes(), all ? before : InOrder(before, found));
+    }
+
+    // A photograph without a shooting date is passed over at once when the date decides:
+    // no progress text, no cancel test, no step for it. The root shows it first.
+    void emptyShootingDateSkipsProgress_data() {
+        QTest::addColumn<QString>("conditions");
+        QTest::addColumn<bool>("skipped");
+        QTest::newRow("AND, the date decides") << "date:2024-01-01..2024-12-31" << true;
+        QTest::newRow("OR, the date decides") << "notcheck;date:2024-01-01..2024-12-31;or"
+                                              << true;
+        QTest::newRow("OR, NG held before the date")
+            << "ng;date:2024-01-01..2024-12-31;or" << false;
+        QTest::newRow("AND, rejected before the date")
+            << "notcheck;date:2024-01-01..2024-12-31" << false;
+        QTest::newRow("file date") << "filedate:2024-01-01..2024-12-31" << false;
+        QTest::newRow("no date") << "ng" << false;
+    }
+    void emptyShootingDateSkipsProgress() {
+        QFETCH(QString, conditions);
+        QFETCH(bool, skipped);
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        QCOMPARE(doc->CurrentArray().GetAt(0), 4);
+        ToviExtractionHolder holder;
+        holder.conditions = Conditions(conditions);
+        doc->SetExtractionData(&holder);
+
+        doc->ExecExtraction();
+        QVERIFY(!doc->CurrentArray().Contains(4) || !skipped);
+        QCOMPARE(ui.ProgressViews().size(), 1);
+        const ScriptedProgressRecord& progress = *ui.LastProgress();
+        const int count = static_cast<int>(kRootOrder.size());
+        QStringList messages;
+        for (int n = skipped ? 2 : 1; n <= count; ++n) {
+            messages.append(Message(n, count));
+        }
+        QCOMPARE(progress.messages, messages);
+        QCOMPARE(progress.positions.last(), static_cast<int>(messages.size()));
+        QCOMPARE(progress.ranges.last(), (QPair<int, int>(0, count)));
+        QCOMPARE(progress.captions.last(), ui.ApplicationName());
+        QVERIFY(progress.IsCancelButtonShown());
+        QCOMPARE(progress.showCount, 1);
+        QCOMPARE(progress.closeCount, 1);
+        QVERIFY(progress.ownerEnabled);
+    }
+
+    // Cancel in the progress window at the first photograph: the node's whole content stays
+    // on show in node order, extraction is off, the source is told with 0, and the next
+    // selection is not filtered.
+    void cancelOnFirstPhotograph() {
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        ToviNode* earthwork = NodeAt(doc.get(), QStringLiteral("土工"));
+        doc->SetSelected(earthwork, false);
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 0, 2}));
+        RecordingSource source;
+        source.conditions = Conditions(QStringLiteral("ng"));
+        doc->SetExtractionData(&source);
+        host.hints.clear();
+        ui.PressCancelAtPump(ui.Pumps() + 1);
+
+        doc->ExecExtraction();
+        QCOMPARE(ui.LastProgress()->messages, QStringList{Message(1, 3)});
+        QCOMPARE(ui.LastProgress()->closeCount, 1);
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 0, 2}));
+        QVERIFY(!doc->IsExtractionOn());
+        QCOMPARE(source.told, QList<int>{ToviExtractionSource::CancelButtonOnly});
+        QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
+
+        doc->SetSelected(doc.get(), false);
+        QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
+        QCOMPARE(ui.ProgressViews().size(), 1);
+        QCOMPARE(source.told.size(), 1);
+    }
+
+    // The current array is disturbed first, so that a rebuild shows.
+    void cancelExtraction_data() {
+        QTest::addColumn<bool>("on");
+        QTest::addColumn<int>("value");  // -1 for the form without an argument
+        QTest::addColumn<QList<int>>("current");
+        QTest::addColumn<QList<int>>("hints");
+        QTest::addColumn<QList<int>>("told");
+        const QList<int> selection{ToviData::HintSelectionChanged};
+        QTest::newRow("off, no argument, rebuilds") << false << -1 << kRootOrder << selection
+                                                    << QList<int>{};
+        QTest::newRow("on, no argument, rebuilds unfiltered")
+            << true << -1 << kRootOrder << selection << QList<int>{};
+        QTest::newRow("off, with a value, nothing happens")
+            << false << 1 << QList<int>{5} << QList<int>{} << QList<int>{};
+        QTest::newRow("on, value 0") << true << 0 << QList<int>{5} << QList<int>{}
+                                     << QList<int>{0};
+        QTest::newRow("on, value 1") << true << 1 << QList<int>{5} << QList<int>{}
+                                     << QList<int>{1};
+    }
+    void cancelExtraction() {
+        QFETCH(bool, on);
+        QFETCH(int, value);
+        QFETCH(QList<int>, current);
+        QFETCH(QList<int>, hints);
+        QFETCH(QList<int>, told);
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        RecordingSource source;
+        source.conditions = Conditions(QStringLiteral("ng"));
+        doc->SetExtractionData(&source);
+        if (on) {
+            doc->ExecExtraction();
+        }
+        doc->CurrentArray().Assign({5});
+        host.hints.clear();
+
+        if (value < 0) {
+            doc->CancelExtraction();
+        } else {
+            doc->CancelExtraction(static_cast<ToviExtractionSource::CancelExt>(value));
+        }
+        QVERIFY(!doc->IsExtractionOn());
+        QCOMPARE(doc->CurrentArray().Indexes(), current);
+        QCOMPARE(host.hints, hints);
+        QCOMPARE(source.told, told);
+    }
+
+    // Extraction always starts from a node's whole content: on every node selection, on a
+    // rebuilt tree and on a second run; a label selection and a changed photograph don't
+    // filter.
+    void extractionFollowsRebuilds() {
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        ToviExtractionHolder holder;
+        holder.conditions = Conditions(QStringLiteral("ng"));
+        doc->SetExtractionData(&holder);
+        doc->ExecExtraction();
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 1, 3}));
+
+        doc->SetSelected(NodeAt(doc.get(), QStringLiteral("土工")), false);
+        QCOMPARE(doc->CurrentArray().Indexes(), QList<int>{4});
+
+        holder.conditions = Conditions(QStringLiteral("notcheck"));
+        doc->ExecExtraction();
+        QCOMPARE(doc->CurrentArray().Indexes(), QList<int>{0});
+
+        // The shooting-place tree puts everything under 【未記入】, in file order.
+        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeSatsueikasyo);
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 5}));
+
+        doc->GetPhotoActualPhotoArray(0)->PasteLabel(0);
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 5}));
+        doc->SetSelected(doc->GetSelectedNode(), true);
+        QCOMPARE(doc->CurrentArray().Indexes(), QList<int>{5});
+
+        doc->SetSelected(0);
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 2}));
+        QVERIFY(doc->IsExtractionOn());
+    }
+
+    // Run directly on a full current array, as the command line does.
+    void directRunOnTheCurrentArray_data() {
+        QTest::addColumn<bool>("orMode");
+        QTest::newRow("AND") << false;
+        QTest::newRow("OR") << true;
+    }
+    void directRunOnTheCurrentArray() {
+        QFETCH(bool, orMode);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        ToviExtractionHolder holder;
+        holder.conditions = Conditions(QStringLiteral("ng;item:工種=土工"));
+        doc->SetExtractionData(&holder);
+        doc->CurrentArray().Assign({0, 1, 2, 3, 4, 5});
+        QVERIFY(orMode ? doc->ExecExtractionOR() : doc->ExecExtractionAND());
+        const QList<int> found = orMode ? QList<int>{0, 1, 2, 3, 4} : QList<int>{4};
+        QCOMPARE(doc->CurrentArray().Indexes(), found);
+        QVERIFY(!doc->IsExtractionOn());
+        QVERIFY(host.hints.isEmpty());
+    }
+
+    void setCurPhotoArray_data() {
+        QTest::addColumn<bool>("update");
+        QTest::addColumn<QList<int>>("hints");
+        QTest::newRow("quiet") << false << QList<int>{};
+        QTest::newRow("announced") << true << QList<int>{ToviData::HintCurrentArrayChanged};
+    }
+    void setCurPhotoArray() {
+        QFETCH(bool, update);
+        QFETCH(QList<int>, hints);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        QVERIFY(!doc->CurrentArray().IsEmpty());
+        doc->SetCurPhotoArray(true, update);
+        QVERIFY(doc->CurrentArray().IsEmpty());
+        QCOMPARE(host.hints, hints);
+    }
+};
+
+QTEST_GUILESS_MAIN(ToviDataExtractionTest)
+#include "ToviDataExtractionTest.moc"

@@ -1,0 +1,293 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "extraction/ToviExtractionConditions.h"
+#include "platform/ToviProfile.h"
+#include "platform/ToviUi.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/document/ReviewFixture.h"
+#include "tests/support/ScriptedUi.h"
+
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using review::Labels;
+using review::RecordingHost;
+
+class ToviDataLabelsTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QTemporaryDir temp;
+    QString folder;
+    RecordingHost host;
+
+    // Five photographs, A A B B C by work type.
+    std::unique_ptr<ToviData> Open() {
+        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        if (doc) {
+            doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        }
+        host.hints.clear();
+        return doc;
+    }
+
+    void SetAllLabels(ToviData& doc, const QStringList& labels) {
+        for (int k = 0; k < labels.size(); ++k) {
+            review::SetLabels(*doc.GetPhotoActualPhotoArray(k), labels[k]);
+        }
+    }
+
+  private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
+        folder = temp.filePath(QStringLiteral("delivery"));
+        QVERIFY(review::WritePhotoXml(folder,
+                                      {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}));
+    }
+
+    // The photograph takes any combination of labels: keeping OK and NG apart and the comment
+    // label in step with the comment is left to whoever pastes them. Steps: +n pastes, -n
+    // removes, c sets a comment, x RemoveAllLabel, k CorrectAllNotCheck, o CorrectAllOK.
+    void photographLabels_data() {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("labels");
+        QTest::addColumn<bool>("ok");
+        QTest::addColumn<bool>("ng");
+        QTest::addColumn<bool>("notChecked");
+        QTest::newRow("OK pasted over NG") << "+1 +0" << "01" << true << true << false;
+        QTest::newRow("NG pasted over OK") << "+0 +2" << "02" << true << true << false;
+        QTest::newRow("comment label alone") << "+4" << "4" << false << false << true;
+        QTest::newRow("free label alone") << "+5" << "5" << false << false << true;
+        QTest::newRow("slot 6 pasted") << "+6" << "" << false << false << true;
+        QTest::newRow("slot 6 removed") << "+3 -6" << "3" << false << true << false;
+        QTest::newRow("comment without its label") << "c" << "c" << false << false << true;
+        QTest::newRow("comment label removed, comment kept") << "+4 c -4" << "c" << false << false
+                                                             << true;
+        QTest::newRow("remove all empties the comment")
+            << "+0 +1 +4 +5 c x" << "" << false << false << true;
+        QTest::newRow("not checked keeps 4, 5 and the comment")
+            << "+0 +3 +4 +5 c k" << "45c" << false << false << true;
+        QTest::newRow("all OK keeps 4 and the comment")
+            << "+2 +3 +4 c o" << "04c" << true << false << false;
+    }
+    void photographLabels() {
+        QFETCH(QString, steps);
+        QFETCH(QString, labels);
+        QFETCH(bool, ok);
+        QFETCH(bool, ng);
+        QFETCH(bool, notChecked);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        ToviPhoto& photo = *doc->GetPhotoActualPhotoArray(3);
+        for (const QString& step : steps.split(QLatin1Char(' '))) {
+            const auto slot = static_cast<unsigned int>(step.mid(1).toInt());
+            if (step.startsWith(QLatin1Char('+'))) {
+                photo.PasteLabel(slot);
+            } else if (step.startsWith(QLatin1Char('-'))) {
+                photo.RemoveLabel(slot);
+            } else if (step == QLatin1String("c")) {
+                photo.SetComment(QStringLiteral("再撮影"));
+            } else if (step == QLatin1String("x")) {
+                photo.RemoveAllLabel();
+            } else if (step == QLatin1String("k")) {
+                photo.CorrectAllNotCheck();
+            } else if (step == QLatin1String("o")) {
+                photo.CorrectAllOK();
+            }
+        }
+        QCOMPARE(Labels(photo), labels);
+        QCOMPARE(photo.IsOK(), ok);
+        QCOMPARE(photo.HasNGLabel(), ng);
+        QCOMPARE(photo.IsNotCheck(), notChecked);
+        QVERIFY(!photo.IsLabelPasted(6));
+        // Only flags count, not a comment.
+        const bool flagged = labels.contains(QRegularExpression(QStringLiteral("[0-5]")));
+        QCOMPARE(doc->IsLabeled(), flagged ? 1 : 0);
+    }
+
+    // A search of the whole actual array in actual order, whatever is on show; out is emptied
+    // first.
+    void collectionLabel_data() {
+        QTest::addColumn<int>("label");
+        QTest::addColumn<QList<int>>("found");
+        QTest::newRow("NG1") << 1 << QList<int>{0, 2, 4};
+        QTest::newRow("comment") << 4 << QList<int>{2};
+        QTest::newRow("free label") << 5 << QList<int>{3};
+        QTest::newRow("nobody") << 0 << QList<int>{};
+        QTest::newRow("no such slot") << 6 << QList<int>{};
+    }
+    void collectionLabel() {
+        QFETCH(int, label);
+        QFETCH(QList<int>, found);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        SetAllLabels(*doc, {"1", "", "14c", "5", "1"});
+        doc->CurrentArray().Assign({4, 2, 0});
+        ToviPhotoRef out;
+        out.Assign({3, 1});
+
+        QCOMPARE(doc->CollectionLabel(label, out), found.size());
+        QCOMPARE(out.Indexes(), found);
+        QCOMPARE(doc->CountLabel(label), found.size());
+        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 2, 0}));
+
+        ToviData empty(nullptr, QString(), PhotoXMLMlit);
+        out.Assign({1});
+        QCOMPARE(empty.CollectionLabel(label, out), 0);
+        QVERIFY(out.IsEmpty());
+        QCOMPARE(empty.CountLabel(label), 0);
+        QCOMPARE(empty.IsLabeled(), 0);
+    }
+
+    // HasComment looks at comment text in the current array only; an empty current array
+    // leaves it as it was, and a new document says true until the first look.
+    void updateHasComment_data() {
+        QTest::addColumn<QStringList>("views");  // current arrays, each followed by an update
+        QTest::addColumn<bool>("hasComment");
+        QTest::newRow("new document") << QStringList{} << true;
+        QTest::newRow("first look at nothing") << QStringList{""} << true;
+        QTest::newRow("comment label without text") << QStringList{"0,3"} << false;
+        QTest::newRow("comment in view") << QStringList{"0,1"} << true;
+        QTest::newRow("comment last in view") << QStringList{"0,2,1"} << true;
+        QTest::newRow("comment only outside the view") << QStringList{"0,2,3,4"} << false;
+        QTest::newRow("nothing after a comment") << QStringList{"1", ""} << true;
+        QTest::newRow("nothing after no comment") << QStringList{"1", "0", ""} << false;
+    }
+    void updateHasComment() {
+        QFETCH(QStringList, views);
+        QFETCH(bool, hasComment);
+        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        QVERIFY(doc);
+        SetAllLabels(*doc, {"", "c", "", "4", ""});
+        for (const QString& view : views) {
+            QList<int> indexes;
+            for (const QString& number : view.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+                indexes.append(number.toInt());
+            }
+            doc->CurrentArray().Assign(indexes);
+            doc->UpdateHasComment();
+        }
+        QCOMPARE(doc->HasComment(), hasComment);
+    }
+
+    // Every change of the current array looks again.
+    void hasCommentFollowsSelection() {
+        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        QVERIFY(doc);
+        SetAllLabels(*doc, {"", "c", "", "4", ""});
+        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        QVERIFY(doc->HasComment());
+        doc->SetSelected(4);
+        QVERIFY(!doc->HasComment());
+        doc->SetSelected(review::NodeAt(doc.get(), QStringLiteral("A")), false);
+        QVERIFY(doc->HasComment());
+        doc->SetSelected(review::NodeAt(doc.get(), QStringLiteral("C")), false);
+        QVERIFY(!doc->HasComment());
+        doc->SetSelected(-1);
+        QVERIFY(!doc->HasComment());
+    }
+
+    // The batch correction over the current array, with the dialog's and the question's
+    // answers scripted. Labels before: "", "0", "15", "4c", "2".
+    void batchCorrection_data() {
+        QTest::addColumn<bool>("dialogOk");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("action");
+        QTest::addColumn<QString>("view");  // all, nothing, or ng (extraction of NG photographs)
+        QTest::addColumn<bool>("result");
+        QTest::addColumn<bool>("changed");  // check status flag set and hint 6 sent
+        QTest::addColumn<QStringList>("after");
+        const QStringList before{"", "0", "15", "4c", "2"};
+        const int ok = ToviUi::AnswerOk;
+        const int cancel = ToviUi::AnswerCancel;
+        QTest::newRow("cancel in the dialog")
+            << false << ok << 2 << "all" << false << false << before;
+        QTest::newRow("cancel in the question")
+            << true << cancel << 2 << "all" << false << false << before;
+        QTest::newRow("OK labels") << true << ok << 0 << "all" << true << true
+                                   << QStringList{"0", "0", "15", "04c", "2"};
+        QTest::newRow("back to not checked") << true << ok << 1 << "all" << true << true
+                                             << QStringList{"", "", "5", "4c", ""};
+        QTest::newRow("remove everything") << true << ok << 2 << "all" << true << true
+                                           << QStringList{"", "", "", "", ""};
+        QTest::newRow("OK labels, nothing on show")
+            << true << ok << 0 << "nothing" << false << true << before;
+        QTest::newRow("not checked, nothing on show")
+            << true << ok << 1 << "nothing" << false << true << before;
+        QTest::newRow("remove everything, nothing on show")
+            << true << ok << 2 << "nothing" << true << true << before;
+        QTest::newRow("OK labels on the NG extraction")
+            << true << ok << 0 << "ng" << true << true << before;
+        QTest::newRow("not checked on the NG extraction")
+            << true << ok << 1 << "ng" << true << true << QStringList{"", "0", "5", "4c", ""};
+        QTest::newRow("remove everything on the NG extraction")
+            << true << ok << 2 << "ng" << true << true << QStringList{"", "0", "", "4c", ""};
+    }
+    void batchCorrection() {
+        QFETCH(bool, dialogOk);
+        QFETCH(int, answer);
+        QFETCH(int, action);
+        QFETCH(QString, view);
+        QFETCH(bool, result);
+        QFETCH(bool, changed);
+        QFETCH(QStringList, after);
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        SetAllLabels(*doc, {"", "0", "15", "4c", "2"});
+        ToviExtractionHolder ng;
+        ng.conditions.ngPhoto = true;
+        if (view == QLatin1String("nothing")) {
+            doc->SetSelected(-1);
+        } else if (view == QLatin1String("ng")) {
+            doc->SetExtractionData(&ng);
+            doc->ExecExtraction();
+            QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{2, 4}));
+        } else {
+            doc->SetSelected(doc.get(), true);
+        }
+        const bool hadComment = doc->HasComment();
+        host.hints.clear();
+        ui.QueueDialog(dialogOk, {{QStringLiteral("action"), action}});
+        ui.QueueAnswer(answer);
+
+        QCOMPARE(doc->AllLabelCorrection(), result);
+        QCOMPARE(review::AllLabels(*doc), after);
+        QCOMPARE(doc->IsCheckStatusChanged(), changed);
+        QCOMPARE(host.hints, changed ? QList<int>{ToviData::HintLabelsChanged} : QList<int>{});
+        QCOMPARE(ui.DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
+        QCOMPARE(ui.DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
+        QCOMPARE(ui.Questions().size(), dialogOk ? 1 : 0);
+        if (dialogOk) {
+            const ScriptedUi::Question& question = ui.Questions().first();
+            QCOMPARE(question.text,
+                     QStringLiteral("付箋の一括訂正・削除処理を実行します。よろしいですか？"));
+            QCOMPARE(question.buttons, ToviUi::ButtonsOkCancel);
+            QCOMPARE(question.icon, ToviUi::IconQuestion);
+        }
+        // The comment flag waits for the next look at the current array.
+        QCOMPARE(doc->HasComment(), hadComment);
+    }
+
+    // A second batch with the flag already set and a refusal leaves it set: the flag only
+    // ever goes up here.
+    void refusalKeepsAnEarlierChange() {
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        doc->SetCheckStatusChanged(true);
+        ui.QueueDialog(false);
+        QVERIFY(!doc->AllLabelCorrection());
+        QVERIFY(doc->IsCheckStatusChanged());
+        QVERIFY(host.hints.isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(ToviDataLabelsTest)
+#include "ToviDataLabelsTest.moc"
