@@ -165,7 +165,12 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
         }
         if (move) {
             if (d.operation == Definition::StepChild) {
-                it.Child();
+                if (!it.Child()) {
+                    // An empty group element: nothing beneath it to read. Stepping into it
+                    // would leave the cursor a level too high for the rest of the file.
+                    i = SkipBalancedBlock(def, i);
+                    it.NextSibling();
+                }
             } else {
                 if (d.operation == Definition::StepParent) {
                     if (skipped > 0) {
@@ -234,8 +239,14 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
             }
             if (move) {
                 if (d.operation == Definition::StepChild) {
-                    it.Child();
-                    ++depth;
+                    if (it.Child()) {
+                        ++depth;
+                    } else {
+                        // An empty group element (legal where all its children are
+                        // optional): pass over its definitions and the element itself.
+                        i = SkipBalancedBlock(def, i);
+                        siblingOk = it.NextSibling();
+                    }
                 } else {
                     if (d.operation == Definition::StepParent) {
                         if (skipped == 0) {

@@ -258,6 +258,42 @@ private slots:
         }
     }
 
+    // A group whose children are all optional may stand empty; the photographs after it must
+    // still load, with their values on the right items.
+    void emptyGroupElementDoesNotStopTheLoad() {
+        const QString folder = temp.filePath(QStringLiteral("empty-group"));
+        QByteArray photos;
+        for (int n = 1; n <= 3; ++n) {
+            const QByteArray shooting = n == 1 ? QByteArray("<撮影情報/>")
+                                               : "<撮影情報><撮影箇所>No." + QByteArray::number(n) +
+                                                     "</撮影箇所></撮影情報>";
+            photos += "<写真情報><写真ファイル情報><シリアル番号>" + QByteArray::number(n) +
+                      "</シリアル番号><写真ファイル名>P" + QByteArray::number(n) +
+                      ".JPG</写真ファイル名><メディア番号>1</メディア番号></写真ファイル情報>"
+                      "<撮影工種区分><写真-大分類>工事</写真-大分類><写真タイトル>T" +
+                      QByteArray::number(n) + "</写真タイトル></撮影工種区分>" + shooting +
+                      "<代表写真>0</代表写真><提出頻度写真>1</提出頻度写真></写真情報>";
+        }
+        WritePhotoXml(folder, "<!DOCTYPE photodata SYSTEM \"PHOTO03.DTD\">\n"
+                              "<photodata><基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
+                              "<適用要領基準>土木200406-01</適用要領基準></基礎情報>" +
+                                  photos + "</photodata>");
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
+        QVERIFY2(document, qPrintable(factory.GetLoadError()));
+        QCOMPARE(document->GetTotalCountPhoto(), 3);
+        const ToviItemDef* def = document->GetItemDef();
+        const int title = def->GetIndexFromTitle(QStringLiteral("写真タイトル"));
+        const int place = def->GetIndexFromTitle(QStringLiteral("撮影箇所"));
+        const int frequency = def->GetIndexFromTitle(QStringLiteral("提出頻度写真"));
+        for (int n = 1; n <= 3; ++n) {
+            const ToviPhoto* photo = document->GetPhotoActualPhotoArray(n - 1);
+            QCOMPARE(photo->GetTitle(title), QStringLiteral("T%1").arg(n));
+            QCOMPARE(photo->GetTitle(place), n == 1 ? QString() : QStringLiteral("No.%1").arg(n));
+            QCOMPARE(photo->GetTitle(frequency), QStringLiteral("1"));
+        }
+    }
+
     // A folder without PHOTO.XML: the document comes back unloaded, error type 1.
     void missingFolderOrFile() {
         for (const QString& folder : {temp.filePath(QStringLiteral("nowhere")), temp.path()}) {
