@@ -61,7 +61,7 @@ inline QString PhotoXmlText(const QStringList& photos) {
         const QList<QPair<QString, QString>> spec = ParseSpec(photos[k]);
         auto named = [&spec](const char* tag) {
             for (const auto& pair : spec) {
-                if (pair.first == QLatin1String(tag)) {
+                if (pair.first == QString::fromUtf8(tag)) {
                     return true;
                 }
             }
@@ -138,9 +138,8 @@ inline std::unique_ptr<ToviData> Open(ToviHostDocument* host, const QString& fol
 // (it gives every single element an item), but a document may hold it all the same.
 inline void AppendBarePhoto(ToviData& document) {
     ToviItemArray items;
-    items.append(
-        ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
-                 QStringLiteral("bare")));
+    items.append(ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
+                          QStringLiteral("bare")));
     document.GetPhotoDataArray()->append(new ToviPhoto(&document, items));
 }
 

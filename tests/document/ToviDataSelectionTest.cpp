@@ -18,8 +18,8 @@ using review::RecordingHost;
 namespace {
 
 // Work type tree [A{0}[B{1}],C{2}]; shooting dates 04-03, 04-01, 04-02.
-const QStringList kPhotos{"工種=A;撮影年月日=2024-04-03",
-                          "工種=A;種別=B;撮影年月日=2024-04-01", "工種=C;撮影年月日=2024-04-02"};
+const QStringList kPhotos{"工種=A;撮影年月日=2024-04-03", "工種=A;種別=B;撮影年月日=2024-04-01",
+                          "工種=C;撮影年月日=2024-04-02"};
 
 }  // namespace
 
@@ -67,20 +67,25 @@ class ToviDataSelectionTest : public QObject {
         QTest::addColumn<QList<int>>("current");
         QTest::addColumn<QList<int>>("hints");
         const QList<int> selection{ToviData::HintSelectionChanged};
-        QTest::newRow("same node, not forced") << "A" << "A" << false << false
-                                               << QList<int>{2} << QList<int>{};
-        QTest::newRow("same node, forced")
-            << "A" << "A" << true << false << QList<int>{0, 1} << selection;
+        QTest::newRow("same node, not forced")
+            << "A"
+            << "A" << false << false << QList<int>{2} << QList<int>{};
+        QTest::newRow("same node, forced") << "A"
+                                           << "A" << true << false << QList<int>{0, 1} << selection;
         QTest::newRow("root again, not forced")
-            << "-" << "" << false << false << QList<int>{2} << QList<int>{};
-        QTest::newRow("another node") << "A" << "A/B" << false << false << QList<int>{1}
-                                      << selection;
+            << "-"
+            << "" << false << false << QList<int>{2} << QList<int>{};
+        QTest::newRow("another node") << "A"
+                                      << "A/B" << false << false << QList<int>{1} << selection;
         QTest::newRow("the root, in tree order")
-            << "A" << "" << false << false << QList<int>{0, 1, 2} << selection;
+            << "A"
+            << "" << false << false << QList<int>{0, 1, 2} << selection;
         QTest::newRow("the root, sorted")
-            << "A" << "" << false << true << QList<int>{1, 2, 0} << selection;
+            << "A"
+            << "" << false << true << QList<int>{1, 2, 0} << selection;
         QTest::newRow("same node forced, sorted")
-            << "A" << "A" << true << true << QList<int>{1, 0} << selection;
+            << "A"
+            << "A" << true << true << QList<int>{1, 0} << selection;
     }
     void selectNode() {
         QFETCH(QString, before);
@@ -210,8 +215,8 @@ class ToviDataSelectionTest : public QObject {
         QTest::addColumn<QString>("nodeAfter");  // "!" for the failure
         QTest::addColumn<int>("photoAfter");
         QTest::addColumn<QList<int>>("hints");
-        QTest::newRow("photograph on a node") << "C" << 1 << false << "A/B" << 1
-                                              << QList<int>{ToviData::HintSelectionChanged};
+        QTest::newRow("photograph on a node")
+            << "C" << 1 << false << "A/B" << 1 << QList<int>{ToviData::HintSelectionChanged};
         QTest::newRow("its node already selected")
             << "A/B" << 1 << false << "A/B" << 1 << QList<int>{};
         QTest::newRow("nothing selected")

@@ -84,8 +84,7 @@ class ToviDataTreeTest : public QObject {
             << QList<int>{1, 0};
         QTest::newRow("type 0 adds the class levels")
             << 0
-            << QStringList{"写真区分=施工状況写真;工種=A", "工種=A", "写真-大分類=;工種=A",
-                           "工種="}
+            << QStringList{"写真区分=施工状況写真;工種=A", "工種=A", "写真-大分類=;工種=A", "工種="}
             << "[工事{3}[施工状況写真[A{0}],【未記入】[A{1}]],【未記入】[【未記入】[A{2}]]]"
             << QList<int>{3, 0, 1, 2};
         QTest::newRow("type 1 by shooting place, blank at once")

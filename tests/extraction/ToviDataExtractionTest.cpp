@@ -122,14 +122,6 @@ class ToviDataExtractionTest : public QObject {
     }
 
   private slots:
-    void debugItems() {
-        std::unique_ptr<ToviData> doc = Open();
-        for (int k : {1, 2}) {
-            for (const ToviItem& item : doc->GetPhotoActualPhotoArray(k)->GetItems()) {
-                qDebug() << k << doc->GetItemDef()->GetTitleFromIndex(item.GetDefIndex()) << item.Value();
-            }
-        }
-    }
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
@@ -147,9 +139,9 @@ class ToviDataExtractionTest : public QObject {
             }
             QFile file(path);
             QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(file.setFileTime(
-                QDateTime(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0)),
-                QFileDevice::FileModificationTime));
+            QVERIFY(
+                file.setFileTime(QDateTime(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0)),
+                                 QFileDevice::FileModificationTime));
         }
     }
 
@@ -165,6 +157,7 @@ class ToviDataExtractionTest : public QObject {
         QTest::newRow("NG and not checked") << "ng;notcheck" << QList<int>{};
         QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{0, 1, 3, 4, 5};
         QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5};
+        QTest::newRow("key or no Exif") << "key;noexif;or" << QList<int>{0, 1, 2, 3, 5};
         QTest::newRow("required item stored empty") << "required" << QList<int>{2, 4};
         QTest::newRow("item equal") << "item:工種=土工" << QList<int>{0, 2, 4};
         QTest::newRow("item case matters") << "item:工種=ABC" << QList<int>{};
@@ -188,8 +181,7 @@ class ToviDataExtractionTest : public QObject {
         QTest::newRow("NG, item and file date")
             << "ng;item:工種=土工;filedate:2024-02-01..2024-02-29" << QList<int>{4};
         QTest::newRow("key and date") << "key;date:2024-04-02..2024-04-30" << QList<int>{2};
-        QTest::newRow("key or date") << "key;date:2024-04-05..2024-04-10;or"
-                                     << QList<int>{0, 1, 2};
+        QTest::newRow("key or date") << "key;date:2024-04-05..2024-04-10;or" << QList<int>{0, 1, 2};
     }
     void conditions() {
         QFETCH(QString, conditions);
@@ -260,8 +252,7 @@ class ToviDataExtractionTest : public QObject {
         QTest::addColumn<QString>("conditions");
         QTest::addColumn<bool>("skipped");
         QTest::newRow("AND, the date decides") << "date:2024-01-01..2024-12-31" << true;
-        QTest::newRow("OR, the date decides") << "notcheck;date:2024-01-01..2024-12-31;or"
-                                              << true;
+        QTest::newRow("OR, the date decides") << "notcheck;date:2024-01-01..2024-12-31;or" << true;
         QTest::newRow("OR, NG held before the date")
             << "ng;date:2024-01-01..2024-12-31;or" << false;
         QTest::newRow("AND, rejected before the date")
@@ -339,16 +330,14 @@ class ToviDataExtractionTest : public QObject {
         QTest::addColumn<QList<int>>("hints");
         QTest::addColumn<QList<int>>("told");
         const QList<int> selection{ToviData::HintSelectionChanged};
-        QTest::newRow("off, no argument, rebuilds") << false << -1 << kRootOrder << selection
-                                                    << QList<int>{};
+        QTest::newRow("off, no argument, rebuilds")
+            << false << -1 << kRootOrder << selection << QList<int>{};
         QTest::newRow("on, no argument, rebuilds unfiltered")
             << true << -1 << kRootOrder << selection << QList<int>{};
         QTest::newRow("off, with a value, nothing happens")
             << false << 1 << QList<int>{5} << QList<int>{} << QList<int>{};
-        QTest::newRow("on, value 0") << true << 0 << QList<int>{5} << QList<int>{}
-                                     << QList<int>{0};
-        QTest::newRow("on, value 1") << true << 1 << QList<int>{5} << QList<int>{}
-                                     << QList<int>{1};
+        QTest::newRow("on, value 0") << true << 0 << QList<int>{5} << QList<int>{} << QList<int>{0};
+        QTest::newRow("on, value 1") << true << 1 << QList<int>{5} << QList<int>{} << QList<int>{1};
     }
     void cancelExtraction() {
         QFETCH(bool, on);

@@ -45,8 +45,7 @@ class ToviDataLabelsTest : public QObject {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
         folder = temp.filePath(QStringLiteral("delivery"));
-        QVERIFY(review::WritePhotoXml(folder,
-                                      {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}));
+        QVERIFY(review::WritePhotoXml(folder, {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}));
     }
 
     // The photograph takes any combination of labels: keeping OK and NG apart and the comment
@@ -58,21 +57,28 @@ class ToviDataLabelsTest : public QObject {
         QTest::addColumn<bool>("ok");
         QTest::addColumn<bool>("ng");
         QTest::addColumn<bool>("notChecked");
-        QTest::newRow("OK pasted over NG") << "+1 +0" << "01" << true << true << false;
-        QTest::newRow("NG pasted over OK") << "+0 +2" << "02" << true << true << false;
-        QTest::newRow("comment label alone") << "+4" << "4" << false << false << true;
-        QTest::newRow("free label alone") << "+5" << "5" << false << false << true;
-        QTest::newRow("slot 6 pasted") << "+6" << "" << false << false << true;
-        QTest::newRow("slot 6 removed") << "+3 -6" << "3" << false << true << false;
-        QTest::newRow("comment without its label") << "c" << "c" << false << false << true;
-        QTest::newRow("comment label removed, comment kept") << "+4 c -4" << "c" << false << false
-                                                             << true;
-        QTest::newRow("remove all empties the comment")
-            << "+0 +1 +4 +5 c x" << "" << false << false << true;
-        QTest::newRow("not checked keeps 4, 5 and the comment")
-            << "+0 +3 +4 +5 c k" << "45c" << false << false << true;
-        QTest::newRow("all OK keeps 4 and the comment")
-            << "+2 +3 +4 c o" << "04c" << true << false << false;
+        QTest::newRow("OK pasted over NG") << "+1 +0"
+                                           << "01" << true << true << false;
+        QTest::newRow("NG pasted over OK") << "+0 +2"
+                                           << "02" << true << true << false;
+        QTest::newRow("comment label alone") << "+4"
+                                             << "4" << false << false << true;
+        QTest::newRow("free label alone") << "+5"
+                                          << "5" << false << false << true;
+        QTest::newRow("slot 6 pasted") << "+6"
+                                       << "" << false << false << true;
+        QTest::newRow("slot 6 removed") << "+3 -6"
+                                        << "3" << false << true << false;
+        QTest::newRow("comment without its label") << "c"
+                                                   << "c" << false << false << true;
+        QTest::newRow("comment label removed, comment kept") << "+4 c -4"
+                                                             << "c" << false << false << true;
+        QTest::newRow("remove all empties the comment") << "+0 +1 +4 +5 c x"
+                                                        << "" << false << false << true;
+        QTest::newRow("not checked keeps 4, 5 and the comment") << "+0 +3 +4 +5 c k"
+                                                                << "45c" << false << false << true;
+        QTest::newRow("all OK keeps 4 and the comment") << "+2 +3 +4 c o"
+                                                        << "04c" << true << false << false;
     }
     void photographLabels() {
         QFETCH(QString, steps);
@@ -208,12 +214,12 @@ class ToviDataLabelsTest : public QObject {
             << false << ok << 2 << "all" << false << false << before;
         QTest::newRow("cancel in the question")
             << true << cancel << 2 << "all" << false << false << before;
-        QTest::newRow("OK labels") << true << ok << 0 << "all" << true << true
-                                   << QStringList{"0", "0", "15", "04c", "2"};
-        QTest::newRow("back to not checked") << true << ok << 1 << "all" << true << true
-                                             << QStringList{"", "", "5", "4c", ""};
-        QTest::newRow("remove everything") << true << ok << 2 << "all" << true << true
-                                           << QStringList{"", "", "", "", ""};
+        QTest::newRow("OK labels")
+            << true << ok << 0 << "all" << true << true << QStringList{"0", "0", "15", "04c", "2"};
+        QTest::newRow("back to not checked")
+            << true << ok << 1 << "all" << true << true << QStringList{"", "", "5", "4c", ""};
+        QTest::newRow("remove everything")
+            << true << ok << 2 << "all" << true << true << QStringList{"", "", "", "", ""};
         QTest::newRow("OK labels, nothing on show")
             << true << ok << 0 << "nothing" << false << true << before;
         QTest::newRow("not checked, nothing on show")
@@ -272,20 +278,6 @@ class ToviDataLabelsTest : public QObject {
         }
         // The comment flag waits for the next look at the current array.
         QCOMPARE(doc->HasComment(), hadComment);
-    }
-
-    // A second batch with the flag already set and a refusal leaves it set: the flag only
-    // ever goes up here.
-    void refusalKeepsAnEarlierChange() {
-        ScriptedUi ui;
-        ScopedUi scope(ui);
-        std::unique_ptr<ToviData> doc = Open();
-        QVERIFY(doc);
-        doc->SetCheckStatusChanged(true);
-        ui.QueueDialog(false);
-        QVERIFY(!doc->AllLabelCorrection());
-        QVERIFY(doc->IsCheckStatusChanged());
-        QVERIFY(host.hints.isEmpty());
     }
 };
 
