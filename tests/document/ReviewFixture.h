@@ -30,9 +30,9 @@ class RecordingHost : public ToviHostDocument {
 
 // "工種=A;種別=;!写真-大分類" as (tag, value) pairs: "種別=" writes an empty element, and
 // "!tag" leaves a required element out (value "!").
-inline QList<QPair<QString, QString>> ParseSpec(const QString& spec) {
+inline QList<QPair<QString, QString>> ParseElements(const QString& text) {
     QList<QPair<QString, QString>> pairs;
-    for (const QString& part : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    for (const QString& part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         if (part.startsWith(QLatin1Char('!'))) {
             pairs.append({part.mid(1), QStringLiteral("!")});
             continue;
@@ -47,9 +47,9 @@ inline QString ImageName(int k) {
     return QString::asprintf("P%07d.JPG", k + 1);
 }
 
-// The PHOTO.XML text of one photograph per spec, elements in the order the DTD requires.
-// Required elements the spec doesn't name get a plain value; optional ones are left out.
-// The 付加情報 block is written when the spec names one of its elements.
+// The PHOTO.XML text of one photograph per entry, elements in the order the DTD requires.
+// Required elements an entry doesn't name get a plain value; optional ones are left out.
+// The 付加情報 block is written when the entry names one of its elements.
 inline QString PhotoXmlText(const QStringList& photos) {
     QString xml = QStringLiteral(
         "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
@@ -58,28 +58,28 @@ inline QString PhotoXmlText(const QStringList& photos) {
         "<基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
         "<適用要領基準>土木202303-01</適用要領基準></基礎情報>\n");
     for (int k = 0; k < photos.size(); ++k) {
-        const QList<QPair<QString, QString>> spec = ParseSpec(photos[k]);
-        auto named = [&spec](const char* tag) {
-            for (const auto& pair : spec) {
+        const QList<QPair<QString, QString>> given = ParseElements(photos[k]);
+        auto named = [&given](const char* tag) {
+            for (const auto& pair : given) {
                 if (pair.first == QString::fromUtf8(tag)) {
                     return true;
                 }
             }
             return false;
         };
-        auto leaf = [&spec, &xml](const char* tag, const QString& fallback = QString()) {
+        auto leaf = [&given, &xml](const char* tag, const QString& fallback = QString()) {
             const QString name = QString::fromUtf8(tag);
-            bool given = false;
-            for (const auto& [key, value] : spec) {
+            bool written = false;
+            for (const auto& [key, value] : given) {
                 if (key != name) {
                     continue;
                 }
-                given = true;
+                written = true;
                 if (value != QLatin1String("!")) {
                     xml += QStringLiteral("<%1>%2</%1>").arg(name, value.toHtmlEscaped());
                 }
             }
-            if (!given && !fallback.isNull()) {
+            if (!written && !fallback.isNull()) {
                 xml += QStringLiteral("<%1>%2</%1>").arg(name, fallback);
             }
         };
