@@ -2,8 +2,6 @@
 
 #include "document/ToviData.h"
 #include "document/ToviHostDocument.h"
-#include "extraction/ToviSortCondition.h"
-#include "review/ToviLabelManager.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/MibFile.h"
 
@@ -123,9 +121,8 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
         PrintError(ErrorLine(error, options, *document));
         return nullptr;
     }
-    // The label names and the sort condition write themselves back to the profile when the
-    // document goes: read them first, so that what goes back is what was there.
-    document->GetLabelManager()->Load(nullptr);
-    document->GetSortConditionObject()->Load();
+    // The settings write themselves back to the profile when the document goes: read them
+    // first, so that what goes back is what was there.
+    document->Load();
     return document;
 }

@@ -3,6 +3,7 @@
 
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
+#include "imagefacts/ToviControlValueArray.h"
 
 namespace {
 
@@ -17,6 +18,26 @@ void WriteItems(JsonWriter& json, const ToviItemDef* def, const ToviItemArray& i
         json.Key("value");
         json.Value(item.Value());
         json.EndObject();
+    }
+    json.EndArray();
+}
+
+// [[name, design, actual, difference], ...]; null when the text does not parse, so that a
+// script tells a text to be shown as it stands from one without values.
+void WriteControlValues(JsonWriter& json, const ToviPhoto& photo) {
+    ToviControlValueArray rows;
+    if (!photo.GetControlValueArray(rows)) {
+        json.Null();
+        return;
+    }
+    json.BeginArray();
+    for (const ToviControlValueRow& row : rows) {
+        json.BeginArray();
+        json.Value(row.name);
+        json.Value(row.design);
+        json.Value(row.actual);
+        json.Value(row.difference);
+        json.EndArray();
     }
     json.EndArray();
 }
@@ -77,6 +98,8 @@ QByteArray InfoJson(const OpenOptions& options, ToviData& document) {
         json.EndArray();
         json.Key("items");
         WriteItems(json, def, photo->GetItems());
+        json.Key("controlValues");
+        WriteControlValues(json, *photo);
         json.EndObject();
     }
     json.EndArray();

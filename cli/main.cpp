@@ -7,6 +7,7 @@
 int RunInfo(QStringList args);
 int RunTree(QStringList args);
 int RunList(QStringList args);
+int RunExif(QStringList args);
 
 namespace {
 
@@ -23,6 +24,7 @@ const char kUsage[] =
     "    抽出条件: --key-photo --ng --not-checked --no-exif --required-missing\n"
     "              --item 項目名=値 (3 つまで; 値 【未記入】 は空の値) --date FROM..TO\n"
     "              --date-kind 0|1 (0 撮影年月日, 1 ファイル更新日) --or (いずれかに合う写真)\n"
+    "  tovi exif FILE [--json]   画像ファイルの Exif 情報とファイル情報を表示する\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -48,6 +50,9 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("list")) {
         return RunList(args);
+    }
+    if (command == QLatin1String("exif")) {
+        return RunExif(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

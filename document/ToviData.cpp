@@ -6,19 +6,25 @@
 #include "platform/MibFile.h"
 #include "platform/ToviCheck.h"
 #include "review/ToviLabelManager.h"
+#include "settings/ToviItemManager.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
 
 #include <QSet>
 
 ToviData::ToviData(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type)
     : rootPath(path), hostDocument(hostDocument) {
+    visualSetting.reset(OnCreateVisualSettings());
     sortCondition.reset(OnCreateSortCondition());
     labelManager = std::make_unique<ToviLabelManager>();
+    itemManager = std::make_unique<ToviItemManager>();
     errorType = itemDef.Load(path, type);
 }
 
 ToviData::~ToviData() {
     // The settings objects save themselves as they go, in this order.
     labelManager.reset();
+    itemManager.reset();
+    visualSetting.reset();
     sortCondition.reset();
 }
 

@@ -15,8 +15,10 @@
 class QObject;
 class QWidget;
 class ToviHostDocument;
+class ToviItemManager;
 class ToviLabelManager;
 class ToviPhoto;
+class ToviPhotoCtrlVisualSetting;
 class ToviSortCondition;
 
 // One open delivery: its photographs (the actual array), its management items, the
@@ -151,6 +153,26 @@ public:
     // Empties the current array (sorting it when sorting is on); hint 4 when update is set.
     void SetCurPhotoArray(bool unused, bool update);
 
+    // ---- settings ---------------------------------------------------------------------------
+    ToviPhotoCtrlVisualSetting& GetVisualSetting() { return *visualSetting; }
+    const ToviPhotoCtrlVisualSetting& GetVisualSetting() const { return *visualSetting; }
+    virtual ToviItemManager* GetItemManager() { return itemManager.get(); }
+    // Takes over a setting; the information-list entries always come from the item manager.
+    // When forced, or when the tamper-check terms changed, the edit-check hook runs.
+    void SetVisualSetting(const ToviPhotoCtrlVisualSetting& setting, bool force);
+    // Copies the labels, and the item entries too when withItems is set.
+    virtual void SetManager(const ToviLabelManager& labels, const ToviItemManager& items,
+                            bool withItems);
+    // Replaces the item manager by an empty one.
+    virtual void Initialize();
+    // Reads the saved settings after a load and derives the information-list entries from this
+    // delivery's definitions: the defaults for a new kind of delivery, otherwise everything but
+    // the saved hidden titles. Always true.
+    virtual bool Load();
+    // The camera types of an EditCheckTypes text: its first 19 characters cut at ",", each
+    // piece read like atoi and cut to its low eight bits; empty pieces are skipped.
+    static QList<int> ParseEditCheckTypes(const QString& types);
+
     ToviPhotoRef& CurrentArray() { return curPhotos; }
     const ToviPhotoRef& CurrentArray() const { return curPhotos; }
 
@@ -161,6 +183,11 @@ public:
 
 protected:
     virtual ToviSortCondition* OnCreateSortCondition();
+    virtual ToviPhotoCtrlVisualSetting* OnCreateVisualSettings();
+    // Called by SetVisualSetting when the tamper-check terms changed (or it was forced), with
+    // the camera types of the new setting: where the tamper-check chain is to be rebuilt.
+    // Does nothing in this class for now.
+    virtual void OnEditCheckTermsChanged(const QList<int>& cameraTypes);
     void BuildTreeNodeForKousyu(int treeType);
     void BuildTreeNodeForSatsueikasyo();
     // Depth first from from, a node before its children: the first node holding photoIndex.
@@ -184,8 +211,10 @@ private:
     ToviPhotoRef curPhotos;
     ToviNode* selectedNode = nullptr;
     int selectedLabel = -1;
+    std::unique_ptr<ToviPhotoCtrlVisualSetting> visualSetting;
     std::unique_ptr<ToviLabelManager> labelManager;
     std::unique_ptr<ToviSortCondition> sortCondition;
+    std::unique_ptr<ToviItemManager> itemManager;
     ToviItemDef itemDef;
     int selectedPhoto = -1;
     bool checkStatusChanged = false;

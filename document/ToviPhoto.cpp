@@ -342,11 +342,3 @@ void ToviPhoto::CorrectAllOK() {
 void ToviPhoto::CorrectAllNotCheck() {
     labels[0] = labels[1] = labels[2] = labels[3] = false;
 }
-
-bool ToviPhoto::CheckExif() {
-    if (exifState != -1) {
-        return exifState == 1;
-    }
-    exifState = LumImage::HasExifVersion(GetImagePath()) ? 1 : 0;
-    return exifState == 1;
-}

@@ -2,6 +2,7 @@
 
 #include "document/ToviItemArray.h"
 #include "document/ToviTextPairArray.h"
+#include "imagefacts/ToviExifInfo.h"
 #include "platform/LumImage.h"
 
 #include <QList>
@@ -10,8 +11,10 @@
 
 #include <array>
 
+class ToviControlValueArray;
 class ToviData;
 class ToviItemDef;
+class ToviItemShowSettings;
 
 // One photograph of the delivery: its items from PHOTO.XML, the paths of its image and
 // reference drawings, the inspector's labels and comment, and the decoded picture.
@@ -75,6 +78,12 @@ public:
     // The items shown in the main list or the zoom view, titled by the definitions.
     bool GetTextPairs(const ToviItemDef* def, ToviTextPairArray& pairs) const;
 
+    // Information list as the display settings want it
+    // pairs is emptied, then gets one row per shown entry, in the settings' order: every value
+    // of a delivery item, or the file or Exif fact of that title. False when it stays empty.
+    bool GetTextPairs(const ToviItemDef* def, const ToviItemShowSettings& settings,
+                      ToviTextPairArray& pairs) const;
+
     bool IsOK() const { return labels[0]; }
     bool HasNGLabel() const { return labels[1] || labels[2] || labels[3]; }
     // 未検査: none of OK, NG1, NG2, NG3; the comment and free labels don't count.
@@ -82,8 +91,16 @@ public:
     void CorrectAllOK();
     void CorrectAllNotCheck();
 
+    // ---- Exif and file facts (imagefacts/ToviPhotoExif.cpp) ----
     // Whether the image file carries Exif (its version can be read); asked once and kept.
     bool CheckExif();
+    // Reads the Exif groups once (building the path first when it is empty).
+    void LoadExif();
+    const ToviExifInfo& GetExif();
+    // An Exif value by its display title, from the groups LoadExif read; empty when unknown.
+    void GetExifInfoFromTitle(const QString& title, QString& value) const;
+    // A fact of the image file itself by its display title, read anew on every call.
+    void GetFileInfoFromTitle(const QString& title, QString& value) const;
 
     bool IsImageLoaded() const { return imageLoaded; }
     bool IsThumbLoaded() const { return thumbLoaded; }
@@ -96,6 +113,11 @@ public:
     void SetEditChkResult(EditJPEGCheckResult result) { editResult = result; }
     // The local modification date of the image file as "YYYY-MM-DD"; empty when missing.
     QString GetFileRenewalDate();
+
+    // Control values (施工管理値)
+    // False when the item's text does not parse; otherwise out holds one row per value, none
+    // for a photograph without the item.
+    bool GetControlValueArray(ToviControlValueArray& out) const;
 
 protected:
     std::array<bool, kLabelCount> labels{};
@@ -116,6 +138,7 @@ private:
     bool rebuilding = false;
     ToviItemArray items;
     int exifState = -1;
+    ToviExifInfo exif;
     bool selected = false;
     LumImage image;
     bool thumbLoaded = false;

@@ -3,6 +3,38 @@
 #include <QImage>
 #include <QString>
 
+// The Exif fields GetComment answers for. The texts have one fixed layout each: dates
+// "2024/05/01 09:30:00", exposure "1/250 秒", apertures and F numbers "F2.8", focal length
+// "4.5 mm", exposure bias "+0.3 EV", latitude and longitude "N 35°39'29.16\"", altitude
+// "12.3 m", flash and metering in the Exif library's English wording, version "2.30", size
+// "4000 x 3000" and pixel count "12000000". Reports print them as they stand.
+enum LumCMNT : int {
+    LumCmntArtist = 0,
+    LumCmntCopyright = 1,
+    LumCmntDateTime = 2,
+    LumCmntMake = 5,
+    LumCmntModel = 6,
+    LumCmntSoftware = 9,
+    LumCmntExifVersion = 10,
+    LumCmntDateTimeOriginal = 11,
+    LumCmntDateTimeDigitized = 12,
+    LumCmntShutterSpeedValue = 13,
+    LumCmntApertureValue = 14,
+    LumCmntExposureBiasValue = 16,
+    LumCmntMaxApertureValue = 17,
+    LumCmntMeteringMode = 19,
+    LumCmntFlash = 21,
+    LumCmntFocalLength = 22,
+    LumCmntExposureTime = 23,
+    LumCmntFNumber = 24,
+    LumCmntGPSLatitude = 28,
+    LumCmntGPSLongitude = 29,
+    LumCmntGPSAltitude = 30,
+    LumCmntImageSize = 31,
+    LumCmntPixelCount = 32,
+    LumCmntCount = 33,
+};
+
 // One picture in memory: a photograph, its thumbnail or a rendered SVG drawing. A value type;
 // copies share the pixels until one of them changes. Every failure (missing file, truncated
 // or unreadable data) answers false and leaves the object empty, without a message.
@@ -28,9 +60,16 @@ class LumImage {
     // there is no picture or it is not 1-bit.
     bool ConvGrayScaleFromMono();
 
-    // Whether the file's Exif version can be read: what "the photograph has Exif" means.
-    // Reads the metadata only.
-    static bool HasExifVersion(const QString& path);
+    // ---- Exif text and file facts (platform/LumExif.cpp) ----
+    // The ready-to-show text of one Exif field (see LumCMNT); false when the file has no such
+    // field, no Exif, or cannot be read. The whole metadata of the last file asked is kept,
+    // so the codes of one file cost one read until the file changes.
+    static bool GetComment(const QString& path, int code, QString& text);
+    // Width and height as the file's header states them; the picture is not decoded.
+    static bool GetCommentImageSize(const QString& path, int& width, int& height);
+    // Writes the JPEG main image of an SVG photograph (the first <image> element holding a
+    // JPEG as a base64 data URI) to outPath; false, and nothing written, when there is none.
+    static bool GetMainImageFromSvg(const QString& svgPath, const QString& outPath);
 
   private:
     bool Assign(QImage decoded);

@@ -67,7 +67,14 @@ QString ToviProfile::GetProfileString(const QString& section, const QString& ent
         return defaultValue;
     }
     const QVariant value = settings->value(Key(section, entry));
-    return value.isValid() ? value.toString() : defaultValue;
+    if (!value.isValid()) {
+        return defaultValue;
+    }
+    // A hand-edited INI line "a,b" without quotes reads back as a list; it is the text a,b.
+    if (value.typeId() == QMetaType::QStringList) {
+        return value.toStringList().join(QLatin1Char(','));
+    }
+    return value.toString();
 }
 
 bool ToviProfile::WriteProfileString(const QString& section, const QString& entry,

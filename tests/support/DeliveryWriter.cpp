@@ -287,20 +287,50 @@ QString Signed(int value) {
     return value > 0 ? QStringLiteral("+%1").arg(value) : QString::number(value);
 }
 
+// 施工管理値 as site staff type it: mostly "幅:設計値 500・実測値 505・差 +5" parts joined by
+// "、", some in the other spellings the viewer reads (no blank, 設計/実測 alone, 寸法), and some
+// that it cannot read and shows as they stand: a full-width colon (a bare name), the standard
+// tolerance written first, or numbers without their words.
 QString ControlValue(Rng& rng) {
+    enum Style { Usual, NoBlank, ShortWords, Dimension, FullWidthColon, ToleranceFirst, Bare };
+    const std::array<int, 7> weights = {55, 10, 8, 7, 5, 8, 7};
+    const std::array<const char*, 7> patterns = {"{n}:設計値 {d}・実測値 {a}・差 {x}",
+                                                 "{n}:設計値{d}・実測値{a}・差{x}",
+                                                 "{n}:設計 {d}・実測 {a}",
+                                                 "{n}:設計寸法 {d}・実測寸法 {a}・差 {x}",
+                                                 "{n}：設計値 {d}・実測値 {a}・差 {x}",
+                                                 "{n}:規格値 ±{t}・設計値 {d}・実測値 {a}",
+                                                 "{n}:{d}・{a}・{x}"};
     const std::array<int, 6> designs = {300, 500, 1200, 1500, 2000, 3000};
+    // The draws on rng are the ones the generator always made, so that every later photograph
+    // of a delivery comes out as before; the spelling comes from a generator of its own.
     const int parts = rng.Range(1, 3);
+    const int firstMeasure = rng.Below(static_cast<int>(kMeasures.size()));
+    std::array<int, 3> design{};
+    std::array<int, 3> diff{};
+    quint64 mix = static_cast<quint64>(parts * 8 + firstMeasure);
+    for (size_t p = 0; p < static_cast<size_t>(parts); ++p) {
+        design[p] = rng.Pick(designs);
+        diff[p] = rng.Range(-10, 10);
+        mix = mix * 131 + static_cast<quint64>(design[p] * 32 + diff[p] + 10);
+    }
+    Rng spelling(SubSeed(static_cast<quint32>(mix), static_cast<int>(mix >> 32), 0xC0A7));
+    const int style = spelling.Weighted(weights);
+    // The unreadable spellings spoil one part only; the others keep the usual form.
+    const bool spoils = style == ToleranceFirst || style == Bare;
+    const int spoiled = spoils ? spelling.Below(parts) : -1;
+
     QStringList out;
-    int measure = rng.Below(static_cast<int>(kMeasures.size()));
     for (int p = 0; p < parts; ++p) {
-        const int design = rng.Pick(designs);
-        const int diff = rng.Range(-10, 10);
-        out << QStringLiteral("%1:設計値 %2・実測値 %3・差 %4")
-                   .arg(Text(kMeasures[static_cast<size_t>(measure)]))
-                   .arg(design)
-                   .arg(design + diff)
-                   .arg(Signed(diff));
-        measure = (measure + 1) % static_cast<int>(kMeasures.size());
+        const size_t at = static_cast<size_t>(p);
+        const int own = spoils && p != spoiled ? Usual : style;
+        const size_t measure = static_cast<size_t>(firstMeasure + p) % kMeasures.size();
+        out << Text(patterns[static_cast<size_t>(own)])
+                   .replace(QStringLiteral("{n}"), Text(kMeasures[measure]))
+                   .replace(QStringLiteral("{d}"), QString::number(design[at]))
+                   .replace(QStringLiteral("{a}"), QString::number(design[at] + diff[at]))
+                   .replace(QStringLiteral("{x}"), Signed(diff[at]))
+                   .replace(QStringLiteral("{t}"), QString::number(10 * spelling.Range(1, 5)));
     }
     return out.join(QStringLiteral("、"));
 }

@@ -1,0 +1,154 @@
+#pragma once
+
+// Files for the Exif tests: pictures, SVG photographs carrying a JPEG main image, Exif blocks
+// with one value overwritten, and a work folder of the test's own.
+
+#include "platform/ToviEnvironment.h"
+#include "tests/support/ExifJpegWriter.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QSettings>
+#include <QString>
+
+#include <functional>
+
+namespace exiffixture {
+
+inline QImage Picture(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(QColor(90, 140, 200));
+    QPainter painter(&image);
+    painter.fillRect(0, 0, size.width() / 2, size.height() / 2, Qt::yellow);
+    return image;
+}
+
+inline ExifFacts Facts(const std::function<void(ExifFacts&)>& change = {}) {
+    ExifFacts facts;
+    if (change) {
+        change(facts);
+    }
+    return facts;
+}
+
+inline bool WriteBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(bytes) == bytes.size() && file.flush();
+}
+
+inline QByteArray ReadBytes(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// An SVG photograph whose <image> refers to href, through the attribute given.
+inline QByteArray SvgWithHref(const QByteArray& href,
+                              const QByteArray& attribute = QByteArrayLiteral("xlink:href")) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<svg xmlns=\"http://www.w3.org/2000/svg\" "
+           "xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"64\" height=\"48\">\n"
+           "  <rect width=\"64\" height=\"48\" fill=\"#ffffff\"/>\n"
+           "  <image x=\"0\" y=\"0\" width=\"64\" height=\"48\" " +
+           attribute + "=\"" + href + "\"/>\n</svg>\n";
+}
+
+inline QByteArray JpegDataUri(const QByteArray& jpeg) {
+    return "data:image/jpeg;base64," + jpeg.toBase64();
+}
+
+// A JPEG with Exif made by the writer, as an SVG's main image.
+inline QByteArray SvgWithJpeg(const ExifFacts& facts) {
+    return SvgWithHref(JpegDataUri(MakeExifJpeg(Picture({64, 48}), facts)));
+}
+
+// Points the work folder at root/work for the test; the suite folder lies below it.
+inline void UseWorkFolder(const QString& root) {
+    QDir().mkpath(root + QStringLiteral("/work"));
+    const QString user = root + QStringLiteral("/user.ini");
+    {
+        QSettings settings(user, QSettings::IniFormat);
+        settings.setValue(QStringLiteral("QVScratch"), root + QStringLiteral("/work"));
+    }
+    ToviEnvironment::SetSettingsPathsForTesting(user, root + QStringLiteral("/system.ini"));
+}
+
+inline QString WorkFileOf(const QString& title) {
+    return ToviEnvironment::SuiteFolder() + QStringLiteral("QVフォトビューアー/") + title +
+           QStringLiteral("_Exif.JPEG");
+}
+
+inline void PutLe(QByteArray& bytes, qsizetype at, quint32 value, int size) {
+    for (int i = 0; i < size; ++i) {
+        bytes[at + i] = static_cast<char>((value >> (8 * i)) & 0xff);
+    }
+}
+
+inline quint32 GetLe32(const QByteArray& bytes, qsizetype at) {
+    quint32 value = 0;
+    for (int i = 3; i >= 0; --i) {
+        value = (value << 8) | static_cast<uchar>(bytes[at + i]);
+    }
+    return value;
+}
+
+// Position of the directory entry (tag, type, count) in the writer's little-endian Exif block,
+// and of the block's TIFF header; -1 when there is none.
+inline qsizetype FindEntry(const QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
+                           qsizetype* tiff) {
+    *tiff = jpeg.indexOf(QByteArray("Exif\0\0", 6));
+    if (*tiff < 0) {
+        return -1;
+    }
+    *tiff += 6;
+    QByteArray pattern(8, '\0');
+    PutLe(pattern, 0, tag, 2);
+    PutLe(pattern, 2, type, 2);
+    PutLe(pattern, 4, count, 4);
+    return jpeg.indexOf(pattern, *tiff);
+}
+
+// Overwrites the value of one entry with bytes of the same length; false when the entry is
+// not there.
+inline bool PatchValue(QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
+                       const QByteArray& value) {
+    qsizetype tiff = 0;
+    const qsizetype entry = FindEntry(jpeg, tag, type, count, &tiff);
+    if (entry < 0) {
+        return false;
+    }
+    const qsizetype at = value.size() <= 4 ? entry + 8 : tiff + GetLe32(jpeg, entry + 8);
+    if (at + value.size() > jpeg.size()) {
+        return false;
+    }
+    jpeg.replace(at, value.size(), value);
+    return true;
+}
+
+// Overwrites the count of one entry.
+inline bool PatchCount(QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
+                       quint32 newCount) {
+    qsizetype tiff = 0;
+    const qsizetype entry = FindEntry(jpeg, tag, type, count, &tiff);
+    if (entry < 0) {
+        return false;
+    }
+    PutLe(jpeg, entry + 4, newCount, 4);
+    return true;
+}
+
+inline QByteArray Rationals(std::initializer_list<std::pair<quint32, quint32>> values) {
+    QByteArray bytes;
+    for (const auto& [num, den] : values) {
+        QByteArray pair(8, '\0');
+        PutLe(pair, 0, num, 4);
+        PutLe(pair, 4, den, 4);
+        bytes += pair;
+    }
+    return bytes;
+}
+
+}  // namespace exiffixture

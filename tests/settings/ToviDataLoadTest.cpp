@@ -1,0 +1,506 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "extraction/ToviSortCondition.h"
+#include "loading/ToviItemDef.h"
+#include "platform/ToviProfile.h"
+#include "review/ToviLabelManager.h"
+#include "settings/ToviItemManager.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/support/ExifJpegWriter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+const QString kShowSection = QStringLiteral("ShowSetting");
+const QString kItems = QStringLiteral("Items");
+
+ToviProfile& Profile() {
+    return ToviProfile::Instance();
+}
+
+bool WriteFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// One section of READITEM.XML from "title:表示:必要度;..." rows.
+QString Section(const QString& name, const QString& rows) {
+    QString xml = QStringLiteral("<%1>").arg(name);
+    for (const QString& row : rows.split(QLatin1Char(';'))) {
+        const QStringList parts = row.split(QLatin1Char(':'));
+        xml += QStringLiteral(
+                   "<管理項目><タイトル>%1</タイトル><必要度>%3</必要度><表示>%2</表示>"
+                   "<データ数>0+</データ数><操作>Next</操作></管理項目>")
+                   .arg(parts[0], parts[1], parts[2]);
+    }
+    return xml + QStringLiteral("</%1>").arg(name);
+}
+
+// 国交省-20 (PHOTO05.DTD) offers six delivery items to the information list: 撮影箇所 and
+// 写真ファイルパス aren't MainList, and one MainList record has no title. 国交省-18
+// (PHOTO04.DTD) is another kind of delivery with other items.
+bool WriteReadItem(const QString& programFolder) {
+    const QString xml =
+        Section("国交省-20",
+                "写真ファイル名:MainList:必須;写真ファイルパス:Not:任意;写真タイトル:MainList:必須;"
+                ":MainList:任意;工種:MainList:任意;撮影箇所:ZoomDlg:任意;"
+                "施工管理値:MainList:任意;撮影年月日:MainList:必須;"
+                "写真区分:MainList:条件付き必須;請負者説明文:MainList:任意") +
+        Section("国交省-18", "写真ファイル名:MainList:必須;撮影箇所:MainList:任意");
+    return WriteFile(programFolder + QStringLiteral("/READITEM.XML"),
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<information>" + xml.toUtf8() +
+                         "</information>\n");
+}
+
+const QStringList kFileTitles = {"ファイルサイズ", "幅×高さ",      "総画素数",
+                                 "作成日時",       "最終更新日時", "読み取り専用"};
+const QStringList kExifTitles = {"幅×高さ(Exif)",
+                                 "総画素数(Exif)",
+                                 "撮影日時",
+                                 "緯度",
+                                 "経度",
+                                 "高度",
+                                 "ファイル変更日時",
+                                 "ディジタルデータの作成日時",
+                                 "画像入力機器のメーカー名",
+                                 "画像入力機器のモデル名",
+                                 "使用ソフトウェア名",
+                                 "作者名",
+                                 "撮影著作権者/編集著作権者",
+                                 "Exifバージョン",
+                                 "露出時間",
+                                 "シャッタースピード",
+                                 "絞り値",
+                                 "露光補正値",
+                                 "レンズ最少F値",
+                                 "測光方式",
+                                 "フラッシュ",
+                                 "レンズの焦点距離",
+                                 "Fナンバー"};
+
+// A list as "title=+|-/index/grade/kind" texts, for whole-list comparisons with readable
+// failures.
+QStringList Describe(const ToviItemShowSettings& list) {
+    QStringList out;
+    for (const ToviItemShowSetting& s : list) {
+        out.append(QStringLiteral("%1=%2/%3/%4/%5")
+                       .arg(s.title, s.bold ? QStringLiteral("+") : QStringLiteral("-"))
+                       .arg(s.index)
+                       .arg(static_cast<int>(s.grade))
+                       .arg(static_cast<int>(s.infoType)));
+    }
+    return out;
+}
+
+// The 国交省-20 list with the titles in hiddenTitles hidden and everything else shown; with
+// defaults set, the flags of a new kind of delivery instead.
+QStringList ExpectedMlit20(bool defaults, const QStringList& hiddenTitles = {}) {
+    struct Row {
+        const char* title;
+        int index;
+        int grade;
+        bool byDefault;
+    };
+    const Row items[] = {{"写真ファイル名", 0, 1, false}, {"写真タイトル", 2, 1, true},
+                         {"工種", 4, 3, false},           {"施工管理値", 6, 3, true},
+                         {"撮影年月日", 7, 1, true},      {"写真区分", 8, 2, false},
+                         {"請負者説明文", 9, 3, true}};
+    const QStringList fileShown = {"ファイルサイズ", "幅×高さ", "総画素数", "最終更新日時"};
+    const QStringList exifShown = {"幅×高さ(Exif)",
+                                   "総画素数(Exif)",
+                                   "撮影日時",
+                                   "緯度",
+                                   "経度",
+                                   "画像入力機器のメーカー名",
+                                   "画像入力機器のモデル名",
+                                   "使用ソフトウェア名"};
+    const auto line = [&](const QString& title, bool byDefault, int index, int grade, int kind) {
+        const bool shown = defaults ? byDefault : !hiddenTitles.contains(title);
+        return QStringLiteral("%1=%2/%3/%4/%5")
+            .arg(title, shown ? QStringLiteral("+") : QStringLiteral("-"))
+            .arg(index)
+            .arg(grade)
+            .arg(kind);
+    };
+    QStringList out;
+    for (const Row& row : items) {
+        out.append(line(QString::fromUtf8(row.title), row.byDefault, row.index, row.grade, 0));
+    }
+    for (const QString& title : kFileTitles) {
+        out.append(line(title, fileShown.contains(title), 10, 3, 1));
+    }
+    for (const QString& title : kExifTitles) {
+        out.append(line(title, exifShown.contains(title), 10, 3, 2));
+    }
+    return out;
+}
+
+// Records what the document hands to the tamper-check hook.
+class RecordingData : public ToviData {
+  public:
+    using ToviData::ToviData;
+    QList<QList<int>> calls;
+
+  protected:
+    void OnEditCheckTermsChanged(const QList<int>& cameraTypes) override {
+        calls.append(cameraTypes);
+    }
+};
+
+}  // namespace
+
+class ToviDataLoadTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        program = temp.filePath(QStringLiteral("program"));
+        QVERIFY(WriteReadItem(program));
+        ToviItemDef::SetProgramPathOverride(program);
+        mlit20 = WriteDelivery(QStringLiteral("mlit20"), "PHOTO05.DTD");
+        mlit18 = WriteDelivery(QStringLiteral("mlit18"), "PHOTO04.DTD");
+    }
+    void cleanupTestCase() { ToviItemDef::SetProgramPathOverride(QString()); }
+    void init() { Profile().UseFile(temp.filePath(QStringLiteral("p%1.ini").arg(++run))); }
+
+    // A new kind of delivery gets the default flags whatever was saved; the same kind again
+    // gets the saved hidden list, so a change made through the manager survives a restart.
+    // Another kind resets everything and overwrites the saved list.
+    void loadByKindOfDelivery() {
+        // Something hidden from an earlier delivery, and 施工管理値 switched off.
+        Profile().WriteProfileString(kShowSection, kItems, QStringLiteral("写真タイトル"));
+        Profile().WriteProfileString(QStringLiteral("VisualSetting"),
+                                     QStringLiteral("VisibleControlValue"), QStringLiteral("100"));
+        QStringList firstList;
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            QCOMPARE(doc.GetErrorType(), ReadErrNone);
+            QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            QVERIFY(doc.Load());
+            firstList = Describe(doc.GetItemManager()->GetItemShowSettings());
+            QCOMPARE(firstList, ExpectedMlit20(true));
+            QVERIFY(doc.GetVisualSetting().GetItemShowSettings() ==
+                    doc.GetItemManager()->GetItemShowSettings());
+            // The default list holds 施工管理値, which switches its panel on.
+            QVERIFY(doc.GetVisualSetting().GetVisibleControlValue());
+        }
+        QCOMPARE(Profile().GetProfileString(kShowSection, kItems, QString()),
+                 QStringLiteral("写真ファイル名,工種,写真区分,作成日時,読み取り専用,高度,"
+                                "ファイル変更日時,ディジタルデータの作成日時,作者名,"
+                                "撮影著作権者/編集著作権者,Exifバージョン,露出時間,"
+                                "シャッタースピード,絞り値,露光補正値,レンズ最少F値,測光方式,"
+                                "フラッシュ,レンズの焦点距離,Fナンバー"));
+
+        // Same kind again, nothing changed: the same list.
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            QVERIFY(doc.GetItemDef()->TypeIsCorresponding());
+            doc.Load();
+            QCOMPARE(Describe(doc.GetItemManager()->GetItemShowSettings()), firstList);
+
+            // The settings dialog's OK: the changed list goes through SetManager and is saved.
+            ToviItemManager changed = *doc.GetItemManager();
+            ToviItemShowSettings& list = changed.GetItemShowSettings();
+            list[list.Find(QStringLiteral("写真タイトル"))].Bold(false);
+            list[list.Find(QStringLiteral("高度"))].Bold(true);
+            doc.SetManager(*doc.GetLabelManager(), changed, true);
+            QVERIFY(doc.GetItemManager()->Save());
+            doc.GetVisualSetting().SetVisibleControlValue(false);
+        }
+        // Titles compare without regard to case; an unknown title simply drops out.
+        QString stored = Profile().GetProfileString(kShowSection, kItems, QString());
+        stored.replace(QStringLiteral("Exifバージョン"), QStringLiteral("EXIFバージョン"));
+        Profile().WriteProfileString(kShowSection, kItems, stored + QStringLiteral(",消えた項目"));
+        QStringList hidden = stored.split(QLatin1Char(','));
+        hidden.replaceInStrings(QStringLiteral("EXIFバージョン"), QStringLiteral("Exifバージョン"));
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            doc.Load();
+            QCOMPARE(Describe(doc.GetItemManager()->GetItemShowSettings()),
+                     ExpectedMlit20(false, hidden));
+            QCOMPARE(Describe(doc.GetVisualSetting().GetItemShowSettings()),
+                     ExpectedMlit20(false, hidden));
+            QVERIFY(doc.GetItemManager()->GetItemShowSettings().IsBold(QStringLiteral("高度")));
+            QVERIFY(!doc.GetItemManager()->GetItemShowSettings().IsBold(
+                QStringLiteral("写真タイトル")));
+            // A saved list doesn't touch the control-value panel.
+            QVERIFY(!doc.GetVisualSetting().GetVisibleControlValue());
+        }
+        QVERIFY(!Profile()
+                     .GetProfileString(kShowSection, kItems, QString())
+                     .contains(QStringLiteral("消えた項目")));
+
+        // Another kind: defaults, and the saved list is overwritten.
+        {
+            ToviData doc(nullptr, mlit18, PhotoXMLMlit);
+            QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            doc.Load();
+            const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
+            QCOMPARE(list.size(), 2 + kFileTitles.size() + kExifTitles.size());
+            QCOMPARE(Describe(list).mid(0, 2),
+                     (QStringList{"写真ファイル名=-/0/1/0", "撮影箇所=+/1/3/0"}));
+            QVERIFY(!list.IsBold(QStringLiteral("高度")));
+            QVERIFY(list.IsBold(QStringLiteral("緯度")));
+            QCOMPARE(list.at(2).index, 2);  // file facts sit one past the definitions
+        }
+        QVERIFY(!Profile()
+                     .GetProfileString(kShowSection, kItems, QString())
+                     .contains(QStringLiteral("写真タイトル")));
+    }
+
+    // Load also reads the label names, the visual setting and the sort condition.
+    void loadReadsTheOtherSettings() {
+        Profile().WriteProfileString(QStringLiteral("Label"), QStringLiteral("Label2"),
+                                     QStringLiteral("要確認"));
+        Profile().WriteProfileString(QStringLiteral("VisualSetting"), QStringLiteral("DivideType"),
+                                     QStringLiteral("103"));
+        Profile().WriteProfileString(QStringLiteral("Sort"), QStringLiteral("KeyItem"),
+                                     QStringLiteral("工種"));
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        QCOMPARE(doc.GetVisualSetting().GetDivType(), ToviPhotoCtrlVisualSetting::DivideThumbList);
+        doc.Load();
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(1).GetName(), QStringLiteral("要確認"));
+        QCOMPARE(doc.GetVisualSetting().GetDivType(), ToviPhotoCtrlVisualSetting::Divide4);
+        QCOMPARE(doc.GetSortCondition().GetKeyItem(), QStringLiteral("工種"));
+    }
+
+    // A document that never loaded its definitions still offers the file and Exif facts.
+    void loadWithoutDefinitions() {
+        ToviData doc(nullptr, temp.filePath(QStringLiteral("nowhere")), PhotoXMLMlit);
+        QCOMPARE(doc.GetErrorType(), ReadErrUnknownPhotoXml);
+        QVERIFY(doc.Load());
+        const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
+        QCOMPARE(list.size(), kFileTitles.size() + kExifTitles.size());
+        QCOMPARE(list.at(0).index, 0);
+    }
+
+    // The setting's item list always comes from the item manager; the hook runs when forced
+    // or when the tamper-check terms changed, with the parsed camera types.
+    void setVisualSetting_data() {
+        QTest::addColumn<bool>("check");
+        QTest::addColumn<QString>("types");
+        QTest::addColumn<bool>("force");
+        QTest::addColumn<bool>("hook");
+        // The document starts with the check off and types "1".
+        QTest::newRow("nothing changed") << false << "1" << false << false;
+        QTest::newRow("types changed while off") << false << "0,2" << false << false;
+        QTest::newRow("forced") << false << "1" << true << true;
+        QTest::newRow("switched on") << true << "1" << false << true;
+        QTest::newRow("switched on with other types") << true << "0,2,1" << false << true;
+    }
+    void setVisualSetting() {
+        QFETCH(bool, check);
+        QFETCH(QString, types);
+        QFETCH(bool, force);
+        QFETCH(bool, hook);
+        RecordingData doc(nullptr, mlit20, PhotoXMLMlit);
+        doc.Load();
+        const ToviItemShowSettings managed = doc.GetItemManager()->GetItemShowSettings();
+
+        ToviPhotoCtrlVisualSetting setting = doc.GetVisualSetting();
+        setting.SetDoEditCheck(check);
+        setting.SetEditCheckTypes(types);
+        setting.SetTreeType(ToviPhotoCtrlVisualSetting::TreeSatsueikasyo);
+        ToviItemShowSettings ignored;
+        ignored.Add(QStringLiteral("写真タイトル"), true, 2, Definition::GradeRequired,
+                    InfoTypeItem);
+        setting.SetItemShowSettings(ignored);
+        doc.SetVisualSetting(setting, force);
+
+        QCOMPARE(doc.GetVisualSetting().GetTreeType(),
+                 ToviPhotoCtrlVisualSetting::TreeSatsueikasyo);
+        QCOMPARE(doc.GetVisualSetting().GetEditCheckTypes(), types);
+        QVERIFY(doc.GetVisualSetting().GetItemShowSettings() == managed);
+        QCOMPARE(doc.calls.size(), hook ? 1 : 0);
+        if (hook) {
+            QCOMPARE(doc.calls.first(), ToviData::ParseEditCheckTypes(types));
+        }
+        // The same setting again changes nothing.
+        doc.calls.clear();
+        doc.SetVisualSetting(doc.GetVisualSetting(), false);
+        QCOMPARE(doc.calls.size(), 0);
+    }
+
+    // The first 19 characters, cut at commas, each read like atoi and kept to eight bits.
+    void parseEditCheckTypes_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QList<int>>("types");
+        QTest::newRow("one") << "1" << QList<int>{1};
+        QTest::newRow("chain order kept") << "0,2,1" << QList<int>{0, 2, 1};
+        QTest::newRow("empty") << "" << QList<int>{};
+        QTest::newRow("empty pieces skipped") << ",1,,2," << QList<int>{1, 2};
+        QTest::newRow("low eight bits") << "258,256" << QList<int>{2, 0};
+        QTest::newRow("negative wraps") << "-1" << QList<int>{255};
+        QTest::newRow("atoi reading") << " 2x,abc,+3" << QList<int>{2, 0, 3};
+        QTest::newRow("cut after 19 characters")
+            << "1,1,1,1,1,1,1,1,1,1,2" << QList<int>{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+        QTest::newRow("a number cut at 19") << "000000000000000012345" << QList<int>{123};
+    }
+    void parseEditCheckTypes() {
+        QFETCH(QString, text);
+        QTEST(ToviData::ParseEditCheckTypes(text), "types");
+    }
+
+    // SetManager copies the labels always and the items only when asked; Initialize leaves an
+    // empty item manager.
+    void setManagerAndInitialize() {
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        doc.Load();
+        const ToviItemShowSettings loaded = doc.GetItemManager()->GetItemShowSettings();
+        ToviLabelManager labels;
+        labels.GetLabelAttribute(0).SetName(QStringLiteral("合格"));
+        ToviItemManager items;
+        items.GetItemShowSettings().Add(QStringLiteral("工種"), true, 4, Definition::GradeOptional,
+                                        InfoTypeItem);
+        doc.SetManager(labels, items, false);
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(0).GetName(), QStringLiteral("合格"));
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings() == loaded);
+        doc.SetManager(labels, items, true);
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings() == items.GetItemShowSettings());
+        doc.Initialize();
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings().isEmpty());
+    }
+
+    // The settings end with the document and are what the next one reads.
+    void settingsSurviveTheDocument() {
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            doc.Load();
+            ToviPhotoCtrlVisualSetting setting = doc.GetVisualSetting();
+            setting.SetDivType(ToviPhotoCtrlVisualSetting::DivideManagementList);
+            setting.SetDoEditCheck(true);
+            setting.SetEditCheckTypes(QStringLiteral("0,1"));
+            doc.SetVisualSetting(setting, false);
+            ToviSortCondition sort;
+            sort.ExecSort(false);
+            sort.Ascending(false);
+            doc.SetSortCondition(sort);
+            QVERIFY(doc.GetSortCondition().IsAscending());
+            // An older copy made by a panel ends before the document does.
+            ToviPhotoCtrlVisualSetting stale;
+        }
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        doc.Load();
+        QCOMPARE(doc.GetVisualSetting().GetDivType(),
+                 ToviPhotoCtrlVisualSetting::DivideManagementList);
+        QVERIFY(doc.GetVisualSetting().GetDoEditCheck());
+        QCOMPARE(doc.GetVisualSetting().GetEditCheckTypes(), QStringLiteral("0,1"));
+    }
+
+    // Rows follow the settings' order, not the file's; hidden entries give none; a repeating
+    // item gives one per value; 撮影年月日 shows "/" for "-".
+    void textPairs_data() {
+        QTest::addColumn<QString>("settings");  // "title:kind:index:+|-;..."
+        QTest::addColumn<QStringList>("pairs");
+        QTest::addColumn<bool>("result");
+        QTest::newRow("settings decide the order")
+            << "工種:0:4:+;写真タイトル:0:2:+"
+            << QStringList{"工種=道路土工", "工種=舗装工", "写真タイトル=掘削状況"} << true;
+        QTest::newRow("hidden entries give no rows")
+            << "工種:0:4:-;写真タイトル:0:2:+" << QStringList{"写真タイトル=掘削状況"} << true;
+        QTest::newRow("date with slashes")
+            << "撮影年月日:0:7:+" << QStringList{"撮影年月日=2024/05/01"} << true;
+        QTest::newRow("other titles keep their hyphens")
+            << "請負者説明文:0:9:+" << QStringList{"請負者説明文=No.1-2 測点"} << true;
+        QTest::newRow("an item without values gives no row")
+            << "写真区分:0:8:+" << QStringList{} << false;
+        QTest::newRow("everything hidden") << "工種:0:4:-;幅×高さ:1:10:-" << QStringList{} << false;
+        QTest::newRow("file facts")
+            << "幅×高さ:1:10:+;写真タイトル:0:2:+;総画素数:1:10:+;未知:1:10:+"
+            << QStringList{"幅×高さ=640×480", "写真タイトル=掘削状況", "総画素数=31万画素", "未知="}
+            << true;
+        QTest::newRow("exif facts") << "画像入力機器のモデル名:2:10:+;作者名:2:10:+;撮影日時:2:10:+"
+                                    << QStringList{"画像入力機器のモデル名=G800 SE",
+                                                   "作者名=", "撮影日時=2024/05/01 09:30:15"}
+                                    << true;
+    }
+    void textPairs() {
+        QFETCH(QString, settings);
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        ExifFacts facts;
+        facts.model = QStringLiteral("G800 SE");
+        facts.artist = QStringLiteral("現場 太郎");
+        facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 1), QTime(9, 30, 15));
+        QImage image(640, 480, QImage::Format_RGB32);
+        image.fill(Qt::darkGreen);
+        QVERIFY(QDir().mkpath(mlit20 + QStringLiteral("/PIC")));
+        QVERIFY(WriteExifJpeg(mlit20 + QStringLiteral("/PIC/P0000001.JPG"), image, facts));
+
+        ToviItemArray items;
+        items.append(ToviItem(0, QStringLiteral("P0000001.JPG")));
+        items.append(ToviItem(4, QStringLiteral("道路土工")));
+        items.append(ToviItem(2, QStringLiteral("掘削状況")));
+        items.append(ToviItem(4, QStringLiteral("舗装工")));
+        items.append(ToviItem(7, QStringLiteral("2024-05-01")));
+        items.append(ToviItem(9, QStringLiteral("No.1-2 測点")));
+        ToviPhoto photo(&doc, items);
+        photo.LoadExif();
+
+        ToviItemShowSettings list;
+        for (const QString& row : settings.split(QLatin1Char(';'))) {
+            const QStringList p = row.split(QLatin1Char(':'));
+            list.Add(p[0], p[3] == QLatin1String("+"), p[2].toInt(), Definition::GradeOptional,
+                     static_cast<InfoType>(p[1].toInt()));
+        }
+        ToviTextPairArray pairs{ToviTextPair(QStringLiteral("前"), QStringLiteral("残り"))};
+        const bool result = photo.GetTextPairs(doc.GetItemDef(), list, pairs);
+        QStringList got;
+        for (const ToviTextPair& pair : pairs) {
+            got.append(pair.GetItem() + QLatin1Char('=') + pair.GetValue());
+        }
+        QTEST(got, "pairs");
+        QTEST(result, "result");
+    }
+
+    // Without definitions there is nothing to show; a missing image file leaves its facts
+    // empty but still gives their rows.
+    void textPairsWithoutDefinitionsOrFile() {
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        ToviItemArray items;
+        items.append(ToviItem(0, QStringLiteral("無い.JPG")));
+        items.append(ToviItem(2, QStringLiteral("掘削状況")));
+        ToviPhoto photo(&doc, items);
+        ToviItemShowSettings list;
+        list.Add(QStringLiteral("写真タイトル"), true, 2, Definition::GradeRequired, InfoTypeItem);
+        list.Add(QStringLiteral("ファイルサイズ"), true, 10, Definition::GradeOptional,
+                 InfoTypeFile);
+        list.Add(QStringLiteral("緯度"), true, 10, Definition::GradeOptional, InfoTypeExif);
+        ToviTextPairArray pairs{ToviTextPair(QStringLiteral("前"), QStringLiteral("残り"))};
+        QVERIFY(!photo.GetTextPairs(nullptr, list, pairs));
+        QVERIFY(pairs.isEmpty());
+        photo.LoadExif();
+        QVERIFY(photo.GetTextPairs(doc.GetItemDef(), list, pairs));
+        QStringList items2, values;
+        pairs.ToArray(items2, values);
+        QCOMPARE(items2, (QStringList{"写真タイトル", "ファイルサイズ", "緯度"}));
+        QCOMPARE(values, (QStringList{"掘削状況", "", ""}));
+    }
+
+  private:
+    QString WriteDelivery(const QString& name, const char* dtd) {
+        const QString folder = temp.filePath(name);
+        WriteFile(folder + QStringLiteral("/PHOTO.XML"),
+                  QByteArray("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+                             "<!DOCTYPE photodata SYSTEM \"") +
+                      dtd + "\">\n<photodata></photodata>\n");
+        return folder;
+    }
+
+    QTemporaryDir temp;
+    QString program;
+    QString mlit20;
+    QString mlit18;
+    int run = 0;
+};
+
+QTEST_GUILESS_MAIN(ToviDataLoadTest)
+#include "ToviDataLoadTest.moc"
