@@ -1,6 +1,7 @@
 // Exif reading of LumImage: the one place besides the decoder that includes exiv2.
 
 #include "platform/LumImage.h"
+#include "platform/LumExiv2Setup.h"
 
 #include "platform/Cp932.h"
 #include "platform/MibFile.h"
@@ -25,15 +26,6 @@
 
 namespace {
 
-void PrepareExiv2() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        // Unreadable metadata is an ordinary outcome here; the library must not print.
-        Exiv2::LogMsg::setHandler(nullptr);
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        Exiv2::XmpParser::initialize();
-    });
-}
 
 // What tells one version of a file from the next: a file rewritten in place keeps its path,
 // and one renamed into place keeps its path and perhaps its size.
@@ -475,7 +467,7 @@ class CLocaleScope {
 // Reads the file's metadata; the facts stay empty when it is not an image the Exif library
 // knows, or is cut short inside its header.
 void ReadFacts(FileFacts& facts) {
-    PrepareExiv2();
+    LumPrepareExiv2();
     try {
         auto image = Exiv2::ImageFactory::open(facts.path.toStdString());
         if (!image.get()) {
@@ -616,4 +608,13 @@ bool LumImage::GetMainImageFromSvg(const QString& svgPath, const QString& outPat
         }
     }
     return false;
+}
+
+void LumPrepareExiv2() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setHandler(nullptr);
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        Exiv2::XmpParser::initialize();
+    });
 }

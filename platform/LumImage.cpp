@@ -1,4 +1,5 @@
 #include "platform/LumImage.h"
+#include "platform/LumExiv2Setup.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -22,16 +23,6 @@ constexpr qint64 kHeadBytes = 256 * 1024;
 // A drawing whose own size is absurd is rendered no larger than this on its long side.
 constexpr int kMaxSvgSide = 8192;
 
-void PrepareExiv2() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        // Unreadable metadata is an ordinary outcome here; the library must not print.
-        Exiv2::LogMsg::setHandler(nullptr);
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        // The XMP parser's own set-up is not thread-safe; do it once before any worker decodes.
-        Exiv2::XmpParser::initialize();
-    });
-}
 
 int Be16(const QByteArray& data, qint64 pos) {
     return (static_cast<uchar>(data[pos]) << 8) | static_cast<uchar>(data[pos + 1]);
@@ -159,7 +150,7 @@ struct ExifBits {
 
 // Reads the Exif orientation and the embedded thumbnail from the header segments of a JPEG.
 ExifBits ReadExif(const QByteArray& header) {
-    PrepareExiv2();
+    LumPrepareExiv2();
     ExifBits bits;
     try {
         auto image =
