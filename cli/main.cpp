@@ -8,6 +8,7 @@ int RunInfo(QStringList args);
 int RunTree(QStringList args);
 int RunList(QStringList args);
 int RunExif(QStringList args);
+int RunCheck(QStringList args);
 
 namespace {
 
@@ -25,6 +26,14 @@ const char kUsage[] =
     "              --item 項目名=値 (3 つまで; 値 【未記入】 は空の値) --date FROM..TO\n"
     "              --date-kind 0|1 (0 撮影年月日, 1 ファイル更新日) --or (いずれかに合う写真)\n"
     "  tovi exif FILE [--json]   画像ファイルの Exif 情報とファイル情報を表示する\n"
+    "  tovi check DIR [--family N] [--types 0,2,1] [--json]   すべての写真の画像加工検知を行い、\n"
+    "    写真ごとの結果 (0 未判定, 1 加工なし, 2 加工あり, 3 不明) と結果ごとの枚数を表示する\n"
+    "    --types T   検知タイプを並べた順に試す: 0 RICOH G800/G700/G600, 2 RICOH G900,\n"
+    "                1 小黒板電子化 (既定は保存された設定)。検証ライブラリ RVRFYJPG / JACICCHS は\n"
+    "                プログラムのフォルダから読み込む\n"
+    "    --json      {\"types\", \"verifiers\": [{\"library\", \"types\", \"state\", \"path\"}],\n"
+    "                 \"results\": [{\"index\", \"imagePath\", \"result\"}], \"counts\": {\"0\".. \"3\"}}\n"
+    "    使える検証ライブラリが一つもないときは、すべて 3 を表示して終了コード 3 で終わる\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -53,6 +62,9 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("exif")) {
         return RunExif(args);
+    }
+    if (command == QLatin1String("check")) {
+        return RunCheck(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

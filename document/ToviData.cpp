@@ -3,6 +3,7 @@
 #include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
 #include "extraction/ToviSortCondition.h"
+#include "imagefacts/ToviImageCheckCommon.h"
 #include "platform/MibFile.h"
 #include "platform/ToviCheck.h"
 #include "review/ToviLabelManager.h"
@@ -18,9 +19,11 @@ ToviData::ToviData(ToviHostDocument* hostDocument, const QString& path, PhotoXML
     labelManager = std::make_unique<ToviLabelManager>();
     itemManager = std::make_unique<ToviItemManager>();
     errorType = itemDef.Load(path, type);
+    imageCheck = std::make_unique<ToviImageCheckCommon>();
 }
 
 ToviData::~ToviData() {
+    imageCheck.reset();
     // The settings objects save themselves as they go, in this order.
     labelManager.reset();
     itemManager.reset();

@@ -15,6 +15,7 @@
 class QObject;
 class QWidget;
 class ToviHostDocument;
+class ToviImageCheckCommon;
 class ToviItemManager;
 class ToviLabelManager;
 class ToviPhoto;
@@ -176,6 +177,15 @@ public:
     ToviPhotoRef& CurrentArray() { return curPhotos; }
     const ToviPhotoRef& CurrentArray() const { return curPhotos; }
 
+    // ---- tamper checks (imagefacts/ToviDataImageCheck.cpp) ---------------------------------
+    // Runs the verifier chain on the photograph's image and stores the result on it (1
+    // unaltered, 2 altered, 3 anything else), anew on every call; does nothing while the check
+    // is off or no type is set.
+    void CheckEditJPEG(ToviPhoto* photo);
+    // Sets the result of every photograph back to 0 (not checked).
+    void Initialize_CheckEditJPEG();
+    ToviImageCheckCommon* GetImageCheck() const { return imageCheck.get(); }
+
     // Broadcasts HintPhotoInfoChanged, skipping sender.
     void UpdatePhotoInf(QWidget* sender);
     // Sends hint to every view of the host's document (nothing without one).
@@ -185,9 +195,12 @@ protected:
     virtual ToviSortCondition* OnCreateSortCondition();
     virtual ToviPhotoCtrlVisualSetting* OnCreateVisualSettings();
     // Called by SetVisualSetting when the tamper-check terms changed (or it was forced), with
-    // the camera types of the new setting: where the tamper-check chain is to be rebuilt.
-    // Does nothing in this class for now.
+    // the camera types of the new setting: rebuilds the verifier chain and forgets every
+    // photograph's result.
     virtual void OnEditCheckTermsChanged(const QList<int>& cameraTypes);
+    // The maker's verifier called directly on a copy of the file in memory: 0 unaltered,
+    // 1 altered, 2 anything else. Kept beside the chain; nothing calls it.
+    int CheckEditJPEG_RICOHG600(const QString& path);
     void BuildTreeNodeForKousyu(int treeType);
     void BuildTreeNodeForSatsueikasyo();
     // Depth first from from, a node before its children: the first node holding photoIndex.
@@ -224,6 +237,7 @@ private:
     PhotoXMLReadErr errorType = ReadErrNone;
     bool extractionOn = false;
     bool hasComment = true;
+    std::unique_ptr<ToviImageCheckCommon> imageCheck;  // the tamper-check chain
 };
 
 // Makes and clears photograph arrays for a document. The two Create operations are hooks

@@ -1,6 +1,7 @@
 #include "document/ToviData.h"
 
 #include "extraction/ToviSortCondition.h"
+#include "imagefacts/ToviImageCheckCommon.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviItemManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
@@ -112,8 +113,9 @@ void ToviData::SetVisualSetting(const ToviPhotoCtrlVisualSetting& setting, bool 
     }
 }
 
-void ToviData::OnEditCheckTermsChanged(const QList<int>&) {
-    // The tamper-check chain isn't part of the document yet: nothing to rebuild.
+void ToviData::OnEditCheckTermsChanged(const QList<int>& cameraTypes) {
+    imageCheck->SetCheckCameraType(cameraTypes);
+    Initialize_CheckEditJPEG();
 }
 
 void ToviData::SetManager(const ToviLabelManager& labels, const ToviItemManager& items,

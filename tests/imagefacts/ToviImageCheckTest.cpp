@@ -1,0 +1,630 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "imagefacts/ToviImageCheckCommon.h"
+#include "imagefacts/ToviJacicImageChecker.h"
+#include "imagefacts/ToviRicohImageChecker.h"
+#include "platform/ToviProfile.h"
+#include "platform/ToviVerifierLibrary.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/imagefacts/ExifFixture.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace exiffixture;
+using Status = ToviCheckProcessor::CheckStatus;
+
+Q_DECLARE_METATYPE(ToviCheckProcessor::CheckStatus)
+
+namespace {
+
+// What a program folder holds of one verifier library.
+enum class Lib { Missing, Full, Partial, NotALibrary, LowerCaseName };
+
+const char kMaker[] = "RVJ_Verify";
+const char kHashJpeg[] = "JCOMSIA_CheckHashValue";
+const char kHashSvg[] = "JCOMSIA_SVG_CheckHashValue";
+
+// The codes the stand-ins answer: "@RVJ=n@", "@JCOMSIA=n@", "@JCOMSIA_SVG=n@".
+QByteArray Markers(std::optional<int> maker, std::optional<int> hash,
+                   std::optional<int> svg = std::nullopt) {
+    QByteArray bytes;
+    if (maker) {
+        bytes += "@RVJ=" + QByteArray::number(*maker) + "@";
+    }
+    if (hash) {
+        bytes += "@JCOMSIA=" + QByteArray::number(*hash) + "@";
+    }
+    if (svg) {
+        bytes += "@JCOMSIA_SVG=" + QByteArray::number(*svg) + "@";
+    }
+    return bytes;
+}
+
+// Gives the document's protected direct call of the maker's verifier to the test.
+class DirectCallData : public ToviData {
+  public:
+    DirectCallData() : ToviData(nullptr, QString(), PhotoXMLMlit) {}
+    using ToviData::CheckEditJPEG_RICOHG600;
+};
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Lib)
+
+// The tamper check through stand-ins of the outside verifiers, loaded from a program folder
+// of the test's own: the chain orders, both code tables, broken libraries, and the document's
+// results.
+class ToviImageCheckTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void init();
+
+    void cameraTypeList();
+    void makerCodes_data();
+    void makerCodes();
+    void hashJpegCodes_data();
+    void hashJpegCodes();
+    void hashSvgCodes_data();
+    void hashSvgCodes();
+    void makerTarget_data();
+    void makerTarget();
+    void chainOrder_data();
+    void chainOrder();
+    void badLibraries_data();
+    void badLibraries();
+    void setFileKeepsStoredCase();
+    void documentResults();
+    void documentRecomputesEveryCall();
+    void documentWithoutLibrary();
+    void makerDirectCall_data();
+    void makerDirectCall();
+
+  private:
+    // A fresh program folder holding the chosen libraries; the verifiers are looked for there.
+    QString UseProgramFolder(Lib maker, Lib hash);
+    // A JPEG from a camera of this model (none: no model tag) followed by markers.
+    QString Jpeg(const QString& name, const QString& model, const QByteArray& markers,
+                 bool exif = true);
+    QString Svg(const QString& name, const QByteArray& markers);
+    // The functions the stand-ins were called through since the last look, in order.
+    QStringList Calls();
+    QStringList CallLines();
+    void AddStatusColumns();
+
+    QTemporaryDir temp;
+    int folders = 0;
+    QString logPath;
+};
+
+void ToviImageCheckTest::initTestCase() {
+    QVERIFY(temp.isValid());
+    ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
+    logPath = temp.filePath(QStringLiteral("calls.log"));
+    qputenv("TOVI_STANDIN_LOG", QFile::encodeName(logPath));
+    const QString full = QStringLiteral(TOVI_STANDIN_DIR "/full/") +
+                         ToviVerifierLibrary::FileName(QStringLiteral("JACICCHS"));
+    QVERIFY2(QFileInfo::exists(full), qPrintable(full));
+}
+
+void ToviImageCheckTest::cleanupTestCase() {
+    ToviVerifierLibrary::SetProgramPathOverride(QString());
+    qunsetenv("TOVI_STANDIN_LOG");
+}
+
+void ToviImageCheckTest::init() {
+    QFile::remove(logPath);
+}
+
+QString ToviImageCheckTest::UseProgramFolder(Lib maker, Lib hash) {
+    const QString folder = temp.filePath(QStringLiteral("program%1").arg(++folders));
+    QDir().mkpath(folder);
+    const auto place = [&](Lib lib, const QString& base) {
+        const QString name = ToviVerifierLibrary::FileName(base);
+        const QString target = folder + QLatin1Char('/') + name;
+        switch (lib) {
+            case Lib::Missing:
+                break;
+            case Lib::Full:
+            case Lib::Partial: {
+                const QString from = QStringLiteral(TOVI_STANDIN_DIR "/") +
+                                     (lib == Lib::Full ? "full/" : "partial/") + name;
+                QVERIFY2(QFile::copy(from, target), qPrintable(from));
+                break;
+            }
+            case Lib::LowerCaseName:
+                QVERIFY(QFile::copy(QStringLiteral(TOVI_STANDIN_DIR "/full/") + name,
+                                    folder + QLatin1Char('/') + name.toLower()));
+                break;
+            case Lib::NotALibrary:
+                QVERIFY(WriteBytes(target, "this is no shared library\n"));
+                break;
+        }
+    };
+    place(maker, QStringLiteral("RVRFYJPG"));
+    place(hash, QStringLiteral("JACICCHS"));
+    ToviVerifierLibrary::SetProgramPathOverride(folder);
+    return folder;
+}
+
+QString ToviImageCheckTest::Jpeg(const QString& name, const QString& model,
+                                 const QByteArray& markers, bool exif) {
+    ExifFacts facts;
+    facts.writeExif = exif;
+    facts.model = model;
+    const QString path = temp.filePath(name);
+    WriteBytes(path, MakeExifJpeg(Picture({64, 48}), facts) + markers);
+    return path;
+}
+
+QString ToviImageCheckTest::Svg(const QString& name, const QByteArray& markers) {
+    QByteArray svg = SvgWithJpeg(ExifFacts());
+    svg.replace("</svg>", "<!-- " + markers + " -->\n</svg>");
+    const QString path = temp.filePath(name);
+    WriteBytes(path, svg);
+    return path;
+}
+
+QStringList ToviImageCheckTest::CallLines() {
+    const QString text = QString::fromUtf8(ReadBytes(logPath));
+    QFile::remove(logPath);
+    return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+QStringList ToviImageCheckTest::Calls() {
+    QStringList functions;
+    for (const QString& line : CallLines()) {
+        functions.append(line.section(QLatin1Char(' '), 0, 0));
+    }
+    return functions;
+}
+
+void ToviImageCheckTest::AddStatusColumns() {
+    QTest::addColumn<int>("code");
+    QTest::addColumn<Status>("status");
+}
+
+void ToviImageCheckTest::cameraTypeList() {
+    using C = ToviImageCheckCommon;
+    // The selection list shows 0, 2, 1; every index past the second is type 1.
+    QCOMPARE(C::QueryCameraType(0), C::CameraRicohG600);
+    QCOMPARE(C::QueryCameraType(1), C::CameraRicohG900);
+    QCOMPARE(C::QueryCameraType(2), C::CameraBlackboard);
+    QCOMPARE(C::QueryCameraType(3), C::CameraBlackboard);
+    QCOMPARE(C::QueryCameraType(-1), C::CameraBlackboard);
+    QCOMPARE(C::QueryCameraName(C::CameraRicohG600), QStringLiteral("RICOH G800/G700/G600"));
+    QCOMPARE(C::QueryCameraName(C::CameraRicohG900), QStringLiteral("RICOH G900"));
+    QCOMPARE(C::QueryCameraName(C::CameraBlackboard), QStringLiteral("小黒板電子化"));
+    QCOMPARE(C::QueryCameraName(static_cast<C::CameraType>(3)), QString());
+    QCOMPARE(C::QueryCameraName(static_cast<C::CameraType>(-1)), QString());
+}
+
+void ToviImageCheckTest::makerCodes_data() {
+    AddStatusColumns();
+    QTest::newRow("0") << 0 << ToviCheckProcessor::StatusUnaltered;
+    QTest::newRow("1") << 1 << ToviCheckProcessor::StatusAltered;
+    QTest::newRow("2") << 2 << ToviCheckProcessor::StatusOutsideTarget;
+    QTest::newRow("3") << 3 << ToviCheckProcessor::StatusError;
+    QTest::newRow("4") << 4 << ToviCheckProcessor::StatusError;
+    QTest::newRow("-1") << -1 << ToviCheckProcessor::StatusError;
+}
+
+void ToviImageCheckTest::makerCodes() {
+    QFETCH(int, code);
+    QFETCH(Status, status);
+    UseProgramFolder(Lib::Full, Lib::Missing);
+    const QString path =
+        Jpeg(QStringLiteral("maker.jpg"), QStringLiteral("G800"), Markers(code, std::nullopt));
+    ToviRicohImageChecker checker;
+    QVERIFY(checker.IsEnableDLL());
+    QVERIFY(checker.Initiate());
+    QCOMPARE(checker.Check(path), status);
+    // The verifier gets the whole file in memory.
+    QCOMPARE(CallLines(),
+             QStringList{QStringLiteral("RVJ_Verify %1 %2").arg(QFileInfo(path).size()).arg(code)});
+}
+
+void ToviImageCheckTest::hashJpegCodes_data() {
+    AddStatusColumns();
+    const Status unaltered = ToviCheckProcessor::StatusUnaltered;
+    const Status altered = ToviCheckProcessor::StatusAltered;
+    const Status outside = ToviCheckProcessor::StatusOutsideTarget;
+    const Status error = ToviCheckProcessor::StatusError;
+    const QList<std::pair<int, Status>> rows{
+        {1, unaltered},  {0, altered},    {-1, altered},   {-2, altered}, {-307, altered},
+        {-303, outside}, {-304, outside}, {-305, outside}, {2, error},    {-3, error},
+        {-23, error},    {-301, error},   {-302, error},   {-306, error}, {12345, error},
+    };
+    for (const auto& [code, status] : rows) {
+        QTest::addRow("%d", code) << code << status;
+    }
+}
+
+void ToviImageCheckTest::hashJpegCodes() {
+    QFETCH(int, code);
+    QFETCH(Status, status);
+    UseProgramFolder(Lib::Missing, Lib::Full);
+    // The SVG marker is there too, so that asking the wrong function shows.
+    const QString path =
+        Jpeg(QStringLiteral("hash.JPG"), QStringLiteral("X"), Markers(std::nullopt, code, 1));
+    ToviJacicImageChecker checker;
+    QCOMPARE(checker.Check(path), status);
+    QCOMPARE(CallLines(), QStringList{QStringLiteral("%1 hash.JPG %2").arg(kHashJpeg).arg(code)});
+}
+
+void ToviImageCheckTest::hashSvgCodes_data() {
+    AddStatusColumns();
+    const Status unaltered = ToviCheckProcessor::StatusUnaltered;
+    const Status altered = ToviCheckProcessor::StatusAltered;
+    const Status outside = ToviCheckProcessor::StatusOutsideTarget;
+    const Status error = ToviCheckProcessor::StatusError;
+    const QList<std::pair<int, Status>> rows{
+        {1, unaltered},  {0, altered},    {-1, altered},   {-2, altered},   {-3, altered},
+        {-23, altered},  {-24, altered},  {-25, altered},  {-43, altered},  {-44, altered},
+        {-45, altered},  {-21, outside},  {-22, outside},  {-41, outside},  {-42, outside},
+        {-61, outside},  {-81, outside},  {-82, outside},  {-83, outside},  {-84, outside},
+        {-85, outside},  {-86, outside},  {-301, outside}, {-303, outside}, {-304, outside},
+        {-305, outside}, {-307, outside}, {2, error},      {-4, error},     {-26, error},
+        {-46, error},    {-62, error},    {-87, error},    {-302, error},   {-306, error},
+    };
+    for (const auto& [code, status] : rows) {
+        QTest::addRow("%d", code) << code << status;
+    }
+}
+
+void ToviImageCheckTest::hashSvgCodes() {
+    QFETCH(int, code);
+    QFETCH(Status, status);
+    UseProgramFolder(Lib::Missing, Lib::Full);
+    // The extension decides, whatever its case; the JPEG marker shows a wrong choice.
+    for (const QString& name : {QStringLiteral("hash.svg"), QStringLiteral("hash.SVG")}) {
+        const QString path = Svg(name, Markers(std::nullopt, 1, code));
+        ToviJacicImageChecker checker;
+        QCOMPARE(checker.Check(path), status);
+        QCOMPARE(CallLines(),
+                 QStringList{QStringLiteral("%1 %2 %3").arg(kHashSvg, name).arg(code)});
+    }
+}
+
+void ToviImageCheckTest::makerTarget_data() {
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<bool>("exif");
+    QTest::addColumn<bool>("target");
+
+    for (const char* model : {"G600", "G700", "G700 SE", "G800", "G800 SE"}) {
+        QTest::newRow(model) << QString::fromUtf8(model) << true << true;
+    }
+    QTest::newRow("blanks of both widths around")
+        << QStringLiteral("\u3000 G700 SE \u3000") << true << true;
+    QTest::newRow("without the inner blank") << QStringLiteral("G700SE") << true << false;
+    QTest::newRow("full-width inner blank") << QStringLiteral("G700\u3000SE") << true << false;
+    QTest::newRow("lower case") << QStringLiteral("g800") << true << false;
+    QTest::newRow("another model of the maker") << QStringLiteral("G900") << true << false;
+    QTest::newRow("longer name") << QStringLiteral("G800 SE II") << true << false;
+    QTest::newRow("only blanks") << QStringLiteral("\u3000 ") << true << false;
+    QTest::newRow("no model tag") << QString() << true << false;
+    QTest::newRow("no Exif") << QStringLiteral("G800") << false << false;
+}
+
+void ToviImageCheckTest::makerTarget() {
+    QFETCH(QString, model);
+    QFETCH(bool, exif);
+    QFETCH(bool, target);
+    ToviRicohImageChecker checker;
+    QCOMPARE(checker.IsTarget(Jpeg(QStringLiteral("model.jpg"), model, QByteArray(), exif)),
+             target);
+    QVERIFY(!checker.IsTarget(QString()));
+    QVERIFY(!checker.IsTarget(temp.filePath(QStringLiteral("none.jpg"))));
+    QVERIFY(!checker.IsContinueOutsideTarget());
+    ToviJacicImageChecker hash;
+    QVERIFY(hash.IsTarget(QString()) && hash.IsContinueOutsideTarget());
+}
+
+void ToviImageCheckTest::chainOrder_data() {
+    QTest::addColumn<QString>("types");
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QByteArray>("markers");
+    QTest::addColumn<int>("processors");
+    QTest::addColumn<Status>("status");
+    QTest::addColumn<QStringList>("calls");
+
+    const QString g800 = QStringLiteral("G800");
+    const QString other = QStringLiteral("FIELD-CAM G7");
+    const QString m = QString::fromLatin1(kMaker);
+    const QString h = QString::fromLatin1(kHashJpeg);
+    QTest::newRow("maker's outside target stops the chain")
+        << "0,1" << g800 << Markers(2, 1) << 2 << ToviCheckProcessor::StatusOutsideTarget
+        << QStringList{m};
+    QTest::newRow("maker's unaltered decides")
+        << "0,1" << g800 << Markers(0, 0) << 2 << ToviCheckProcessor::StatusUnaltered
+        << QStringList{m};
+    QTest::newRow("another camera: the hash checker decides")
+        << "0,1" << other << Markers(0, 0) << 2 << ToviCheckProcessor::StatusAltered
+        << QStringList{h};
+    QTest::newRow("maker's error goes on")
+        << "0,1" << g800 << Markers(7, 1) << 2 << ToviCheckProcessor::StatusUnaltered
+        << QStringList{m, h};
+    QTest::newRow("hash outside, maker no target")
+        << "1,0" << other << Markers(0, -305) << 2 << ToviCheckProcessor::StatusOutsideTarget
+        << QStringList{h};
+    QTest::newRow("hash outside, maker decides")
+        << "1,0" << g800 << Markers(1, -305) << 2 << ToviCheckProcessor::StatusAltered
+        << QStringList{h, m};
+    QTest::newRow("hash error, maker outside")
+        << "2,1,0" << g800 << Markers(2, 99) << 3 << ToviCheckProcessor::StatusOutsideTarget
+        << QStringList{h, h, m};
+    QTest::newRow("two hash checkers both asked")
+        << "2,1" << other << Markers(0, -304) << 2 << ToviCheckProcessor::StatusOutsideTarget
+        << QStringList{h, h};
+    QTest::newRow("unknown types are skipped")
+        << "3,9,255,1" << other << Markers(0, 1) << 1 << ToviCheckProcessor::StatusUnaltered
+        << QStringList{h};
+    QTest::newRow("only the maker, no target")
+        << "0" << other << Markers(0, 1) << 1 << ToviCheckProcessor::StatusError << QStringList{};
+    QTest::newRow("no types") << "" << g800 << Markers(0, 1) << 0 << ToviCheckProcessor::StatusError
+                              << QStringList{};
+}
+
+void ToviImageCheckTest::chainOrder() {
+    QFETCH(QString, types);
+    QFETCH(QString, model);
+    QFETCH(QByteArray, markers);
+    QFETCH(int, processors);
+    QFETCH(Status, status);
+    QFETCH(QStringList, calls);
+
+    UseProgramFolder(Lib::Full, Lib::Full);
+    ToviImageCheckCommon check;
+    check.SetCheckCameraType(ToviData::ParseEditCheckTypes(types));
+    QCOMPARE(check.GetProcessorCount(), processors);
+    check.SetFile(Jpeg(QStringLiteral("chain.jpg"), model, markers));
+    QCOMPARE(check.CheckProcessedImage(), status);
+    QCOMPARE(Calls(), calls);
+
+    // A rebuild replaces the whole chain.
+    check.SetCheckCameraType({ToviImageCheckCommon::CameraBlackboard});
+    QCOMPARE(check.GetProcessorCount(), 1);
+}
+
+void ToviImageCheckTest::badLibraries_data() {
+    QTest::addColumn<Lib>("maker");
+    QTest::addColumn<Lib>("hash");
+    QTest::addColumn<QString>("types");
+    QTest::addColumn<bool>("svg");
+    QTest::addColumn<int>("processors");
+    QTest::addColumn<Status>("status");
+
+    QTest::newRow("both missing") << Lib::Missing << Lib::Missing << "0,2,1" << false << 0
+                                  << ToviCheckProcessor::StatusError;
+    QTest::newRow("neither is a library") << Lib::NotALibrary << Lib::NotALibrary << "0,2,1"
+                                          << false << 0 << ToviCheckProcessor::StatusError;
+    QTest::newRow("maker lacks its function")
+        << Lib::Partial << Lib::Missing << "0" << false << 1 << ToviCheckProcessor::StatusError;
+    QTest::newRow("maker lacks its function, hash decides")
+        << Lib::Partial << Lib::Full << "0,1" << false << 2 << ToviCheckProcessor::StatusAltered;
+    QTest::newRow("hash lacks the SVG function")
+        << Lib::Missing << Lib::Partial << "1" << true << 1 << ToviCheckProcessor::StatusError;
+    QTest::newRow("hash without SVG still checks JPEG")
+        << Lib::Missing << Lib::Partial << "1" << false << 1 << ToviCheckProcessor::StatusAltered;
+    QTest::newRow("hash missing, maker decides")
+        << Lib::Full << Lib::Missing << "1,0" << false << 1 << ToviCheckProcessor::StatusUnaltered;
+    QTest::newRow("hash no library, maker decides")
+        << Lib::Full << Lib::NotALibrary << "2,0" << false << 1
+        << ToviCheckProcessor::StatusUnaltered;
+    QTest::newRow("name in another case") << Lib::Missing << Lib::LowerCaseName << "1" << false << 1
+                                          << ToviCheckProcessor::StatusAltered;
+}
+
+void ToviImageCheckTest::badLibraries() {
+    QFETCH(Lib, maker);
+    QFETCH(Lib, hash);
+    QFETCH(QString, types);
+    QFETCH(bool, svg);
+    QFETCH(int, processors);
+    QFETCH(Status, status);
+
+    UseProgramFolder(maker, hash);
+    const QByteArray markers = Markers(0, 0, 1);
+    const QString path = svg ? Svg(QStringLiteral("bad.svg"), markers)
+                             : Jpeg(QStringLiteral("bad.jpg"), QStringLiteral("G800"), markers);
+    ToviImageCheckCommon check;
+    check.SetCheckCameraType(ToviData::ParseEditCheckTypes(types));
+    QCOMPARE(check.GetProcessorCount(), processors);
+    check.SetFile(path);
+    QCOMPARE(check.CheckProcessedImage(), status);
+
+    // A checker asked directly answers an error, never a crash.
+    ToviJacicImageChecker direct;
+    QCOMPARE(direct.Initiate(),
+             hash == Lib::Full || hash == Lib::Partial || hash == Lib::LowerCaseName);
+    if (hash == Lib::Missing || hash == Lib::NotALibrary) {
+        QCOMPARE(direct.Check(path), ToviCheckProcessor::StatusError);
+    }
+    ToviRicohImageChecker makerDirect;
+    QCOMPARE(makerDirect.IsEnableDLL(), maker != Lib::Missing);
+    QCOMPARE(makerDirect.Initiate(), maker == Lib::Full || maker == Lib::Partial);
+    if (maker != Lib::Full) {
+        QCOMPARE(makerDirect.Check(path), ToviCheckProcessor::StatusError);
+    }
+}
+
+void ToviImageCheckTest::setFileKeepsStoredCase() {
+    ToviImageCheckCommon check;
+    QCOMPARE(check.GetFile(), QString());
+    check.SetFile(QStringLiteral("/d/PIC/P0000001.JPG"));
+    check.SetFile(QStringLiteral("/d/pic/p0000001.jpg"));
+    QCOMPARE(check.GetFile(), QStringLiteral("/d/PIC/P0000001.JPG"));
+    check.SetFile(QStringLiteral("/d/PIC/P0000002.JPG"));
+    QCOMPARE(check.GetFile(), QStringLiteral("/d/PIC/P0000002.JPG"));
+    // No chain yet: an error, whatever the file.
+    QCOMPARE(check.CheckProcessedImage(), ToviCheckProcessor::StatusError);
+}
+
+void ToviImageCheckTest::documentResults() {
+    UseProgramFolder(Lib::Full, Lib::Full);
+    ToviData document(nullptr, temp.path(), PhotoXMLMlit);
+    const QString other = QStringLiteral("FIELD-CAM G7");
+    const QList<std::pair<QByteArray, ToviPhoto::EditJPEGCheckResult>> photos{
+        {Markers(0, 1), ToviPhoto::EditCheckUnaltered},
+        {Markers(0, 0), ToviPhoto::EditCheckAltered},
+        {Markers(0, -305), ToviPhoto::EditCheckUnknown},
+        {Markers(0, 99), ToviPhoto::EditCheckUnknown},
+    };
+    for (int i = 0; i < photos.size(); ++i) {
+        document.GetPhotoDataArray()->append(
+            new ToviPhoto(Jpeg(QStringLiteral("doc%1.jpg").arg(i), other, photos[i].first)));
+    }
+    const auto results = [&] {
+        QList<int> list;
+        for (ToviPhoto* photo : *document.GetPhotoDataArray()) {
+            list.append(photo->GetEditChkResult());
+        }
+        return list;
+    };
+    const auto checkAll = [&] {
+        for (ToviPhoto* photo : *document.GetPhotoDataArray()) {
+            document.CheckEditJPEG(photo);
+        }
+    };
+
+    // The check is off until the settings say otherwise: nothing is asked.
+    QCOMPARE(document.GetImageCheck()->GetProcessorCount(), 0);
+    checkAll();
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+    QVERIFY(Calls().isEmpty());
+    document.CheckEditJPEG(nullptr);
+
+    ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
+    setting.SetDoEditCheck(true);
+    setting.SetEditCheckTypes(QStringLiteral("1"));
+    document.SetVisualSetting(setting, false);
+    QCOMPARE(document.GetImageCheck()->GetProcessorCount(), 1);
+    checkAll();
+    QCOMPARE(results(), QList<int>({1, 2, 3, 3}));
+
+    // The same terms again keep the results; other types with the check on clear them.
+    document.SetVisualSetting(setting, false);
+    QCOMPARE(results(), QList<int>({1, 2, 3, 3}));
+    setting.SetEditCheckTypes(QStringLiteral("0"));
+    document.SetVisualSetting(setting, false);
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+    // Only the maker's verifier now, and these photographs aren't its cameras.
+    checkAll();
+    QCOMPARE(results(), QList<int>({3, 3, 3, 3}));
+
+    // Forced, the same terms clear them too.
+    document.SetVisualSetting(setting, true);
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+
+    // The check switched off and the types changed in one step: that counts.
+    checkAll();
+    QCOMPARE(results(), QList<int>({3, 3, 3, 3}));
+    setting.SetDoEditCheck(false);
+    setting.SetEditCheckTypes(QStringLiteral("1"));
+    document.SetVisualSetting(setting, false);
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+
+    // With the check off on both sides other types count for nothing, and checking leaves
+    // the results alone.
+    document.GetPhotoActualPhotoArray(0)->SetEditChkResult(ToviPhoto::EditCheckAltered);
+    setting.SetEditCheckTypes(QStringLiteral("2,0"));
+    document.SetVisualSetting(setting, false);
+    CallLines();
+    checkAll();
+    QCOMPARE(results(), QList<int>({2, 0, 0, 0}));
+    QVERIFY(Calls().isEmpty());
+
+    // On, but with no types: still nothing is checked.
+    setting.SetDoEditCheck(true);
+    setting.SetEditCheckTypes(QString());
+    document.SetVisualSetting(setting, false);
+    checkAll();
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+
+    // The setting's numbers keep their low eight bits: 257 is type 1.
+    setting.SetEditCheckTypes(QStringLiteral("257"));
+    document.SetVisualSetting(setting, false);
+    QCOMPARE(document.GetImageCheck()->GetProcessorCount(), 1);
+    checkAll();
+    QCOMPARE(results(), QList<int>({1, 2, 3, 3}));
+
+    // The result lives on the photograph only: a fresh document starts at 0.
+    document.Initialize_CheckEditJPEG();
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+}
+
+void ToviImageCheckTest::documentRecomputesEveryCall() {
+    UseProgramFolder(Lib::Missing, Lib::Full);
+    ToviData document(nullptr, temp.path(), PhotoXMLMlit);
+    const QString path = Jpeg(QStringLiteral("again.jpg"), QStringLiteral("X"), Markers({}, 1));
+    auto* photo = new ToviPhoto(path);
+    document.GetPhotoDataArray()->append(photo);
+    ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
+    setting.SetDoEditCheck(true);
+    setting.SetEditCheckTypes(QStringLiteral("2"));
+    document.SetVisualSetting(setting, false);
+
+    const QList<std::pair<int, ToviPhoto::EditJPEGCheckResult>> answers{
+        {1, ToviPhoto::EditCheckUnaltered},
+        {0, ToviPhoto::EditCheckAltered},
+        {-303, ToviPhoto::EditCheckUnknown},
+        {1, ToviPhoto::EditCheckUnaltered}};
+    for (const auto& [code, result] : answers) {
+        Jpeg(QStringLiteral("again.jpg"), QStringLiteral("X"), Markers({}, code));
+        document.CheckEditJPEG(photo);
+        QCOMPARE(photo->GetEditChkResult(), result);
+    }
+    QCOMPARE(Calls().size(), answers.size());
+}
+
+void ToviImageCheckTest::documentWithoutLibrary() {
+    // Type 1 chosen, its library absent: an empty chain and every result 3.
+    UseProgramFolder(Lib::Full, Lib::Missing);
+    ToviData document(nullptr, temp.path(), PhotoXMLMlit);
+    auto* photo =
+        new ToviPhoto(Jpeg(QStringLiteral("lone.jpg"), QStringLiteral("G800"), Markers(0, 1)));
+    document.GetPhotoDataArray()->append(photo);
+    ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
+    setting.SetDoEditCheck(true);
+    setting.SetEditCheckTypes(QStringLiteral("1"));
+    document.SetVisualSetting(setting, false);
+    QCOMPARE(document.GetImageCheck()->GetProcessorCount(), 0);
+    document.CheckEditJPEG(photo);
+    QCOMPARE(photo->GetEditChkResult(), ToviPhoto::EditCheckUnknown);
+    QVERIFY(Calls().isEmpty());
+}
+
+void ToviImageCheckTest::makerDirectCall_data() {
+    QTest::addColumn<Lib>("maker");
+    QTest::addColumn<QByteArray>("markers");
+    QTest::addColumn<bool>("fileThere");
+    QTest::addColumn<int>("answer");
+
+    QTest::newRow("0") << Lib::Full << Markers(0, {}) << true << 0;
+    QTest::newRow("1") << Lib::Full << Markers(1, {}) << true << 1;
+    QTest::newRow("2") << Lib::Full << Markers(2, {}) << true << 2;
+    QTest::newRow("-1") << Lib::Full << Markers(-1, {}) << true << 2;
+    QTest::newRow("no file") << Lib::Full << Markers(0, {}) << false << 2;
+    QTest::newRow("no library") << Lib::Missing << Markers(0, {}) << true << 2;
+    QTest::newRow("no function") << Lib::Partial << Markers(0, {}) << true << 2;
+}
+
+void ToviImageCheckTest::makerDirectCall() {
+    QFETCH(Lib, maker);
+    QFETCH(QByteArray, markers);
+    QFETCH(bool, fileThere);
+    QFETCH(int, answer);
+    UseProgramFolder(maker, Lib::Missing);
+    const QString path = fileThere
+                             ? Jpeg(QStringLiteral("direct.jpg"), QStringLiteral("G800"), markers)
+                             : temp.filePath(QStringLiteral("absent.jpg"));
+    DirectCallData document;
+    QCOMPARE(document.CheckEditJPEG_RICOHG600(path), answer);
+}
+
+QTEST_GUILESS_MAIN(ToviImageCheckTest)
+#include "ToviImageCheckTest.moc"
