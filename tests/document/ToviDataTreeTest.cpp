@@ -61,15 +61,11 @@ class ToviDataTreeTest : public QObject {
         QTest::addColumn<QStringList>("photos");
         QTest::addColumn<QString>("tree");
         QTest::addColumn<QList<int>>("current");
-        QTest::newRow("A,'','' on A")
-            << 2 << QStringList{"工種=A", "工種=A;種別=B"} << "[A{0}[B{1}]]" << QList<int>{0, 1};
         QTest::newRow("'',B under 【未記入】")
             << 2 << QStringList{"種別=B"} << "[【未記入】[B{0}]]" << QList<int>{0};
         QTest::newRow("A,'',C; absent and empty elements alike")
             << 2 << QStringList{"工種=A;細別=C", "工種=A;種別=;細別=C"} << "[A[【未記入】[C{0,1}]]]"
             << QList<int>{0, 1};
-        QTest::newRow("'','',C") << 2 << QStringList{"細別=C"} << "[【未記入】[【未記入】[C{0}]]]"
-                                 << QList<int>{0};
         QTest::newRow("all empty on the root")
             << 2 << QStringList{"", "工種=A", "工種=;種別=;細別="} << "{0,2}[A{1}]"
             << QList<int>{0, 2, 1};
@@ -98,7 +94,6 @@ class ToviDataTreeTest : public QObject {
         QFETCH(int, treeType);
         QFETCH(QStringList, photos);
         QFETCH(QString, tree);
-        QFETCH(QList<int>, current);
         const QString folder = NewFolder();
         QVERIFY(review::WritePhotoXml(folder, photos));
         RecordingHost host;
@@ -109,7 +104,7 @@ class ToviDataTreeTest : public QObject {
         doc->BuildTreeNode(treeType);
         QCOMPARE(Dump(*doc), tree);
         QCOMPARE(doc->GetSelectedNode(), static_cast<ToviNode*>(doc.get()));
-        QCOMPARE(doc->CurrentArray().Indexes(), current);
+        QTEST(doc->CurrentArray().Indexes(), "current");
         QVERIFY(host.hints.isEmpty());  // the host tells the panels itself
 
         // A rebuild starts afresh rather than adding to the old tree.
@@ -122,7 +117,6 @@ class ToviDataTreeTest : public QObject {
         QTest::addColumn<int>("treeType");
         QTest::newRow("type 0") << 0;
         QTest::newRow("type 1") << 1;
-        QTest::newRow("type 2") << 2;
     }
     void photographInNoNode() {
         QFETCH(int, treeType);
@@ -174,8 +168,6 @@ class ToviDataTreeTest : public QObject {
     void type0WithoutClassLevels() {
         QFETCH(bool, reduced);
         QFETCH(QStringList, photos);
-        QFETCH(QString, type0);
-        QFETCH(QString, type2);
         if (reduced) {
             const QString program = ReadItemWithoutClassLevels();
             QVERIFY(!program.isEmpty());
@@ -190,9 +182,9 @@ class ToviDataTreeTest : public QObject {
         QCOMPARE(doc->GetTotalCountPhoto(), photos.size());
 
         doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyu);
-        QCOMPARE(Dump(*doc), type0);
+        QTEST(Dump(*doc), "type0");
         doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
-        QCOMPARE(Dump(*doc), type2);
+        QTEST(Dump(*doc), "type2");
     }
 
     // Switching the classification keeps the selected photograph: the new selected node is the
@@ -206,7 +198,6 @@ class ToviDataTreeTest : public QObject {
         QTest::newRow("work type to place") << 2 << 1 << 1 << "Y" << QList<int>{1, 3};
         QTest::newRow("place to work type") << 1 << 2 << 1 << "B/C" << QList<int>{1};
         QTest::newRow("blank place") << 2 << 1 << 2 << "【未記入】" << QList<int>{2};
-        QTest::newRow("type 0 to type 2") << 0 << 2 << 1 << "B/C" << QList<int>{1};
         QTest::newRow("held by the root itself") << 1 << 2 << 3 << "" << QList<int>{3, 0, 2, 1};
         QTest::newRow("nothing selected") << 1 << 2 << -1 << "" << QList<int>{3, 0, 2, 1};
         QTest::newRow("in no node") << 2 << 1 << 4 << "" << QList<int>{0, 1, 3, 2};

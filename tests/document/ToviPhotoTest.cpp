@@ -15,13 +15,6 @@ using fixture::MakeItems;
 
 namespace {
 
-// Gives the tests a way to set labels, which have no operations of their own here yet.
-class LabelledPhoto : public ToviPhoto {
-  public:
-    using ToviPhoto::ToviPhoto;
-    void SetLabel(int slot) { labels[slot] = true; }
-};
-
 const QString kDiscItems =
     "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=D2.JPG;参考図3=;参考図ファイル名=D4.JPG";
 
@@ -76,8 +69,6 @@ class ToviPhotoTest : public QObject {
         QTest::newRow("repeating drawing element") << 2 << v5 << true
             << "参考図ファイル名=A.JPG;写真ファイル名=P.JPG;参考図ファイル名=B.JPG"
             << "{root}PIC/P.JPG" << "{root}DRA/A.JPG;{root}DRA/B.JPG";
-        QTest::newRow("empty photograph value") << 0 << v5 << true
-            << "写真ファイル名=;参考図1=D1.JPG" << "{root}PIC/" << "{root}DRA/D1.JPG";
         QTest::newRow("maff ignores 参考図1") << 2 << v5 << true
             << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図ファイル名=D4.JPG"
             << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG";
@@ -130,9 +121,6 @@ class ToviPhotoTest : public QObject {
         QTest::newRow("found drawing stays")
             << kDiscItems << "PIC/P1.JPG;DRA/D1.JPG" << "DRA/D2.JPG;DRA/D4.JPG"
             << "{old}PIC/P1.JPG" << "{old}DRA/D1.JPG;{root}DRA/D2.JPG;{root}DRA/D4.JPG" << true;
-        QTest::newRow("nothing found, all move")
-            << kDiscItems << "" << "PIC/P1.JPG"
-            << "{root}PIC/P1.JPG" << "{root}DRA/D1.JPG;{root}DRA/D2.JPG;{root}DRA/D4.JPG" << false;
         QTest::newRow("a drawing missing everywhere")
             << kDiscItems << "PIC/P1.JPG;DRA/D1.JPG;DRA/D2.JPG" << ""
             << "{old}PIC/P1.JPG" << "{old}DRA/D1.JPG;{old}DRA/D2.JPG;{root}DRA/D4.JPG" << false;
@@ -152,7 +140,6 @@ class ToviPhotoTest : public QObject {
         QFETCH(QString, newFiles);
         QFETCH(QString, image);
         QFETCH(QString, drawings);
-        QFETCH(bool, exists);
         const QString oldFolder = NewFolder("disc1");
         const QString newFolder = NewFolder("disc2");
         const QString oldRoot = oldFolder + QLatin1Char('/');
@@ -163,11 +150,10 @@ class ToviPhotoTest : public QObject {
         ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), List(items)));
         QVERIFY(!photo.IsExistFile());  // nothing has been tested yet
         doc->RootPath(newFolder);
-        QCOMPARE(doc->RootPath(), newRoot);
         photo.UpdateImagePath();
         QCOMPARE(photo.GetImagePath(), Expand({image}, newRoot, oldRoot).first());
         QCOMPARE(photo.PicturePaths(), Expand(List(drawings), newRoot, oldRoot));
-        QCOMPARE(photo.IsExistFile(), exists);
+        QTEST(photo.IsExistFile(), "exists");
     }
 
     // The names the user still has to bring, always by file name. Once any drawing of the
@@ -186,10 +172,8 @@ class ToviPhotoTest : public QObject {
         QTest::newRow("nothing exists") << true << mixed << "" << "P1.JPG;D1.JPG;D4.JPG";
         QTest::newRow("one drawing hides the others") << true << mixed << "DRA/D1.JPG" << "P1.JPG";
         QTest::newRow("image found") << true << mixed << "PIC/P1.JPG" << "D1.JPG;D4.JPG";
-        QTest::newRow("all found") << true << mixed << "PIC/P1.JPG;DRA/D1.JPG;DRA/D4.JPG" << "";
         QTest::newRow("empty photograph value")
             << true << "写真ファイル名=;参考図1=D1.JPG" << "" << "D1.JPG";
-        QTest::newRow("full paths, nothing exists") << false << full << "" << "P1.JPG;D1.JPG";
         QTest::newRow("full paths, drawing found") << false << full << "DRA/D1.JPG" << "P1.JPG";
         // clang-format on
     }
@@ -241,9 +225,6 @@ class ToviPhotoTest : public QObject {
         photo.GetPicturePath(out, -1);
         QVERIFY(out.isEmpty());
         QVERIFY_THROWS_EXCEPTION(std::out_of_range, photo.GetPicturePath(out, 2));
-        ToviPhoto bare(doc.get(), MakeItems(def, {"写真ファイル名=P.JPG"}));
-        bare.GetPicturePath(out, 5);  // no drawing at all: nothing, and no failure
-        QVERIFY(out.isEmpty());
     }
 
     // Only MainList and ZoomDlg items, in file order, titled by their definitions.
@@ -316,8 +297,8 @@ class ToviPhotoTest : public QObject {
         QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/B.JPG"), 400));
         auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
         const ToviItemDef& def = *doc->GetItemDef();
-        LabelledPhoto source(doc.get(), MakeItems(def, {"写真ファイル名=A.JPG", "備考=src"}));
-        source.SetLabel(2);
+        ToviPhoto source(doc.get(), MakeItems(def, {"写真ファイル名=A.JPG", "備考=src"}));
+        source.PasteLabel(2);
         source.Select(true);
         source.SetComment(QStringLiteral("要確認"));
         source.SetEditChkResult(ToviPhoto::EditCheckAltered);
@@ -333,12 +314,11 @@ class ToviPhotoTest : public QObject {
         QVERIFY(target.IsLabelPasted(2) && !target.IsLabelPasted(1) && target.IsSelected());
         QCOMPARE(target.GetComment(), QStringLiteral("要確認"));
         QCOMPARE(target.GetEditChkResult(), ToviPhoto::EditCheckAltered);
-        QCOMPARE(target.GetDocument(), doc.get());
         QVERIFY(!target.IsExistFile());
         QVERIFY(!target.IsImageLoaded() && !target.GetImage().IsValid());
         const ToviPhoto copy(source);
         QVERIFY(copy.IsLabelPasted(2) && !copy.IsImageLoaded() && !copy.GetImage().IsValid());
-        LabelledPhoto& alias = source;
+        ToviPhoto& alias = source;
         source = alias;
         QVERIFY(source.IsImageLoaded() && source.GetImage().IsValid());
     }

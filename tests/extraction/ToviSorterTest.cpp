@@ -51,6 +51,18 @@ std::unique_ptr<ToviData> Open(const QString& folder) {
     return std::unique_ptr<ToviData>(factory.Create(nullptr, folder, PhotoXMLMlit));
 }
 
+// The delivery of PhotoXml(key, values) in folder.
+std::unique_ptr<ToviData> Open(const QString& folder, const QString& key,
+                               const QStringList& values) {
+    QDir().mkpath(folder);
+    QFile file(folder + QStringLiteral("/PHOTO.XML"));
+    if (!file.open(QIODevice::WriteOnly) || file.write(PhotoXml(key, values)) < 0) {
+        return nullptr;
+    }
+    file.close();
+    return Open(folder);
+}
+
 QList<int> Sorted(ToviData& document, const QString& key, bool ascending, const QList<int>& start) {
     document.CurrentArray().Assign(start);
     ToviSorter sorter(&document);
@@ -126,13 +138,8 @@ class ToviSorterTest : public QObject {
         QFETCH(QString, key);
         QFETCH(QStringList, values);
         QFETCH(QList<int>, ascending);
-        const QString folder = temp.filePath(QString::fromUtf8(QTest::currentDataTag()));
-        QVERIFY(QDir().mkpath(folder));
-        QFile file(folder + QStringLiteral("/PHOTO.XML"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(PhotoXml(key, values));
-        file.close();
-        std::unique_ptr<ToviData> document = Open(folder);
+        std::unique_ptr<ToviData> document =
+            Open(temp.filePath(QString::fromUtf8(QTest::currentDataTag())), key, values);
         QVERIFY(document);
         QCOMPARE(document->GetTotalCountPhoto(), values.size());
 
@@ -146,12 +153,8 @@ class ToviSorterTest : public QObject {
     // Nothing to sort is no failure: an empty current array stays empty, and a sorter without
     // a document orders by index.
     void emptyArrayAndNoDocument() {
-        DeliveryOptions options;
-        options.photoCount = 5;
-        options.images = DeliveryOptions::Images::None;
-        WrittenDelivery written;
-        QVERIFY(WriteDelivery(temp.filePath(QStringLiteral("small")), options, &written, nullptr));
-        std::unique_ptr<ToviData> document = Open(written.photoFolder);
+        std::unique_ptr<ToviData> document = Open(temp.filePath(QStringLiteral("small")),
+                                                  QStringLiteral("撮影年月日"), {"2023-04-02", ""});
         QVERIFY(document);
         for (bool ascending : {true, false}) {
             QVERIFY(Sorted(*document, QStringLiteral("撮影年月日"), ascending, {}).isEmpty());
@@ -172,7 +175,7 @@ class ToviSorterTest : public QObject {
     // reverse of ascending.
     void generatedDelivery_data() {
         QTest::addColumn<QString>("key");
-        for (const char* key : {"撮影年月日", "写真タイトル", "シリアル番号", "工種", "撮影箇所"}) {
+        for (const char* key : {"撮影年月日", "写真タイトル", "シリアル番号"}) {
             QTest::newRow(key) << QString::fromUtf8(key);
         }
     }
@@ -201,11 +204,7 @@ class ToviSorterTest : public QObject {
         std::shuffle(start.begin(), start.end(), rng);
 
         const QList<int> up = Sorted(*delivery, key, true, start);
-        QList<int> expectedSet = start;
-        QList<int> gotSet = up;
-        std::sort(expectedSet.begin(), expectedSet.end());
-        std::sort(gotSet.begin(), gotSet.end());
-        QCOMPARE(gotSet, expectedSet);
+        QVERIFY(std::is_permutation(up.begin(), up.end(), start.begin(), start.end()));
 
         const bool numeric = key == QStringLiteral("シリアル番号");
         int distinct = 1;

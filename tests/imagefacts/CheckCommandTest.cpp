@@ -129,9 +129,7 @@ QList<int> CheckCommandTest::Results(const QJsonObject& json) {
 
 void CheckCommandTest::jsonResultsAndCounts() {
     const QString program = ProgramFolder(QStringLiteral("withBoth"), {"RVRFYJPG", "JACICCHS"});
-    const Run run =
-        Tovi(program, {QStringLiteral("check"), written.photoFolder, QStringLiteral("--types"),
-                       QStringLiteral("0,2,1"), QStringLiteral("--json")});
+    const Run run = Tovi(program, {"check", written.photoFolder, "--types", "0,2,1", "--json"});
     QCOMPARE(run.exitCode, 0);
     QVERIFY2(run.err.isEmpty(), qPrintable(run.err));
     QJsonParseError error;
@@ -139,11 +137,8 @@ void CheckCommandTest::jsonResultsAndCounts() {
     QCOMPARE(error.error, QJsonParseError::NoError);
 
     QCOMPARE(Results(json), QList<int>({1, 3, 1, 2, 3}));
-    const QJsonObject counts = json[QStringLiteral("counts")].toObject();
-    QCOMPARE(counts[QStringLiteral("0")].toInt(), 0);
-    QCOMPARE(counts[QStringLiteral("1")].toInt(), 2);
-    QCOMPARE(counts[QStringLiteral("2")].toInt(), 1);
-    QCOMPARE(counts[QStringLiteral("3")].toInt(), 2);
+    QCOMPARE(json[QStringLiteral("counts")].toObject(),
+             QJsonObject({{"0", 0}, {"1", 2}, {"2", 1}, {"3", 2}}));
     QCOMPARE(json[QStringLiteral("types")].toArray(), QJsonArray({0, 2, 1}));
     const QJsonArray verifiers = json[QStringLiteral("verifiers")].toArray();
     QCOMPARE(verifiers.size(), 2);
@@ -157,8 +152,7 @@ void CheckCommandTest::jsonResultsAndCounts() {
 void CheckCommandTest::textResultsAndCounts() {
     const QString program = ProgramFolder(QStringLiteral("withBoth"), {"RVRFYJPG", "JACICCHS"});
     // The hash checker alone: the maker's cameras are its to judge too.
-    const Run run = Tovi(program, {QStringLiteral("check"), written.photoFolder,
-                                   QStringLiteral("--types"), QStringLiteral("1")});
+    const Run run = Tovi(program, {"check", written.photoFolder, "--types", "1"});
     QCOMPARE(run.exitCode, 0);
     const QStringList lines =
         QString::fromUtf8(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -175,9 +169,7 @@ void CheckCommandTest::textResultsAndCounts() {
 
 void CheckCommandTest::withoutVerifierLibraries() {
     // The build's own tovi has no verifier beside it.
-    const Run run =
-        Tovi(bin, {QStringLiteral("check"), written.photoFolder, QStringLiteral("--types"),
-                   QStringLiteral("0,1"), QStringLiteral("--json")});
+    const Run run = Tovi(bin, {"check", written.photoFolder, "--types", "0,1", "--json"});
     QCOMPARE(run.exitCode, 0);  // the check ran; its answer is "unknown"
     const QJsonObject json = QJsonDocument::fromJson(run.out).object();
     QCOMPARE(Results(json), QList<int>({3, 3, 3, 3, 3}));
@@ -193,9 +185,7 @@ void CheckCommandTest::withoutVerifierLibraries() {
 
 void CheckCommandTest::libraryThatDoesNotLoad() {
     const QString program = ProgramFolder(QStringLiteral("junk"), {"RVRFYJPG"}, true);
-    const Run run =
-        Tovi(program, {QStringLiteral("check"), written.photoFolder, QStringLiteral("--types"),
-                       QStringLiteral("1,0"), QStringLiteral("--json")});
+    const Run run = Tovi(program, {"check", written.photoFolder, "--types", "1,0", "--json"});
     // The maker's verifier still answers for its cameras; the rest stays unknown.
     QCOMPARE(run.exitCode, 0);
     const QJsonObject json = QJsonDocument::fromJson(run.out).object();
@@ -215,8 +205,7 @@ void CheckCommandTest::savedTypesUsedAndSettingKept() {
         profile.setValue(QStringLiteral("VisualSetting/EditCheckTypes"), QStringLiteral("0"));
     }
     const QString program = ProgramFolder(QStringLiteral("withBoth"), {"RVRFYJPG", "JACICCHS"});
-    const Run run =
-        Tovi(program, {QStringLiteral("check"), written.photoFolder, QStringLiteral("--json")});
+    const Run run = Tovi(program, {"check", written.photoFolder, "--json"});
     QCOMPARE(run.exitCode, 0);
     // Only the maker's verifier, as saved: the other cameras are no target of it.
     QCOMPARE(Results(QJsonDocument::fromJson(run.out).object()), QList<int>({1, 3, 3, 3, 3}));
@@ -233,7 +222,6 @@ void CheckCommandTest::usage_data() {
 
     QTest::newRow("type 3") << QStringList{"check", "{d}", "--types", "0,3"} << 2;
     QTest::newRow("empty types") << QStringList{"check", "{d}", "--types", ""} << 2;
-    QTest::newRow("empty piece") << QStringList{"check", "{d}", "--types", "0,,1"} << 2;
     QTest::newRow("no types value") << QStringList{"check", "{d}", "--types"} << 2;
     QTest::newRow("eleven types") << QStringList{"check", "{d}", "--types", "0,1,2,0,1,2,0,1,2,0,1"}
                                   << 2;

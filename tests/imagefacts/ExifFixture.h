@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QSettings>
 #include <QString>
+#include <QtEndian>
 
 #include <functional>
 
@@ -87,14 +88,6 @@ inline void PutLe(QByteArray& bytes, qsizetype at, quint32 value, int size) {
     }
 }
 
-inline quint32 GetLe32(const QByteArray& bytes, qsizetype at) {
-    quint32 value = 0;
-    for (int i = 3; i >= 0; --i) {
-        value = (value << 8) | static_cast<uchar>(bytes[at + i]);
-    }
-    return value;
-}
-
 // Position of the directory entry (tag, type, count) in the writer's little-endian Exif block,
 // and of the block's TIFF header; -1 when there is none.
 inline qsizetype FindEntry(const QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
@@ -120,7 +113,9 @@ inline bool PatchValue(QByteArray& jpeg, quint16 tag, quint16 type, quint32 coun
     if (entry < 0) {
         return false;
     }
-    const qsizetype at = value.size() <= 4 ? entry + 8 : tiff + GetLe32(jpeg, entry + 8);
+    const qsizetype at = value.size() <= 4
+                             ? entry + 8
+                             : tiff + qFromLittleEndian<quint32>(jpeg.constData() + entry + 8);
     if (at + value.size() > jpeg.size()) {
         return false;
     }

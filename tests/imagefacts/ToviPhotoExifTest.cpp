@@ -25,11 +25,6 @@ QString FileValue(const ToviPhoto& photo, const QString& title) {
     return value;
 }
 
-// A file of exactly this many bytes that is not a picture.
-QByteArray Filler(qsizetype size) {
-    return QByteArray(size, 'x');
-}
-
 }  // namespace
 
 // What a photograph answers about its file: whether it has Exif, the Exif values and the file
@@ -89,18 +84,10 @@ void ToviPhotoExifTest::checkExif_data() {
                                         f.exifVersion = QByteArray("\x01\x02\x03\x04", 4);
                                     }))
         << false;
-    QTest::newRow("not a picture") << "P1.JPG" << QByteArray("hello") << false;
     QTest::newRow("missing file") << "P1.JPG" << QByteArray("<none>") << false;
     QTest::newRow("SVG with a main image") << "P1.SVG" << SvgWithJpeg(ExifFacts()) << true;
     QTest::newRow("SVG with a plain main image")
         << "P1.SVG" << SvgWithHref(JpegDataUri(plain)) << false;
-    QTest::newRow("SVG without an image") << "P1.SVG"
-                                          << QByteArray(
-                                                 "<svg xmlns=\"http://www.w3.org/2000/"
-                                                 "svg\"/>")
-                                          << false;
-    QTest::newRow("SVG with a broken data URI")
-        << "P1.SVG" << SvgWithHref("data:image/jpeg;base64,*" + exif.toBase64().left(99)) << false;
     QTest::newRow("lower-case .svg") << "P1.svg" << SvgWithJpeg(ExifFacts()) << false;
 }
 
@@ -140,58 +127,36 @@ void ToviPhotoExifTest::exifByTitle_data() {
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("value");
 
-    QTest::newRow("shooting date") << "撮影日時"
-                                   << "2022/08/09 10:11:12";
-    QTest::newRow("file change date") << "ファイル変更日時"
-                                      << "2022/08/09 10:11:12";
-    QTest::newRow("size") << "幅×高さ(Exif)"
-                          << "320 x 240";
-    QTest::newRow("pixels") << "総画素数(Exif)"
-                            << "76800";
-    QTest::newRow("maker") << "画像入力機器のメーカー名"
-                           << "ORVANE";
-    QTest::newRow("model") << "画像入力機器のモデル名"
-                           << "FIELD-CAM G7";
-    QTest::newRow("author, as the list names it") << "作成者"
-                                                  << "鈴木 一郎";
-    QTest::newRow("author, as the settings name it") << "作者名"
-                                                     << "";
-    QTest::newRow("copyright") << "撮影著作権者/編集著作権者"
-                               << "Orvane";
-    QTest::newRow("version") << "Exifバージョン"
-                             << "2.30";
-    QTest::newRow("exposure") << "露出時間"
-                              << "1/125 秒";
-    QTest::newRow("shutter speed") << "シャッタースピード"
-                                   << "1/125 秒";
-    QTest::newRow("aperture") << "絞り値"
-                              << "F4";
-    QTest::newRow("bias") << "露光補正値"
-                          << "-0.7 EV";
-    QTest::newRow("lens, as the settings name it") << "レンズ最少F値"
-                                                   << "F2.8";
-    QTest::newRow("lens, as the group names it") << "レンズ最小F値"
-                                                 << "";
-    QTest::newRow("metering") << "測光方式"
-                              << "Multi-segment";
-    QTest::newRow("flash") << "フラッシュ"
-                           << "Fired";
-    QTest::newRow("focal length") << "レンズの焦点距離"
-                                  << "6.1 mm";
-    QTest::newRow("F number") << "Fナンバー"
-                              << "F4";
-    QTest::newRow("latitude") << "緯度"
-                              << "N 35°39'29.16\"";
-    QTest::newRow("longitude") << "経度"
-                               << "E 139°44'28.86\"";
-    QTest::newRow("altitude") << "高度"
-                              << "12.3 m";
-    QTest::newRow("unknown value reads empty") << "使用ソフトウェア名"
-                                               << "";
-    QTest::newRow("file title") << "ファイルサイズ"
-                                << "";
-    QTest::newRow("unknown title") << "撮影者"
-                                   << "";
+    // Titles reading the same value as another (the dates, shutter speed and F number) are
+    // left out; the settings' spellings 作者名 and レンズ最小F値 find nothing, as intended.
+    const QList<std::pair<const char*, const char*>> rows{
+        {"撮影日時", "2022/08/09 10:11:12"},
+        {"幅×高さ(Exif)", "320 x 240"},
+        {"総画素数(Exif)", "76800"},
+        {"画像入力機器のメーカー名", "ORVANE"},
+        {"画像入力機器のモデル名", "FIELD-CAM G7"},
+        {"作成者", "鈴木 一郎"},
+        {"作者名", ""},
+        {"撮影著作権者/編集著作権者", "Orvane"},
+        {"Exifバージョン", "2.30"},
+        {"露出時間", "1/125 秒"},
+        {"絞り値", "F4"},
+        {"露光補正値", "-0.7 EV"},
+        {"レンズ最少F値", "F2.8"},
+        {"レンズ最小F値", ""},
+        {"測光方式", "Multi-segment"},
+        {"フラッシュ", "Fired"},
+        {"レンズの焦点距離", "6.1 mm"},
+        {"緯度", "N 35°39'29.16\""},
+        {"経度", "E 139°44'28.86\""},
+        {"高度", "12.3 m"},
+        {"使用ソフトウェア名", ""},  // unknown reads empty
+        {"ファイルサイズ", ""},      // a file title
+        {"撮影者", ""},
+    };
+    for (const auto& [title, value] : rows) {
+        QTest::newRow(title) << QString::fromUtf8(title) << QString::fromUtf8(value);
+    }
 }
 
 void ToviPhotoExifTest::exifByTitle() {
@@ -240,8 +205,6 @@ void ToviPhotoExifTest::pixelCount_data() {
     QTest::addColumn<QString>("dimensions");
     QTest::addColumn<QString>("pixels");
 
-    QTest::newRow("12,345") << QSize(12345, 1) << "12345×1"
-                            << "1万画素";
     QTest::newRow("15,000 rounds up") << QSize(15000, 1) << "15000×1"
                                       << "2万画素";
     QTest::newRow("14,999 rounds down") << QSize(14999, 1) << "14999×1"
@@ -250,8 +213,6 @@ void ToviPhotoExifTest::pixelCount_data() {
                             << "1万画素";
     QTest::newRow("9,999 as it is") << QSize(9999, 1) << "9999×1"
                                     << "9999画素";
-    QTest::newRow("VGA") << QSize(640, 480) << "640×480"
-                         << "31万画素";
     QTest::newRow("width first") << QSize(48, 640) << "48×640"
                                  << "3万画素";
 }
@@ -272,10 +233,8 @@ void ToviPhotoExifTest::fileSize_data() {
     QTest::addColumn<qsizetype>("bytes");
     QTest::addColumn<QString>("shown");
 
-    QTest::newRow("empty") << qsizetype(0) << "0 KB";
     QTest::newRow("1,023 bytes") << qsizetype(1023) << "0 KB";
     QTest::newRow("1,024 bytes") << qsizetype(1024) << "1 KB";
-    QTest::newRow("2,047 bytes") << qsizetype(2047) << "1 KB";
     QTest::newRow("just under 1 MB") << qsizetype(1048575) << "1023 KB";
 }
 
@@ -284,7 +243,7 @@ void ToviPhotoExifTest::fileSize() {
     QFETCH(QString, shown);
 
     const QString path = Path(QStringLiteral("P0000001.JPG"));
-    QVERIFY(WriteBytes(path, Filler(bytes)));
+    QVERIFY(WriteBytes(path, QByteArray(bytes, 'x')));
     const ToviPhoto photo(path);
     QCOMPARE(FileValue(photo, QStringLiteral("ファイルサイズ")), shown);
     // Not a picture: no dimensions.
@@ -294,7 +253,7 @@ void ToviPhotoExifTest::fileSize() {
 
 void ToviPhotoExifTest::fileDates() {
     const QString path = Path(QStringLiteral("P0000001.JPG"));
-    QVERIFY(WriteBytes(path, Filler(10)));
+    QVERIFY(WriteBytes(path, QByteArray(10, 'x')));
     {
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadWrite));
@@ -320,7 +279,6 @@ void ToviPhotoExifTest::readOnly_data() {
     QTest::newRow("writable") << "P1.JPG" << true << "No";
     QTest::newRow("read-only") << "P1.JPG" << false << "Yes";
     QTest::newRow("read-only and hidden") << ".P1.JPG" << false << "No";
-    QTest::newRow("hidden, writable") << ".P1.JPG" << true << "No";
 }
 
 void ToviPhotoExifTest::readOnly() {
@@ -329,7 +287,7 @@ void ToviPhotoExifTest::readOnly() {
     QFETCH(QString, shown);
 
     const QString path = Path(name);
-    QVERIFY(WriteBytes(path, Filler(5)));
+    QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
     QFileDevice::Permissions permissions = QFileDevice::ReadOwner | QFileDevice::ReadGroup;
     if (writable) {
         permissions |= QFileDevice::WriteOwner;
@@ -354,7 +312,7 @@ void ToviPhotoExifTest::missingFileHasNoFacts() {
     }
     // A known file and an unknown title.
     const QString path = Path(QStringLiteral("P1.JPG"));
-    QVERIFY(WriteBytes(path, Filler(5)));
+    QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
     QCOMPARE(FileValue(ToviPhoto(path), QStringLiteral("種類")), QString());
 }
 

@@ -54,243 +54,218 @@ class LumImageTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void init();
+    void init() {
+        dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(dir->isValid());
+        // Unreadable files are an ordinary outcome: nothing may be printed for them.
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    }
+    void thumbnailSource_data() {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<bool>("writeExif");
+        QTest::addColumn<bool>("embed");
+        QTest::addColumn<QSize>("thumb");
 
-    void thumbnailSource_data();
-    void thumbnailSource();
-    void orientation_data();
-    void orientation();
-    void unreadableFiles_data();
-    void unreadableFiles();
-    void dataAfterEndOfImage();
-    void svgDrawing();
-    void monoBecomesGrey();
+        QTest::newRow("Exif thumbnail") << QSize(2400, 1800) << true << true << QSize(160, 120);
+        QTest::newRow("no thumbnail: 1/8") << QSize(2400, 1800) << true << false << QSize(300, 225);
+        QTest::newRow("no Exif: 1/4 keeps 256")
+            << QSize(1024, 768) << false << false << QSize(256, 192);
+        QTest::newRow("no Exif: 1/2") << QSize(1000, 600) << false << false << QSize(500, 300);
+        QTest::newRow("small: whole") << QSize(300, 200) << false << false << QSize(300, 200);
+        QTest::newRow("uneven size") << QSize(2401, 1799) << true << false << QSize(300, 224);
+    }
+    void thumbnailSource() {
+        QFETCH(QSize, size);
+        QFETCH(bool, writeExif);
+        QFETCH(bool, embed);
+        QFETCH(QSize, thumb);
+
+        ExifFacts facts;
+        facts.writeExif = writeExif;
+        facts.embedThumbnail = embed;
+        const QString path = dir->filePath(QStringLiteral("P0000001.JPG"));
+        QVERIFY(WriteExifJpeg(path, Quadrants(size), facts));
+
+        LumImage image;
+        QVERIFY(image.LoadThumb(path));
+        QCOMPARE(QSize(image.Width(), image.Height()), thumb);
+        QVERIFY(Near(image.Image().pixel(2, 2), Qt::red));
+        QVERIFY(Near(image.Image().pixel(image.Width() - 3, image.Height() - 3), Qt::yellow));
+
+        QVERIFY(image.Load(path));
+        QCOMPARE(image.Image().size(), size);
+    }
+    void orientation_data() {
+        QTest::addColumn<Way>("way");
+        QTest::addColumn<bool>("embed");
+        QTest::addColumn<int>("orientation");
+        // The colours seen at the top-left, top-right and bottom-left of the upright picture.
+        QTest::addColumn<QColor>("topLeft");
+        QTest::addColumn<QColor>("topRight");
+        QTest::addColumn<QColor>("bottomLeft");
+
+        const struct {
+            int orientation;
+            QColor topLeft, topRight, bottomLeft;
+        } rows[] = {
+            {1, Qt::red, Qt::green, Qt::blue},    {2, Qt::green, Qt::red, Qt::yellow},
+            {3, Qt::yellow, Qt::blue, Qt::green}, {4, Qt::blue, Qt::yellow, Qt::red},
+            {5, Qt::red, Qt::blue, Qt::green},    {6, Qt::blue, Qt::red, Qt::yellow},
+            {7, Qt::yellow, Qt::green, Qt::blue}, {8, Qt::green, Qt::yellow, Qt::red},
+        };
+        // Every turn through Load; the thumbnail paths share the turning, so one each.
+        for (const auto& row : rows) {
+            QTest::addRow("%d, Load", row.orientation)
+                << Way::Load << true << row.orientation << row.topLeft << row.topRight
+                << row.bottomLeft;
+        }
+        QTest::newRow("6, Exif thumbnail")
+            << Way::Thumb << true << 6 << QColor(Qt::blue) << QColor(Qt::red) << QColor(Qt::yellow);
+        QTest::newRow("7, decoded thumbnail") << Way::Thumb << false << 7 << QColor(Qt::yellow)
+                                              << QColor(Qt::green) << QColor(Qt::blue);
+    }
+    void orientation() {
+        QFETCH(Way, way);
+        QFETCH(bool, embed);
+        QFETCH(int, orientation);
+        QFETCH(QColor, topLeft);
+        QFETCH(QColor, topRight);
+        QFETCH(QColor, bottomLeft);
+
+        ExifFacts facts;
+        facts.orientation = orientation;
+        facts.embedThumbnail = embed;
+        facts.thumbnailSize = QSize(160, 80);
+        const QString path = dir->filePath(QStringLiteral("turned.jpg"));
+        QVERIFY(WriteExifJpeg(path, Quadrants(QSize(640, 320)), facts));
+
+        LumImage image;
+        QVERIFY(LoadWay(image, way, path));
+        const QImage& picture = image.Image();
+        const bool upright = orientation >= 5;
+        QCOMPARE(picture.width() > picture.height(), !upright);
+        const int right = picture.width() - 3;
+        const int bottom = picture.height() - 3;
+        QVERIFY2(Near(picture.pixel(2, 2), topLeft), "top left");
+        QVERIFY2(Near(picture.pixel(right, 2), topRight), "top right");
+        QVERIFY2(Near(picture.pixel(2, bottom), bottomLeft), "bottom left");
+    }
+    void unreadableFiles_data() {
+        QTest::addColumn<Way>("way");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");  // null: the file is not written at all
+
+        ExifFacts withThumb;
+        const QByteArray jpeg = MakeExifJpeg(Quadrants(QSize(640, 480)), withThumb);
+        QVERIFY(!jpeg.isEmpty());
+        QByteArray png;
+        {
+            QBuffer buffer(&png);
+            buffer.open(QIODevice::WriteOnly);
+            Quadrants(QSize(64, 64)).save(&buffer, "PNG");
+        }
+
+        const struct {
+            const char* row;
+            QString name;
+            QByteArray bytes;
+        } files[] = {
+            {"missing file", QStringLiteral("none.JPG"), QByteArray()},
+            {"empty file", QStringLiteral("empty.JPG"), QByteArray("")},
+            {"text named .JPG", QStringLiteral("note.JPG"), QByteArray("not a picture\r\n")},
+            {"cut in the scan, Exif thumbnail intact", QStringLiteral("cut.JPG"),
+             jpeg.left(jpeg.size() * 2 / 3)},
+            {"cut inside the Exif block", QStringLiteral("cut3.JPG"), jpeg.left(300)},
+            {"cut PNG", QStringLiteral("cut.png"), png.left(png.size() / 2)},
+            {"cut SVG", QStringLiteral("cut.svg"), QByteArray(kSvg).left(120)},
+        };
+        for (const auto& file : files) {
+            for (Way way : {Way::Load, Way::Thumb}) {
+                QTest::addRow("%s, %s", file.row, way == Way::Load ? "Load" : "LoadThumb")
+                    << way << file.name << file.bytes;
+            }
+        }
+    }
+    void unreadableFiles() {
+        QFETCH(Way, way);
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+
+        const QString good = dir->filePath(QStringLiteral("good.JPG"));
+        QVERIFY(WriteExifJpeg(good, Quadrants(QSize(64, 48)), ExifFacts()));
+        const QString path = dir->filePath(name);
+        if (!bytes.isNull()) {
+            WriteBytes(path, bytes);
+        }
+
+        LumImage image;
+        QVERIFY(image.Load(good));
+        QVERIFY(!LoadWay(image, way, path));
+        QVERIFY(!image.IsValid());
+        QCOMPARE(image.Width(), 0);
+        QVERIFY(!image.ConvGrayScaleFromMono());
+    }
+    void dataAfterEndOfImage() {
+        // Some cameras append their own records after the picture; that is not a cut file.
+        ExifFacts facts;
+        facts.embedThumbnail = false;
+        QByteArray bytes = MakeExifJpeg(Quadrants(QSize(800, 600)), facts);
+        bytes += QByteArray(70000, '\0') + QByteArray("MAKER TRAILER");
+        const QString path = dir->filePath(QStringLiteral("trailer.JPG"));
+        WriteBytes(path, bytes);
+
+        LumImage image;
+        QVERIFY(image.LoadThumb(path));
+        QCOMPARE(image.Image().size(), QSize(400, 300));
+        QVERIFY(image.Load(path));
+        QCOMPARE(image.Image().size(), QSize(800, 600));
+    }
+    void svgDrawing() {
+        const QString path = dir->filePath(QStringLiteral("DRAWING.SVG"));
+        WriteBytes(path, kSvg);
+
+        LumImage image;
+        QVERIFY(image.LoadThumb(path));
+        QCOMPARE(image.Image().size(), QSize(256, 128));
+        QVERIFY(Near(image.Image().pixel(10, 64), Qt::red));
+        QVERIFY(Near(image.Image().pixel(246, 64), Qt::white));
+
+        QVERIFY(image.Load(path));
+        QCOMPARE(image.Image().size(), QSize(800, 400));
+        QVERIFY(Near(image.Image().pixel(399, 200), Qt::red));
+        QVERIFY(Near(image.Image().pixel(401, 200), Qt::white));
+    }
+    void monoBecomesGrey() {
+        QImage mono(40, 20, QImage::Format_Mono);
+        mono.fill(1);
+        for (int x = 0; x < 40; x += 2) {
+            mono.setPixel(x, 5, 0);
+        }
+        const QString path = dir->filePath(QStringLiteral("LINE.TIF"));
+        QVERIFY(mono.save(path, "TIFF"));
+
+        LumImage image;
+        QVERIFY(image.Load(path));
+        QVERIFY(image.Image().depth() == 1);
+        QVERIFY(image.ConvGrayScaleFromMono());
+        const QImage& grey = image.Image();
+        QCOMPARE(grey.format(), QImage::Format_Grayscale8);
+        QCOMPARE(grey.size(), QSize(40, 20));
+        QCOMPARE(qGray(grey.pixel(0, 5)), qGray(mono.pixel(0, 5)));
+        QCOMPARE(qGray(grey.pixel(1, 5)), qGray(mono.pixel(1, 5)));
+        QVERIFY(qGray(grey.pixel(0, 5)) != qGray(grey.pixel(1, 5)));
+        QVERIFY(!image.ConvGrayScaleFromMono());  // already grey
+
+        QVERIFY(WriteExifJpeg(dir->filePath(QStringLiteral("c.jpg")), Quadrants(QSize(32, 32)),
+                              ExifFacts()));
+        QVERIFY(image.Load(dir->filePath(QStringLiteral("c.jpg"))));
+        QVERIFY(!image.ConvGrayScaleFromMono());
+        QCOMPARE(image.Image().format(), QImage::Format_RGB32);
+    }
 
   private:
     std::unique_ptr<QTemporaryDir> dir;
 };
-
-void LumImageTest::init() {
-    dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(dir->isValid());
-    // Unreadable files are an ordinary outcome: nothing may be printed for them.
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-}
-
-void LumImageTest::thumbnailSource_data() {
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<bool>("writeExif");
-    QTest::addColumn<bool>("embed");
-    QTest::addColumn<QSize>("thumb");
-
-    QTest::newRow("Exif thumbnail") << QSize(2400, 1800) << true << true << QSize(160, 120);
-    QTest::newRow("no thumbnail: 1/8") << QSize(2400, 1800) << true << false << QSize(300, 225);
-    QTest::newRow("no thumbnail: 1/4") << QSize(1600, 1200) << true << false << QSize(400, 300);
-    QTest::newRow("no Exif: 1/4 keeps 256")
-        << QSize(1024, 768) << false << false << QSize(256, 192);
-    QTest::newRow("no Exif: 1/2") << QSize(1000, 600) << false << false << QSize(500, 300);
-    QTest::newRow("small: whole") << QSize(300, 200) << false << false << QSize(300, 200);
-    QTest::newRow("uneven size") << QSize(2401, 1799) << true << false << QSize(300, 224);
-}
-
-void LumImageTest::thumbnailSource() {
-    QFETCH(QSize, size);
-    QFETCH(bool, writeExif);
-    QFETCH(bool, embed);
-    QFETCH(QSize, thumb);
-
-    ExifFacts facts;
-    facts.writeExif = writeExif;
-    facts.embedThumbnail = embed;
-    const QString path = dir->filePath(QStringLiteral("P0000001.JPG"));
-    QVERIFY(WriteExifJpeg(path, Quadrants(size), facts));
-
-    LumImage image;
-    QVERIFY(image.LoadThumb(path));
-    QCOMPARE(QSize(image.Width(), image.Height()), thumb);
-    QVERIFY(Near(image.Image().pixel(2, 2), Qt::red));
-    QVERIFY(Near(image.Image().pixel(image.Width() - 3, image.Height() - 3), Qt::yellow));
-
-    QVERIFY(image.Load(path));
-    QCOMPARE(image.Image().size(), size);
-}
-
-void LumImageTest::orientation_data() {
-    QTest::addColumn<Way>("way");
-    QTest::addColumn<bool>("embed");
-    QTest::addColumn<int>("orientation");
-    // The colours seen at the top-left, top-right and bottom-left of the upright picture.
-    QTest::addColumn<QColor>("topLeft");
-    QTest::addColumn<QColor>("topRight");
-    QTest::addColumn<QColor>("bottomLeft");
-
-    const struct {
-        int orientation;
-        QColor topLeft, topRight, bottomLeft;
-    } rows[] = {
-        {1, Qt::red, Qt::green, Qt::blue},    {2, Qt::green, Qt::red, Qt::yellow},
-        {3, Qt::yellow, Qt::blue, Qt::green}, {4, Qt::blue, Qt::yellow, Qt::red},
-        {5, Qt::red, Qt::blue, Qt::green},    {6, Qt::blue, Qt::red, Qt::yellow},
-        {7, Qt::yellow, Qt::green, Qt::blue}, {8, Qt::green, Qt::yellow, Qt::red},
-    };
-    for (const auto& row : rows) {
-        for (const auto& [name, way, embed] :
-             {std::tuple("Load", Way::Load, true), std::tuple("Exif thumbnail", Way::Thumb, true),
-              std::tuple("decoded thumbnail", Way::Thumb, false)}) {
-            QTest::addRow("%d, %s", row.orientation, name)
-                << way << embed << row.orientation << row.topLeft << row.topRight << row.bottomLeft;
-        }
-    }
-}
-
-void LumImageTest::orientation() {
-    QFETCH(Way, way);
-    QFETCH(bool, embed);
-    QFETCH(int, orientation);
-    QFETCH(QColor, topLeft);
-    QFETCH(QColor, topRight);
-    QFETCH(QColor, bottomLeft);
-
-    ExifFacts facts;
-    facts.orientation = orientation;
-    facts.embedThumbnail = embed;
-    facts.thumbnailSize = QSize(160, 80);
-    const QString path = dir->filePath(QStringLiteral("turned.jpg"));
-    QVERIFY(WriteExifJpeg(path, Quadrants(QSize(640, 320)), facts));
-
-    LumImage image;
-    QVERIFY(LoadWay(image, way, path));
-    const QImage& picture = image.Image();
-    const bool upright = orientation >= 5;
-    QCOMPARE(picture.width() > picture.height(), !upright);
-    const int right = picture.width() - 3;
-    const int bottom = picture.height() - 3;
-    QVERIFY2(Near(picture.pixel(2, 2), topLeft), "top left");
-    QVERIFY2(Near(picture.pixel(right, 2), topRight), "top right");
-    QVERIFY2(Near(picture.pixel(2, bottom), bottomLeft), "bottom left");
-}
-
-void LumImageTest::unreadableFiles_data() {
-    QTest::addColumn<Way>("way");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("bytes");  // null: the file is not written at all
-
-    ExifFacts withThumb;
-    const QByteArray jpeg = MakeExifJpeg(Quadrants(QSize(640, 480)), withThumb);
-    QVERIFY(!jpeg.isEmpty());
-    ExifFacts plain;
-    plain.writeExif = false;
-    const QByteArray bare = MakeExifJpeg(Quadrants(QSize(640, 480)), plain);
-    QByteArray png;
-    {
-        QBuffer buffer(&png);
-        buffer.open(QIODevice::WriteOnly);
-        Quadrants(QSize(64, 64)).save(&buffer, "PNG");
-    }
-
-    const struct {
-        const char* row;
-        QString name;
-        QByteArray bytes;
-    } files[] = {
-        {"missing file", QStringLiteral("none.JPG"), QByteArray()},
-        {"empty file", QStringLiteral("empty.JPG"), QByteArray("")},
-        {"text named .JPG", QStringLiteral("note.JPG"), QByteArray("not a picture\r\n")},
-        {"cut in the scan, Exif thumbnail intact", QStringLiteral("cut.JPG"),
-         jpeg.left(jpeg.size() * 2 / 3)},
-        {"cut in the scan, no Exif", QStringLiteral("cut2.JPG"), bare.left(bare.size() / 2)},
-        {"cut inside the Exif block", QStringLiteral("cut3.JPG"), jpeg.left(300)},
-        {"cut PNG", QStringLiteral("cut.png"), png.left(png.size() / 2)},
-        {"text named .svg", QStringLiteral("note.svg"), QByteArray("not a drawing")},
-        {"cut SVG", QStringLiteral("cut.svg"), QByteArray(kSvg).left(120)},
-    };
-    for (const auto& file : files) {
-        for (Way way : {Way::Load, Way::Thumb}) {
-            QTest::addRow("%s, %s", file.row, way == Way::Load ? "Load" : "LoadThumb")
-                << way << file.name << file.bytes;
-        }
-    }
-}
-
-void LumImageTest::unreadableFiles() {
-    QFETCH(Way, way);
-    QFETCH(QString, name);
-    QFETCH(QByteArray, bytes);
-
-    const QString good = dir->filePath(QStringLiteral("good.JPG"));
-    QVERIFY(WriteExifJpeg(good, Quadrants(QSize(64, 48)), ExifFacts()));
-    const QString path = dir->filePath(name);
-    if (!bytes.isNull()) {
-        WriteBytes(path, bytes);
-    }
-
-    LumImage image;
-    QVERIFY(image.Load(good));
-    QVERIFY(!LoadWay(image, way, path));
-    QVERIFY(!image.IsValid());
-    QCOMPARE(image.Width(), 0);
-    QVERIFY(!image.ConvGrayScaleFromMono());
-}
-
-void LumImageTest::dataAfterEndOfImage() {
-    // Some cameras append their own records after the picture; that is not a cut file.
-    ExifFacts facts;
-    facts.embedThumbnail = false;
-    QByteArray bytes = MakeExifJpeg(Quadrants(QSize(800, 600)), facts);
-    bytes += QByteArray(70000, '\0') + QByteArray("MAKER TRAILER");
-    const QString path = dir->filePath(QStringLiteral("trailer.JPG"));
-    WriteBytes(path, bytes);
-
-    LumImage image;
-    QVERIFY(image.LoadThumb(path));
-    QCOMPARE(image.Image().size(), QSize(400, 300));
-    QVERIFY(image.Load(path));
-    QCOMPARE(image.Image().size(), QSize(800, 600));
-}
-
-void LumImageTest::svgDrawing() {
-    const QString path = dir->filePath(QStringLiteral("DRAWING.SVG"));
-    WriteBytes(path, kSvg);
-
-    LumImage image;
-    QVERIFY(image.LoadThumb(path));
-    QCOMPARE(image.Image().size(), QSize(256, 128));
-    QVERIFY(Near(image.Image().pixel(10, 64), Qt::red));
-    QVERIFY(Near(image.Image().pixel(246, 64), Qt::white));
-
-    QVERIFY(image.Load(path));
-    QCOMPARE(image.Image().size(), QSize(800, 400));
-    QVERIFY(Near(image.Image().pixel(399, 200), Qt::red));
-    QVERIFY(Near(image.Image().pixel(401, 200), Qt::white));
-}
-
-void LumImageTest::monoBecomesGrey() {
-    QImage mono(40, 20, QImage::Format_Mono);
-    mono.fill(1);
-    for (int x = 0; x < 40; x += 2) {
-        mono.setPixel(x, 5, 0);
-    }
-    const QString path = dir->filePath(QStringLiteral("LINE.TIF"));
-    QVERIFY(mono.save(path, "TIFF"));
-
-    LumImage image;
-    QVERIFY(image.Load(path));
-    QVERIFY(image.Image().depth() == 1);
-    QVERIFY(image.ConvGrayScaleFromMono());
-    const QImage& grey = image.Image();
-    QCOMPARE(grey.format(), QImage::Format_Grayscale8);
-    QCOMPARE(grey.size(), QSize(40, 20));
-    QCOMPARE(qGray(grey.pixel(0, 5)), qGray(mono.pixel(0, 5)));
-    QCOMPARE(qGray(grey.pixel(1, 5)), qGray(mono.pixel(1, 5)));
-    QVERIFY(qGray(grey.pixel(0, 5)) != qGray(grey.pixel(1, 5)));
-    QVERIFY(!image.ConvGrayScaleFromMono());  // already grey
-
-    QVERIFY(WriteExifJpeg(dir->filePath(QStringLiteral("c.jpg")), Quadrants(QSize(32, 32)),
-                          ExifFacts()));
-    QVERIFY(image.Load(dir->filePath(QStringLiteral("c.jpg"))));
-    QVERIFY(!image.ConvGrayScaleFromMono());
-    QCOMPARE(image.Image().format(), QImage::Format_RGB32);
-}
 
 QTEST_MAIN(LumImageTest)
 #include "LumImageTest.moc"

@@ -27,15 +27,12 @@ class ToviProgressDlgTest : public QObject {
         QTest::addColumn<int>("upper");
         QTest::addColumn<bool>("throttled");
         QTest::addColumn<int>("pumps");
-        QTest::newRow("span 50") << 0 << 50 << false << 50;
         QTest::newRow("span 100") << 0 << 100 << false << 100;
         QTest::newRow("span 101, interval 1") << 0 << 101 << false << 101;
-        QTest::newRow("span 199, interval 1") << 0 << 199 << false << 199;
         // Updates at 1, 3, ..., 199, and at the upper end.
         QTest::newRow("span 200, interval 2") << 0 << 200 << true << 101;
         QTest::newRow("span 250, interval 2") << 0 << 250 << true << 126;
         QTest::newRow("span 1000, interval 10") << 0 << 1000 << true << 101;
-        QTest::newRow("offset span 200") << 50 << 250 << true << 101;
         QTest::newRow("negative span 200") << -300 << -100 << true << 101;
     }
     void throttlingFollowsTheSpan() {
@@ -61,20 +58,15 @@ class ToviProgressDlgTest : public QObject {
     }
 
     // Once a range has turned throttling off, a later wide range doesn't bring it back.
-    void throttlingOffForGood_data() {
-        QTest::addColumn<int>("firstUpper");
-        QTest::addColumn<bool>("throttledAfterWideRange");
-        QTest::newRow("first span 50") << 50 << false;
-        QTest::newRow("first span 150") << 150 << false;
-        QTest::newRow("first span 500") << 500 << true;
-    }
     void throttlingOffForGood() {
-        QFETCH(int, firstUpper);
-        QFETCH(bool, throttledAfterWideRange);
-        ToviProgressDlg dlg(true);
-        dlg.SetRange(0, firstUpper);
-        dlg.SetRange(0, 10000);
-        QCOMPARE(dlg.IsThrottled(), throttledAfterWideRange);
+        ToviProgressDlg narrowFirst(true);
+        narrowFirst.SetRange(0, 150);
+        narrowFirst.SetRange(0, 10000);
+        QVERIFY(!narrowFirst.IsThrottled());
+        ToviProgressDlg wideFirst(true);
+        wideFirst.SetRange(0, 500);
+        wideFirst.SetRange(0, 10000);
+        QVERIFY(wideFirst.IsThrottled());
     }
 
     // Below the next update position a throttled SetPos neither pumps nor moves the bar.
@@ -106,15 +98,12 @@ class ToviProgressDlgTest : public QObject {
         QTest::addColumn<int>("pos");
         QTest::addColumn<QString>("percent");
         QTest::newRow("empty range") << 0 << 0 << 0 << "0%";
-        QTest::newRow("empty range off zero") << 7 << 7 << 9 << "0%";
         QTest::newRow("a third rounds down") << 0 << 3 << 1 << "33%";
-        QTest::newRow("two thirds round down") << 0 << 3 << 2 << "66%";
         QTest::newRow("offset range") << 10 << 20 << 15 << "50%";
         QTest::newRow("negative range") << -100 << 100 << 0 << "50%";
         QTest::newRow("past the end") << 0 << 100 << 150 << "100%";
         QTest::newRow("before the start") << 10 << 100 << -5 << "0%";
         QTest::newRow("range given backwards") << 20 << 10 << 15 << "50%";
-        QTest::newRow("whole int range") << 0 << INT_MAX << INT_MAX / 2 << "49%";
         QTest::newRow("from INT_MIN") << INT_MIN << INT_MAX << 0 << "50%";
     }
     void percentage() {
@@ -179,7 +168,6 @@ class ToviProgressDlgTest : public QObject {
         QTest::addColumn<int>("upper");
         QTest::addColumn<int>("clickAt");
         QTest::addColumn<int>("reportedAt");
-        QTest::newRow("throttled, at an update") << true << 1000 << 11 << 11;
         QTest::newRow("throttled, between updates") << true << 1000 << 5 << 11;
         QTest::newRow("throttled, just after an update") << true << 1000 << 12 << 21;
         QTest::newRow("throttled, after the last interval") << true << 1000 << 995 << 1000;
@@ -252,7 +240,6 @@ class ToviProgressDlgTest : public QObject {
         QTest::addColumn<bool>("throttled");
         QTest::addColumn<int>("deathPump");
         QTest::newRow("unthrottled, early") << false << 3;
-        QTest::newRow("unthrottled, late") << false << 150;
         QTest::newRow("throttled") << true << 20;
     }
     void viewDyingMidLoop() {
