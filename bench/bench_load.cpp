@@ -38,8 +38,8 @@ QString DeliveryOf(int count) {
         if (!WriteDelivery(Temp().filePath(QString::number(count)), options, nullptr, &error)) {
             qFatal("cannot write the delivery: %s", qPrintable(error));
         }
-        folders.insert(count, Temp().filePath(QString::number(count)) +
-                                  QStringLiteral("/INDEX_C/PHOTO"));
+        folders.insert(count,
+                       Temp().filePath(QString::number(count)) + QStringLiteral("/INDEX_C/PHOTO"));
     }
     return folders.value(count);
 }
@@ -52,7 +52,11 @@ long StatusKb(const char* field) {
     }
     for (const QByteArray& line : file.readAll().split('\n')) {
         if (line.startsWith(field)) {
-            return line.mid(static_cast<qsizetype>(strlen(field))).trimmed().split(' ').first().toLong();
+            return line.mid(static_cast<qsizetype>(strlen(field)))
+                .trimmed()
+                .split(' ')
+                .first()
+                .toLong();
         }
     }
     return -1;

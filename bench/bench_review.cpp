@@ -37,7 +37,7 @@ constexpr int kPhotoCount = 100000;
 constexpr int kNgEvery = 5;  // every fifth photograph carries NG1
 
 class SilentHost : public ToviHostDocument {
-  public:
+public:
     void UpdateAllViews(QWidget*, int, QObject*) override {}
 };
 

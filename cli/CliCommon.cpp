@@ -78,23 +78,25 @@ SilentHost silentHost;
 QString ErrorLine(PhotoXMLReadErr error, const OpenOptions& options, const ToviData& document) {
     const QString folder = options.folder;
     switch (error) {
-    case ReadErrNoItemFile:
-        return QStringLiteral("項目定義ファイル READITEM.XML がプログラムのフォルダ %1 にありません")
-            .arg(document.GetItemDef()->ProgramPath());
-    case ReadErrUnknownPhotoXml:
-        if (!QFileInfo(folder).isDir()) {
-            return QStringLiteral("フォルダ %1 がありません").arg(folder);
-        }
-        if (!MibIsFileExist(MibNormalDir(folder) + QStringLiteral("PHOTO.XML"))) {
-            return QStringLiteral("フォルダ %1 に PHOTO.XML がありません").arg(folder);
-        }
-        return QStringLiteral("PHOTO.XML を開けないか、その文書型宣言 (DOCTYPE) が発注者区分 %1 の"
-                              "基準のどれにも当たりません")
-            .arg(static_cast<int>(options.family));
-    case ReadErrDefinition:
-        return QStringLiteral("項目定義ファイル READITEM.XML を読み込めません");
-    default:
-        return QString();
+        case ReadErrNoItemFile:
+            return QStringLiteral(
+                       "項目定義ファイル READITEM.XML がプログラムのフォルダ %1 にありません")
+                .arg(document.GetItemDef()->ProgramPath());
+        case ReadErrUnknownPhotoXml:
+            if (!QFileInfo(folder).isDir()) {
+                return QStringLiteral("フォルダ %1 がありません").arg(folder);
+            }
+            if (!MibIsFileExist(MibNormalDir(folder) + QStringLiteral("PHOTO.XML"))) {
+                return QStringLiteral("フォルダ %1 に PHOTO.XML がありません").arg(folder);
+            }
+            return QStringLiteral(
+                       "PHOTO.XML を開けないか、その文書型宣言 (DOCTYPE) が発注者区分 %1 の"
+                       "基準のどれにも当たりません")
+                .arg(static_cast<int>(options.family));
+        case ReadErrDefinition:
+            return QStringLiteral("項目定義ファイル READITEM.XML を読み込めません");
+        default:
+            return QString();
     }
 }
 
@@ -107,13 +109,13 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
         document.reset(factory.Create(&silentHost, options.folder, options.family));
     } catch (const std::out_of_range&) {
         // Only a READITEM.XML whose steps don't balance walks off the end of its list.
-        PrintError(QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません"));
+        PrintError(
+            QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません"));
         return nullptr;
     }
     if (!document) {
-        PrintError(factory.GetLoadError().isEmpty()
-                       ? QStringLiteral("PHOTO.XML を読み込めません")
-                       : factory.GetLoadError());
+        PrintError(factory.GetLoadError().isEmpty() ? QStringLiteral("PHOTO.XML を読み込めません")
+                                                    : factory.GetLoadError());
         return nullptr;
     }
     const PhotoXMLReadErr error = document->GetErrorType();

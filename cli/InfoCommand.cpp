@@ -117,8 +117,8 @@ QByteArray InfoText(ToviData& document) {
     QString text;
     text += QStringLiteral("PHOTO.XML: %1\n").arg(document.Title());
     text += QStringLiteral("基準: %1%2\n")
-                .arg(def->NewType(), def->HasKeyPhoto() ? QStringLiteral(" (代表写真あり)")
-                                                        : QString());
+                .arg(def->NewType(),
+                     def->HasKeyPhoto() ? QStringLiteral(" (代表写真あり)") : QString());
     text += QStringLiteral("写真: %1枚  参考図: %2件  項目定義: %3件  管理項目: %4件\n")
                 .arg(photos.size())
                 .arg(drawings)

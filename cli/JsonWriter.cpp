@@ -5,28 +5,29 @@ void JsonWriter::String(const QString& text) {
     const QByteArray utf8 = text.toUtf8();
     for (char c : utf8) {
         switch (c) {
-        case '"':
-            out += "\\\"";
-            break;
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        default:
-            if (static_cast<unsigned char>(c) < 0x20) {
-                out += QByteArray("\\u00") + QByteArray::number(static_cast<unsigned char>(c), 16)
-                                                 .rightJustified(2, '0');
-            } else {
-                out += c;
-            }
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    out +=
+                        QByteArray("\\u00") + QByteArray::number(static_cast<unsigned char>(c), 16)
+                                                  .rightJustified(2, '0');
+                } else {
+                    out += c;
+                }
         }
     }
     out += '"';

@@ -7,20 +7,46 @@
 // output is read by people as well as by scripts).
 class JsonWriter {
 public:
-    void BeginObject() { Separate(); out += '{'; first = true; }
-    void EndObject() { out += '}'; first = false; }
-    void BeginArray() { Separate(); out += '['; first = true; }
-    void EndArray() { out += ']'; first = false; }
+    void BeginObject() {
+        Separate();
+        out += '{';
+        first = true;
+    }
+    void EndObject() {
+        out += '}';
+        first = false;
+    }
+    void BeginArray() {
+        Separate();
+        out += '[';
+        first = true;
+    }
+    void EndArray() {
+        out += ']';
+        first = false;
+    }
     void Key(const char* key) {
         Separate();
         String(QString::fromUtf8(key));
         out += ": ";
         first = true;  // the value follows without a comma
     }
-    void Value(const QString& text) { Separate(); String(text); }
-    void Value(int number) { Separate(); out += QByteArray::number(number); }
-    void Value(bool flag) { Separate(); out += flag ? "true" : "false"; }
-    void Null() { Separate(); out += "null"; }
+    void Value(const QString& text) {
+        Separate();
+        String(text);
+    }
+    void Value(int number) {
+        Separate();
+        out += QByteArray::number(number);
+    }
+    void Value(bool flag) {
+        Separate();
+        out += flag ? "true" : "false";
+    }
+    void Null() {
+        Separate();
+        out += "null";
+    }
     const QByteArray& Result() const { return out; }
 
 private:

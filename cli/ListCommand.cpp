@@ -39,17 +39,22 @@ bool ParseListOptions(QStringList& args, ListOptions& list) {
         ToviExtractionConditions& c = list.conditions;
         if (a == QLatin1String("--node")) {
             if (!hasValue) {
-                return Usage(QStringLiteral("--node には子の位置を 0/2/1 のように指定してください"));
+                return Usage(
+                    QStringLiteral("--node には子の位置を 0/2/1 のように指定してください"));
             }
             list.nodePath = value();
             static const QRegularExpression kPath(QStringLiteral("^\\d+(/\\d+)*$"));
             if (!kPath.match(list.nodePath).hasMatch()) {
-                return Usage(QStringLiteral("--node には子の位置を 0/2/1 のように指定してください"));
+                return Usage(
+                    QStringLiteral("--node には子の位置を 0/2/1 のように指定してください"));
             }
             nodeGiven = true;
         } else if (a == QLatin1String("--label")) {
-            if (!hasValue || !ParseIntOption(QStringLiteral("list"), a, value(), 0, 5, list.label)) {
-                return hasValue ? false : Usage(QStringLiteral("--label には 0 から 5 の数を指定してください"));
+            if (!hasValue ||
+                !ParseIntOption(QStringLiteral("list"), a, value(), 0, 5, list.label)) {
+                return hasValue
+                           ? false
+                           : Usage(QStringLiteral("--label には 0 から 5 の数を指定してください"));
             }
         } else if (a == QLatin1String("--key-photo")) {
             c.keyPhoto = true;
@@ -75,10 +80,12 @@ bool ParseListOptions(QStringList& args, ListOptions& list) {
             c.itemText[list.itemCount] = pair.mid(eq + 1);
             ++list.itemCount;
         } else if (a == QLatin1String("--date")) {
-            const QStringList range = hasValue ? value().split(QStringLiteral("..")) : QStringList();
+            const QStringList range =
+                hasValue ? value().split(QStringLiteral("..")) : QStringList();
             if (range.size() != 2 || !kDate.match(range[0]).hasMatch() ||
                 !kDate.match(range[1]).hasMatch()) {
-                return Usage(QStringLiteral("--date には YYYY-MM-DD..YYYY-MM-DD を指定してください"));
+                return Usage(
+                    QStringLiteral("--date には YYYY-MM-DD..YYYY-MM-DD を指定してください"));
             }
             c.dateOn = true;
             c.dateFrom = range[0];

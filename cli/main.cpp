@@ -14,12 +14,14 @@ namespace {
 
 const char kUsage[] =
     "使い方: tovi [--profile FILE] COMMAND ...\n"
-    "  tovi info DIR [--family N] [--json]   PHOTO.XML のあるフォルダを開き、読み込んだ内容を表示する\n"
+    "  tovi info DIR [--family N] [--json]   PHOTO.XML "
+    "のあるフォルダを開き、読み込んだ内容を表示する\n"
     "    --family N   発注者区分: 0 国交省 (既定), 1 港湾, 2 農水省, 3 NEXCO\n"
     "    --json       結果を JSON で出力する\n"
     "  tovi tree DIR [--family N] [--type 0|1|2] [--json]   分類ツリーを表示する\n"
     "    --type   0 工種 (写真-大分類・写真区分つき, 既定), 1 撮影箇所, 2 工種のみ\n"
-    "  tovi list DIR [--family N] [--type T] [--node P | --label N] [抽出条件...] [--sort KEY [--desc]] [--json]\n"
+    "  tovi list DIR [--family N] [--type T] [--node P | --label N] [抽出条件...] [--sort KEY "
+    "[--desc]] [--json]\n"
     "    --node P          子の位置 (例 0/2/1) のノードを選ぶ (既定はルート)\n"
     "    --label N         付箋 N (0 OK, 1-3 NG, 4 コメント, 5 任意) の写真を選ぶ\n"
     "    抽出条件: --key-photo --ng --not-checked --no-exif --required-missing\n"
@@ -32,7 +34,8 @@ const char kUsage[] =
     "                1 小黒板電子化 (既定は保存された設定)。検証ライブラリ RVRFYJPG / JACICCHS は\n"
     "                プログラムのフォルダから読み込む\n"
     "    --json      {\"types\", \"verifiers\": [{\"library\", \"types\", \"state\", \"path\"}],\n"
-    "                 \"results\": [{\"index\", \"imagePath\", \"result\"}], \"counts\": {\"0\".. \"3\"}}\n"
+    "                 \"results\": [{\"index\", \"imagePath\", \"result\"}], \"counts\": {\"0\".. "
+    "\"3\"}}\n"
     "    使える検証ライブラリが一つもないときは、すべて 3 を表示して終了コード 3 で終わる\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";

@@ -57,9 +57,8 @@ void ToviData::BuildTreeNodeForKousyu(int treeType) {
                                         QStringLiteral("細別")};
     static const QStringList kWorkOnly{QStringLiteral("工種"), QStringLiteral("種別"),
                                        QStringLiteral("細別")};
-    const QList<int> levels =
-        LevelIndexes(itemDef, treeType == ToviPhotoCtrlVisualSetting::TreeKousyu ? kWithClass
-                                                                                  : kWorkOnly);
+    const QList<int> levels = LevelIndexes(
+        itemDef, treeType == ToviPhotoCtrlVisualSetting::TreeKousyu ? kWithClass : kWorkOnly);
     RemoveAllItems();
     QStringList values;
     for (qsizetype k = 0; k < photoData.size(); ++k) {

@@ -58,8 +58,8 @@ ToviPhoto::PathTitles ToviPhoto::TitlesForPaths(bool standAlone) const {
         QStringLiteral("参考図ファイルパス1"), QStringLiteral("参考図ファイルパス2"),
         QStringLiteral("参考図ファイルパス3"), QStringLiteral("参考図ファイルパス")};
     static const QStringList kFullOther{QStringLiteral("参考図ファイルパス")};
-    const QStringList& names = standAlone ? (mlit ? kRelativeMlit : kRelativeOther)
-                                          : (mlit ? kFullMlit : kFullOther);
+    const QStringList& names =
+        standAlone ? (mlit ? kRelativeMlit : kRelativeOther) : (mlit ? kFullMlit : kFullOther);
     for (const QString& name : names) {
         const int index = def->GetIndexFromTitle(name);
         if (index >= 0) {
@@ -229,7 +229,8 @@ void ToviPhoto::GetOutputFilename(QStringList& names) {
                 names.append(value);
             }
         }
-        if (titles.photo >= 0 && defIndex == titles.photo && !value.isEmpty() && !MibIsFileExist(imagePath)) {
+        if (titles.photo >= 0 && defIndex == titles.photo && !value.isEmpty() &&
+            !MibIsFileExist(imagePath)) {
             names.append(value);
         }
     }

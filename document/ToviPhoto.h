@@ -20,8 +20,12 @@ class ToviItemShowSettings;
 // reference drawings, the inspector's labels and comment, and the decoded picture.
 class ToviPhoto {
 public:
-    enum EditJPEGCheckResult { EditCheckNone = 0, EditCheckUnaltered = 1, EditCheckAltered = 2,
-                               EditCheckUnknown = 3 };
+    enum EditJPEGCheckResult {
+        EditCheckNone = 0,
+        EditCheckUnaltered = 1,
+        EditCheckAltered = 2,
+        EditCheckUnknown = 3
+    };
     static constexpr int kLabelCount = 6;
 
     ToviPhoto() = default;

@@ -37,7 +37,7 @@ struct ToviExtractionConditions {
 // holder on the command line. The document reads the conditions and tells it when an
 // extraction was cancelled.
 class ToviExtractionSource {
-  public:
+public:
     // 0 only turns the window's button off; 1 also detaches and resets the window.
     enum CancelExt { CancelButtonOnly = 0, CancelAndReset = 1 };
 
@@ -48,7 +48,7 @@ class ToviExtractionSource {
 
 // A source that only holds conditions (command line, tests).
 class ToviExtractionHolder : public ToviExtractionSource {
-  public:
+public:
     ToviExtractionConditions conditions;
     int cancelCount = 0;
     const ToviExtractionConditions& Conditions() const override { return conditions; }

@@ -6,7 +6,7 @@
 // in which direction. Kept in the profile section "Sort"; the object writes itself back when
 // it ends, so a dialog's copy is saved whether the dialog ended by OK or by Cancel.
 class ToviSortCondition {
-  public:
+public:
     static const QString SortSection_;     // "Sort"
     static const QString ExecSortEntry_;   // "ExecSort"
     static const QString AscendingEntry_;  // "Ascending"
@@ -33,7 +33,7 @@ class ToviSortCondition {
     // Writes ExecSort, Ascending and KeyItem in that order; false at the first refused write.
     bool Save() const;
 
-  private:
+private:
     bool execSort = false;
     QString keyItem = QStringLiteral("撮影年月日");
     bool ascending = true;

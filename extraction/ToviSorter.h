@@ -11,7 +11,7 @@ class ToviPhotoRef;
 // for one sort: PrepareSort takes the keys out of the photographs once, QuickSort orders them
 // and writes the new order back. Only the current array changes, never the photographs.
 class ToviSorter {
-  public:
+public:
     // One entry of the array being sorted.
     struct Data {
         bool numeric = false;  // compare by number (the key "シリアル番号") instead of text
@@ -44,7 +44,7 @@ class ToviSorter {
     // The prepared entries, in the order of the array they were taken from.
     const QList<Data>& Entries() const { return array; }
 
-  private:
+private:
     // The key alone: numbers, or code page 932 bytes compared unsigned. -1, 0 or 1.
     static int CompareKeys(const Data& a, const Data& b);
 

@@ -5,7 +5,7 @@
 // One tamper verifier in the chain of ToviImageCheckCommon. This base class is a verifier
 // that is always there and can judge nothing; the real ones derive from it.
 class ToviCheckProcessor {
-  public:
+public:
     // The result of one check. There is no 3: the numbers are kept as they always were.
     enum CheckStatus {
         StatusUnaltered = 0,

@@ -5,7 +5,7 @@
 // One measurement of a 施工管理値 text: its name and the design, measured and difference
 // values, each kept as the text wrote it.
 class ToviControlValue {
-  public:
+public:
     ToviControlValue() = default;
     ToviControlValue(const QString& name, const QString& design, const QString& actual,
                      const QString& difference)
@@ -30,7 +30,7 @@ class ToviControlValue {
         return !name.isEmpty() && design.isEmpty() && actual.isEmpty() && difference.isEmpty();
     }
 
-  private:
+private:
     QString name;
     QString design;
     QString actual;

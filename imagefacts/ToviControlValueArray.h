@@ -15,6 +15,6 @@ struct ToviControlValueRow {
 
 // The control values as plain records, filled by ToviPhoto::GetControlValueArray.
 class ToviControlValueArray : public QList<ToviControlValueRow> {
-  public:
+public:
     using QList<ToviControlValueRow>::QList;
 };

@@ -8,7 +8,7 @@
 // A parsed 施工管理値 text: the values of the parts that parsed, in text order, and whether
 // every part did. The values are owned.
 class ToviControlValues : public std::vector<std::unique_ptr<ToviControlValue>> {
-  public:
+public:
     ToviControlValues() = default;
     ToviControlValues(const ToviControlValues&) = delete;
     ToviControlValues& operator=(const ToviControlValues&) = delete;
@@ -20,6 +20,6 @@ class ToviControlValues : public std::vector<std::unique_ptr<ToviControlValue>> 
     bool IsValid() const { return valid; }
     void SetInvalid() { valid = false; }
 
-  private:
+private:
     bool valid = true;
 };

@@ -12,7 +12,7 @@
 // tells which field it is. An SVG photograph is read through the JPEG main image it carries,
 // written out to a work file first.
 class ToviExifInfo {
-  public:
+public:
     ToviExifInfo() = default;
     // Copies leave the image group of the target as it was, as Clear does.
     ToviExifInfo(const ToviExifInfo& other);
@@ -39,17 +39,17 @@ class ToviExifInfo {
     // Writes the main image of an ".SVG" photograph to its work file; other paths are left.
     void MakeMainImageFromSvg(const QString& svgPath);
 
-  private:
+private:
     // One row of a group: the code the imaging library answers for, and the row's title.
     class Pack {
-      public:
+    public:
         Pack(int code, const QString& title) : code(code), title(title) {}
         virtual ~Pack() = default;
         int code;
         QString title;
     };
     class Packs : public std::vector<std::unique_ptr<Pack>> {
-      public:
+    public:
         virtual ~Packs() = default;
     };
 

@@ -11,7 +11,7 @@
 // The tamper check of a document: the chain of verifiers the user chose, in the chosen
 // order, and the file the next check concerns.
 class ToviImageCheckCommon {
-  public:
+public:
     // The camera types the user chooses among (the numbers EditCheckTypes stores).
     enum CameraType {
         CameraRicohG600 = 0,   // the maker's verifier
@@ -43,12 +43,12 @@ class ToviImageCheckCommon {
     // The name the user sees for a type; empty for a number outside the list.
     static QString QueryCameraName(const CameraType& type);
 
-  protected:
+protected:
     // Hooks around a check; nothing calls them.
     virtual bool Begin() { return true; }
     virtual void End() {}
 
-  private:
+private:
     QString file;
     int reserved = 0;  // nothing reads it
     std::vector<std::unique_ptr<ToviCheckProcessor>> processors;

@@ -7,7 +7,7 @@
 // JCOMSIA_SVG_CheckHashValue for SVG photographs). It takes every file, and its "outside
 // target" lets the next verifier in the chain try.
 class ToviJacicImageChecker : public ToviCheckProcessor {
-  public:
+public:
     static const QString LibraryName_;       // "JACICCHS"
     static const char* const JpegFunction_;  // "JCOMSIA_CheckHashValue"
     static const char* const SvgFunction_;   // "JCOMSIA_SVG_CheckHashValue"
@@ -31,11 +31,11 @@ class ToviJacicImageChecker : public ToviCheckProcessor {
     static CheckStatus StatusOfJpegCode(int code);
     static CheckStatus StatusOfSvgCode(int code);
 
-  protected:
+protected:
     CheckStatus CheckJ(const QString& path);
     CheckStatus CheckS(const QString& path);
 
-  private:
+private:
     CheckStatus CallHashCheck(const char* function, const QString& path,
                               CheckStatus (*statusOf)(int));
 

@@ -7,7 +7,7 @@
 // photographs of the camera models that carry its signature, and its "outside target" is
 // final: no other verifier is asked after it.
 class ToviRicohImageChecker : public ToviCheckProcessor {
-  public:
+public:
     static const QString LibraryName_;         // "RVRFYJPG"
     static const char* const VerifyFunction_;  // "RVJ_Verify"
 
@@ -31,6 +31,6 @@ class ToviRicohImageChecker : public ToviCheckProcessor {
     static bool CallVerify(const ToviVerifierLibrary& library, const uchar* bytes,
                            unsigned long size, int& code);
 
-  private:
+private:
     ToviVerifierLibrary library;
 };

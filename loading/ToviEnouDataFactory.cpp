@@ -67,7 +67,8 @@ bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
     DoxDocument xml;
     QStringList errors;
     if (!xml.Initiate() || !xml.Load(xmlPath, false, &errors)) {
-        loadError = QStringLiteral("PHOTO.XML を読み込めません: %1").arg(errors.join(QLatin1Char(' ')));
+        loadError =
+            QStringLiteral("PHOTO.XML を読み込めません: %1").arg(errors.join(QLatin1Char(' ')));
         return false;
     }
     DoxIterator it(&xml);
@@ -187,9 +188,8 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
     return true;
 }
 
-bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos,
-                                        DoxIterator& it, int& index, ToviLoadCallback callback,
-                                        void* arg) {
+bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos, DoxIterator& it,
+                                        int& index, ToviLoadCallback callback, void* arg) {
     int end = index + 1;
     while (end < def->GetCount() && def->GetDef(end).readType != Definition::ReadMngItem) {
         ++end;
@@ -288,8 +288,7 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
 }
 
 bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items,
-                                             DoxIterator& it, int& index, ToviLoadCallback,
-                                             void*) {
+                                             DoxIterator& it, int& index, ToviLoadCallback, void*) {
     const int end = SkipToParent(def, index + 1) + 1;
     bool siblingOk = true;
     int i = index;

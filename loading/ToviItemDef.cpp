@@ -163,8 +163,8 @@ QString ToviItemDef::GetRootTagNamePhoto(const QString& dataPath) {
 }
 
 bool ToviItemDef::Load() {
-    oldType = ToviProfile::Instance().GetProfileString(PhotoFileTypeSection_, TypeEntry_,
-                                                       QString());
+    oldType =
+        ToviProfile::Instance().GetProfileString(PhotoFileTypeSection_, TypeEntry_, QString());
     return true;
 }
 
@@ -235,12 +235,12 @@ int ToviItemDef::GetIndexFromTitle(const QString& title) const {
 
 int ToviItemDef::GetIndexFromEnum(int titleShowType) const {
     switch (titleShowType) {
-    case 1:
-        return GetIndexFromTitle(QStringLiteral("写真ファイル日本語名"));
-    case 2:
-        return GetIndexFromTitle(QStringLiteral("写真タイトル"));
-    default:
-        return GetIndexFromTitle(QStringLiteral("写真ファイル名"));
+        case 1:
+            return GetIndexFromTitle(QStringLiteral("写真ファイル日本語名"));
+        case 2:
+            return GetIndexFromTitle(QStringLiteral("写真タイトル"));
+        default:
+            return GetIndexFromTitle(QStringLiteral("写真ファイル名"));
     }
 }
 

@@ -24,11 +24,21 @@ enum PhotoXMLReadErr {
 
 // One element of a delivery kind's list in READITEM.XML.
 struct Definition {
-    enum Grade { GradeNone = 0, GradeRequired = 1, GradeConditional = 2, GradeOptional = 3,
-                 GradeLinked = 4 };
+    enum Grade {
+        GradeNone = 0,
+        GradeRequired = 1,
+        GradeConditional = 2,
+        GradeOptional = 3,
+        GradeLinked = 4
+    };
     enum ShowSituation { ShowNot = 0, ShowMainList = 1, ShowInfoDlg = 2, ShowZoomDlg = 3 };
-    enum DataCount { CountZero = 0, CountOne = 1, CountZeroOrOne = 2, CountZeroOrMore = 3,
-                     CountOneOrMore = 4 };
+    enum DataCount {
+        CountZero = 0,
+        CountOne = 1,
+        CountZeroOrOne = 2,
+        CountZeroOrMore = 3,
+        CountOneOrMore = 4
+    };
     enum TreeStep { StepChild = 0, StepNext = 1, StepParent = 2 };
     enum ReadKind { ReadNotItem = 0, ReadMngItem = 1, ReadPhotoItem = 2 };
 

@@ -13,7 +13,7 @@ const iconv_t kNoDescriptor = reinterpret_cast<iconv_t>(-1);
 // checks convert one short text at a time, and opening a descriptor costs far more than the
 // conversion itself. Other encodings are rare and get a descriptor per call.
 class Descriptor {
-  public:
+public:
     Descriptor(const char* from, const char* to) {
         if (IsCp932(from, to)) {
             thread_local Cache cache;
@@ -37,7 +37,7 @@ class Descriptor {
 
     iconv_t Get() const { return cd; }
 
-  private:
+private:
     struct Cache {
         iconv_t toUtf8 = iconv_open("UTF-8", "CP932");
         iconv_t fromUtf8 = iconv_open("CP932", "UTF-8");

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_declaration |
-                                   pugi::parse_doctype | pugi::parse_embed_pcdata;
+constexpr unsigned kParseOptions =
+    pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype | pugi::parse_embed_pcdata;
 
 // Reads encoding="..." from an XML declaration at the start of ASCII-compatible bytes.
 QByteArray ParseDeclaredEncoding(const QByteArray& bytes) {
@@ -141,8 +141,8 @@ bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
     const pugi::xml_parse_result result = doc->load_buffer_inplace(
         buffer.data(), static_cast<size_t>(buffer.size()), kParseOptions, pugi::encoding_utf8);
     if (!result || !doc->document_element()) {
-        const QString why = result ? QStringLiteral("要素がありません")
-                                   : QString::fromUtf8(result.description());
+        const QString why =
+            result ? QStringLiteral("要素がありません") : QString::fromUtf8(result.description());
         doc->reset();
         buffer.clear();
         return Fail(errors, QStringLiteral("XML の形式が正しくありません (%1, 位置 %2)")

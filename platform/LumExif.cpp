@@ -26,7 +26,6 @@
 
 namespace {
 
-
 // What tells one version of a file from the next: a file rewritten in place keeps its path,
 // and one renamed into place keeps its path and perhaps its size.
 struct FileStamp {
@@ -445,7 +444,7 @@ void CollectTexts(const Exiv2::ExifData& exif, FileFacts& facts) {
 // The Exif library words flash and metering through gettext; under the C locale they stay in
 // English whatever the user's language, as reports expect. Holds it on this thread.
 class CLocaleScope {
-  public:
+public:
     CLocaleScope() {
         static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
         if (c) {
@@ -460,7 +459,7 @@ class CLocaleScope {
     CLocaleScope(const CLocaleScope&) = delete;
     CLocaleScope& operator=(const CLocaleScope&) = delete;
 
-  private:
+private:
     locale_t previous = locale_t(nullptr);
 };
 

@@ -23,7 +23,6 @@ constexpr qint64 kHeadBytes = 256 * 1024;
 // A drawing whose own size is absurd is rendered no larger than this on its long side.
 constexpr int kMaxSvgSide = 8192;
 
-
 int Be16(const QByteArray& data, qint64 pos) {
     return (static_cast<uchar>(data[pos]) << 8) | static_cast<uchar>(data[pos + 1]);
 }

@@ -39,7 +39,7 @@ enum LumCMNT : int {
 // copies share the pixels until one of them changes. Every failure (missing file, truncated
 // or unreadable data) answers false and leaves the object empty, without a message.
 class LumImage {
-  public:
+public:
     // The square a thumbnail is shown in; LoadThumb never decodes much more than this needs.
     static constexpr int ThumbTileSize = 256;
 
@@ -71,7 +71,7 @@ class LumImage {
     // JPEG as a base64 data URI) to outPath; false, and nothing written, when there is none.
     static bool GetMainImageFromSvg(const QString& svgPath, const QString& outPath);
 
-  private:
+private:
     bool Assign(QImage decoded);
 
     QImage image;

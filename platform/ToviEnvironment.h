@@ -6,7 +6,7 @@
 // asks of the machine about a path. The suite settings are two INI files, organisation
 // "Orvane Systems", application "QVHomeKey": the user's (read first) and the system's.
 class ToviEnvironment {
-  public:
+public:
     // The work folder, ending in "QVScratch" and without a trailing separator. False when no
     // location could be found. The caller creates the folder itself when it needs it.
     static bool GetWorkFolder(QString& folder);

@@ -21,11 +21,11 @@ void ToviUi::Install(ToviUi* ui) {
 int ToviNonInteractiveUi::MessageBox(QWidget*, const QString&, const QString&, Buttons buttons,
                                      Icon) {
     switch (buttons) {
-    case ButtonsOk:
-        return AnswerOk;
-    case ButtonsYesNo:
-        return AnswerNo;
-    default:
-        return AnswerCancel;
+        case ButtonsOk:
+            return AnswerOk;
+        case ButtonsYesNo:
+            return AnswerNo;
+        default:
+            return AnswerCancel;
     }
 }

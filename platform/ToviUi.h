@@ -43,8 +43,13 @@ public:
     // Answers of MessageBox, by the values the host platform uses for them.
     enum Answer { AnswerOk = 1, AnswerCancel = 2, AnswerYes = 6, AnswerNo = 7 };
     enum Buttons { ButtonsOk = 0, ButtonsOkCancel = 1, ButtonsYesNoCancel = 3, ButtonsYesNo = 4 };
-    enum Icon { IconNone = 0, IconError = 0x10, IconQuestion = 0x20, IconWarning = 0x30,
-                IconInformation = 0x40 };
+    enum Icon {
+        IconNone = 0,
+        IconError = 0x10,
+        IconQuestion = 0x20,
+        IconWarning = 0x30,
+        IconInformation = 0x40
+    };
 
     virtual ~ToviUi() = default;
 
@@ -59,8 +64,8 @@ public:
     // A folder chosen by the user, starting at folder; false when cancelled (folder stays).
     virtual bool BrowseForFolder(QWidget* parent, const QString& title, QString& folder) = 0;
     // A file name to save to; empty when cancelled.
-    virtual QString GetSaveFileName(QWidget* parent, const QString& title,
-                                    const QString& proposed, const QString& filter) = 0;
+    virtual QString GetSaveFileName(QWidget* parent, const QString& title, const QString& proposed,
+                                    const QString& filter) = 0;
     // Runs the pending UI events once, during a long loop on the UI thread.
     virtual void Pump() = 0;
     // A progress window owned by parent; null when nothing is to be shown.

@@ -11,7 +11,7 @@ class QLibrary;
 // loaded at run time, so that the program runs without it, and its functions are resolved by
 // name whenever they are needed.
 class ToviVerifierLibrary {
-  public:
+public:
     // What Resolve hands back; the caller casts it to the function's real type.
     using Function = void (*)();
 
@@ -42,7 +42,7 @@ class ToviVerifierLibrary {
     Function Resolve(const char* name) const;
     QString ErrorString() const;
 
-  private:
+private:
     std::unique_ptr<QLibrary> library;
     QString error;
 };

@@ -14,7 +14,7 @@ class ToviProgressView;
 // tests. The bar's range and position are kept here as well, so positions, percentage and
 // cancel state hold when nothing is shown or the window was lost during a pump.
 class ToviProgressDlg {
-  public:
+public:
     // A throttled dialog acts only about 100 times over its range, and its cancel starts
     // out pollable.
     explicit ToviProgressDlg(bool throttled, QWidget* parent = nullptr);
@@ -56,7 +56,7 @@ class ToviProgressDlg {
     // Between Create and DestroyWindow, and the window not lost during a pump.
     bool IsWindow() const;
 
-  private:
+private:
     void DisposeOfMessages();
     void EnableParentWindow(bool enable);
     void SetPercent();

@@ -62,18 +62,18 @@ bool ToviData::AllLabelCorrection() {
     }
     bool result = false;
     switch (values.value(QStringLiteral("action")).toInt()) {
-    case 0:
-        result = AllOKLabel();
-        break;
-    case 1:
-        result = AllRemoveCheckLabel();
-        break;
-    case 2:
-        AllRemoveLabel();
-        result = true;
-        break;
-    default:
-        break;
+        case 0:
+            result = AllOKLabel();
+            break;
+        case 1:
+            result = AllRemoveCheckLabel();
+            break;
+        case 2:
+            AllRemoveLabel();
+            result = true;
+            break;
+        default:
+            break;
     }
     // Set even when an empty current array made the action answer false.
     checkStatusChanged = true;

@@ -7,7 +7,7 @@
 // Colours are kept as the 0x00BBGGRR values the profile and the slot table use (red in the
 // low byte) and handed out as QColor.
 class ToviLabelAttribute {
-  public:
+public:
     static const QString UndefinedName_;  // "_未定義_"
     static constexpr quint32 DefaultColor_ = 0x808080;
 
@@ -37,7 +37,7 @@ class ToviLabelAttribute {
         return name == other.name && color == other.color;
     }
 
-  private:
+private:
     // The literal rather than UndefinedName_: a slot may be built before that is.
     QString name = QStringLiteral("_未定義_");
     quint32 color = DefaultColor_;

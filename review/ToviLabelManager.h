@@ -10,7 +10,7 @@
 // their names and colours. The names persist in the profile section "Label"; colours are
 // the built-in ones unless a host sets them. Every manager writes its names when it goes.
 class ToviLabelManager {
-  public:
+public:
     static const QString LabelSection_;  // "Label"
     static const QString LabelEntry_;    // "Label", numbered from 1: "Label1" to "Label6"
 
@@ -41,7 +41,7 @@ class ToviLabelManager {
     // The built-in name and colour of a slot below GetMaxCount().
     static ToviLabelAttribute DefaultAttribute(unsigned long index);
 
-  private:
+private:
     static constexpr int kCount = 6;
 
     std::array<ToviLabelAttribute, kCount> labels;

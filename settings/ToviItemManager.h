@@ -10,7 +10,7 @@
 // delivery brings is shown until the user hides it. Unlike the other settings it doesn't save
 // itself when it goes.
 class ToviItemManager {
-  public:
+public:
     static const QString ShowSettingSection_;  // "ShowSetting"
     static const QString ShowItemsEntry_;      // "Items"
 
@@ -30,6 +30,6 @@ class ToviItemManager {
     // text. Answers whether the store took it.
     bool Save() const;
 
-  private:
+private:
     ToviItemShowSettings itemShowSettings;
 };

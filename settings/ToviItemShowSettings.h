@@ -7,7 +7,7 @@
 
 // The ordered candidates of a photograph's information list. The order is the display order.
 class ToviItemShowSettings : public QList<ToviItemShowSetting> {
-  public:
+public:
     using Grade = ToviItemShowSetting::Grade;
 
     ToviItemShowSettings() = default;
@@ -35,6 +35,6 @@ class ToviItemShowSettings : public QList<ToviItemShowSetting> {
     virtual bool operator==(const ToviItemShowSettings& other) const;
     virtual bool operator!=(const ToviItemShowSettings& other) const { return !(*this == other); }
 
-  private:
+private:
     bool showTitle = true;
 };

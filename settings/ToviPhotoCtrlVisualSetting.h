@@ -9,7 +9,7 @@
 // Kept in the profile section "VisualSetting"; every object writes itself back when it ends,
 // so the copy that ends last decides what the next start reads.
 class ToviPhotoCtrlVisualSetting {
-  public:
+public:
     // The enumerations carry numbers only: the values are what the rest of the program compares
     // against, and a stored value outside them is kept as it stands (hence the int base).
 
@@ -97,7 +97,7 @@ class ToviPhotoCtrlVisualSetting {
     // Writes the ten entries in Load's order; false at the first refused write.
     bool Save() const;
 
-  private:
+private:
     ImageTextArrange imageTextArrange = TextArrangeBeside;
     ToviItemShowSettings itemShowSettings;
     TreeType treeType = TreeKousyu;

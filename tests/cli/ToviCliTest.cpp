@@ -49,7 +49,8 @@ private slots:
     }
 
     void infoJsonDescribesTheDelivery() {
-        const Run run = Tovi({QStringLiteral("info"), written.photoFolder, QStringLiteral("--json")});
+        const Run run =
+            Tovi({QStringLiteral("info"), written.photoFolder, QStringLiteral("--json")});
         QCOMPARE(run.exitCode, 0);
         QJsonParseError parseError;
         const QJsonObject json = QJsonDocument::fromJson(run.out, &parseError).object();
@@ -103,8 +104,9 @@ private slots:
                   "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
                   "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n<photodata><基礎情報>");
         const QString unknown = temp.filePath(QStringLiteral("unknown"));
-        WriteFile(unknown + QStringLiteral("/PHOTO.XML"),
-                  "<?xml version=\"1.0\"?>\n<!DOCTYPE photodata SYSTEM \"PHOTO77.DTD\">\n<photodata/>");
+        WriteFile(
+            unknown + QStringLiteral("/PHOTO.XML"),
+            "<?xml version=\"1.0\"?>\n<!DOCTYPE photodata SYSTEM \"PHOTO77.DTD\">\n<photodata/>");
         const QString none = temp.filePath(QStringLiteral("none"));
         WriteFile(none + QStringLiteral("/PHOTO.XML"),
                   Cp932::FromUnicode(QStringLiteral(
@@ -114,17 +116,25 @@ private slots:
                       "</基礎情報></photodata>")));
         const QString info = QStringLiteral("info");
         QTest::newRow("missing folder") << QStringList{info, missing} << 1 << missing;
-        QTest::newRow("no PHOTO.XML") << QStringList{info, empty} << 1 << QStringLiteral("PHOTO.XML");
+        QTest::newRow("no PHOTO.XML")
+            << QStringList{info, empty} << 1 << QStringLiteral("PHOTO.XML");
         QTest::newRow("not well formed") << QStringList{info, broken} << 1 << QStringLiteral("XML");
-        QTest::newRow("unknown DOCTYPE") << QStringList{info, unknown} << 1 << QStringLiteral("DOCTYPE");
-        QTest::newRow("wrong family") << QStringList{info, written.photoFolder, QStringLiteral("--family"), QStringLiteral("3")}
-                                      << 1 << QStringLiteral("DOCTYPE");
+        QTest::newRow("unknown DOCTYPE")
+            << QStringList{info, unknown} << 1 << QStringLiteral("DOCTYPE");
+        QTest::newRow("wrong family")
+            << QStringList{info, written.photoFolder, QStringLiteral("--family"),
+                           QStringLiteral("3")}
+            << 1 << QStringLiteral("DOCTYPE");
         QTest::newRow("no photographs is loaded") << QStringList{info, none} << 0 << QString();
         QTest::newRow("no folder") << QStringList{info} << 2 << QStringLiteral("フォルダ");
-        QTest::newRow("bad family") << QStringList{info, written.photoFolder, QStringLiteral("--family"), QStringLiteral("9")}
+        QTest::newRow("bad family") << QStringList{info, written.photoFolder,
+                                                   QStringLiteral("--family"), QStringLiteral("9")}
                                     << 2 << QStringLiteral("--family");
-        QTest::newRow("extra argument") << QStringList{info, written.photoFolder, QStringLiteral("x")} << 2 << QStringLiteral("x");
-        QTest::newRow("unknown command") << QStringList{QStringLiteral("frobnicate")} << 2 << QStringLiteral("frobnicate");
+        QTest::newRow("extra argument")
+            << QStringList{info, written.photoFolder, QStringLiteral("x")} << 2
+            << QStringLiteral("x");
+        QTest::newRow("unknown command")
+            << QStringList{QStringLiteral("frobnicate")} << 2 << QStringLiteral("frobnicate");
     }
     void failuresGiveOneLine() {
         QFETCH(QStringList, args);
@@ -142,7 +152,8 @@ private slots:
     // The tree's JSON holds every photograph exactly once (all of the writer's photographs
     // have a photo class), and a listing of a node is that node's subtree in tree order.
     void treeAndListAgree() {
-        const Run tree = Tovi({QStringLiteral("tree"), written.photoFolder, QStringLiteral("--json")});
+        const Run tree =
+            Tovi({QStringLiteral("tree"), written.photoFolder, QStringLiteral("--json")});
         QCOMPARE(tree.exitCode, 0);
         const QJsonObject root = QJsonDocument::fromJson(tree.out).object();
         QVERIFY(root[QStringLiteral("title")].toString().endsWith(QStringLiteral("PHOTO.XML")));
@@ -165,8 +176,9 @@ private slots:
         const QJsonObject first = root[QStringLiteral("children")].toArray().first().toObject();
         QList<int> under;
         collect(first, collect, under);
-        const Run list = Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--node"),
-                               QStringLiteral("0"), QStringLiteral("--json")});
+        const Run list =
+            Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--node"),
+                  QStringLiteral("0"), QStringLiteral("--json")});
         QCOMPARE(list.exitCode, 0);
         const QJsonObject listed = QJsonDocument::fromJson(list.out).object();
         QList<int> current;
@@ -200,32 +212,52 @@ private slots:
                               QStringLiteral("--json")});
         QCOMPARE(run.exitCode, 0);
         QList<int> current;
-        for (const QJsonValue& v : QJsonDocument::fromJson(run.out).object()[QStringLiteral("current")].toArray()) {
+        for (const QJsonValue& v :
+             QJsonDocument::fromJson(run.out).object()[QStringLiteral("current")].toArray()) {
             current.append(v.toInt());
         }
         std::reverse(expected.begin(), expected.end());
         QCOMPARE(current, expected);
 
-        const Run labelled = Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--label"),
-                                   QStringLiteral("1"), QStringLiteral("--json")});
+        const Run labelled =
+            Tovi({QStringLiteral("list"), written.photoFolder, QStringLiteral("--label"),
+                  QStringLiteral("1"), QStringLiteral("--json")});
         QCOMPARE(labelled.exitCode, 0);
-        QVERIFY(QJsonDocument::fromJson(labelled.out).object()[QStringLiteral("current")].toArray().isEmpty());
+        QVERIFY(QJsonDocument::fromJson(labelled.out)
+                    .object()[QStringLiteral("current")]
+                    .toArray()
+                    .isEmpty());
     }
 
     void listUsageErrors_data() {
         QTest::addColumn<QStringList>("options");
         QTest::addColumn<QString>("mentions");
-        QTest::newRow("bad date") << QStringList{QStringLiteral("--date"), QStringLiteral("2023-01-01")} << QStringLiteral("--date");
-        QTest::newRow("item without =") << QStringList{QStringLiteral("--item"), QStringLiteral("工種")} << QStringLiteral("--item");
-        QTest::newRow("four items") << QStringList{QStringLiteral("--item"), QStringLiteral("a=1"), QStringLiteral("--item"), QStringLiteral("b=1"),
-                                                   QStringLiteral("--item"), QStringLiteral("c=1"), QStringLiteral("--item"), QStringLiteral("d=1")}
+        QTest::newRow("bad date") << QStringList{QStringLiteral("--date"),
+                                                 QStringLiteral("2023-01-01")}
+                                  << QStringLiteral("--date");
+        QTest::newRow("item without =")
+            << QStringList{QStringLiteral("--item"), QStringLiteral("工種")}
+            << QStringLiteral("--item");
+        QTest::newRow("four items") << QStringList{QStringLiteral("--item"), QStringLiteral("a=1"),
+                                                   QStringLiteral("--item"), QStringLiteral("b=1"),
+                                                   QStringLiteral("--item"), QStringLiteral("c=1"),
+                                                   QStringLiteral("--item"), QStringLiteral("d=1")}
                                     << QStringLiteral("--item");
-        QTest::newRow("node and label") << QStringList{QStringLiteral("--node"), QStringLiteral("0"), QStringLiteral("--label"), QStringLiteral("1")}
-                                        << QStringLiteral("--label");
-        QTest::newRow("label out of range") << QStringList{QStringLiteral("--label"), QStringLiteral("6")} << QStringLiteral("--label");
-        QTest::newRow("tree type") << QStringList{QStringLiteral("--type"), QStringLiteral("3")} << QStringLiteral("--type");
-        QTest::newRow("date kind") << QStringList{QStringLiteral("--date-kind"), QStringLiteral("2")} << QStringLiteral("--date-kind");
-        QTest::newRow("no such node") << QStringList{QStringLiteral("--node"), QStringLiteral("99/0")} << QStringLiteral("99/0");
+        QTest::newRow("node and label")
+            << QStringList{QStringLiteral("--node"), QStringLiteral("0"), QStringLiteral("--label"),
+                           QStringLiteral("1")}
+            << QStringLiteral("--label");
+        QTest::newRow("label out of range")
+            << QStringList{QStringLiteral("--label"), QStringLiteral("6")}
+            << QStringLiteral("--label");
+        QTest::newRow("tree type") << QStringList{QStringLiteral("--type"), QStringLiteral("3")}
+                                   << QStringLiteral("--type");
+        QTest::newRow("date kind")
+            << QStringList{QStringLiteral("--date-kind"), QStringLiteral("2")}
+            << QStringLiteral("--date-kind");
+        QTest::newRow("no such node")
+            << QStringList{QStringLiteral("--node"), QStringLiteral("99/0")}
+            << QStringLiteral("99/0");
     }
     void listUsageErrors() {
         QFETCH(QStringList, options);
@@ -242,20 +274,25 @@ private slots:
         QTest::addColumn<QByteArray>("readItem");
         QTest::addColumn<QString>("mentions");
         QTest::newRow("missing") << QByteArray() << QStringLiteral("READITEM.XML");
-        QTest::newRow("malformed") << QByteArray("<information><国交省-20>") << QStringLiteral("READITEM.XML");
+        QTest::newRow("malformed")
+            << QByteArray("<information><国交省-20>") << QStringLiteral("READITEM.XML");
         QTest::newRow("unbalanced steps")
-            << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>"
-                          "<管理項目><タイトル>基礎情報</タイトル><必要度>不要</必要度><データ数>0/1</データ数>"
-                          "<操作>Child</操作><読込種別>MngItem</読込種別></管理項目>"
-                          "<管理項目><タイトル>無い要素</タイトル><必要度>任意</必要度><データ数>0/1</データ数>"
-                          "<操作>Child</操作></管理項目>"
-                          "</国交省-20></information>")
+            << QByteArray(
+                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>"
+                   "<管理項目><タイトル>基礎情報</タイトル><必要度>不要</必要度><データ数>0/1</"
+                   "データ数>"
+                   "<操作>Child</操作><読込種別>MngItem</読込種別></管理項目>"
+                   "<管理項目><タイトル>無い要素</タイトル><必要度>任意</必要度><データ数>0/1</"
+                   "データ数>"
+                   "<操作>Child</操作></管理項目>"
+                   "</国交省-20></information>")
             << QStringLiteral("READITEM.XML");
     }
     void definitionFileBesideTheProgram() {
         QFETCH(QByteArray, readItem);
         QFETCH(QString, mentions);
-        const QString folder = temp.filePath(QStringLiteral("prog-%1").arg(QTest::currentDataTag()));
+        const QString folder =
+            temp.filePath(QStringLiteral("prog-%1").arg(QTest::currentDataTag()));
         QDir().mkpath(folder);
         const QString copy = folder + QStringLiteral("/tovi");
         QVERIFY(QFile::copy(tovi, copy));
@@ -270,8 +307,10 @@ private slots:
 private:
     Run Tovi(const QStringList& args, const QString& program = QString()) {
         QProcess process;
-        process.start(program.isEmpty() ? tovi : program,
-                      QStringList{QStringLiteral("--profile"), temp.filePath(QStringLiteral("p.ini"))} + args);
+        process.start(
+            program.isEmpty() ? tovi : program,
+            QStringList{QStringLiteral("--profile"), temp.filePath(QStringLiteral("p.ini"))} +
+                args);
         Run run;
         if (!process.waitForFinished(60000)) {
             process.kill();

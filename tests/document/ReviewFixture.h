@@ -23,7 +23,7 @@
 namespace review {
 
 class RecordingHost : public ToviHostDocument {
-  public:
+public:
     void UpdateAllViews(QWidget*, int hint, QObject*) override { hints.append(hint); }
     QList<int> hints;
 };

@@ -26,7 +26,7 @@ const QStringList kPhotos{"工種=A;撮影年月日=2024-04-03", "工種=A;種�
 class ToviDataSelectionTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
     QString folder;
     RecordingHost host;
@@ -47,7 +47,7 @@ class ToviDataSelectionTest : public QObject {
         doc.GetSortConditionObject()->Ascending(true);
     }
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));

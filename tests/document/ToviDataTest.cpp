@@ -14,7 +14,7 @@ using fixture::MakeItems;
 class ToviDataTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
     int serial = 0;
 
@@ -29,7 +29,7 @@ class ToviDataTest : public QObject {
         return doc;
     }
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));

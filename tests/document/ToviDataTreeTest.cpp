@@ -19,7 +19,7 @@ using review::RecordingHost;
 class ToviDataTreeTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
     int serial = 0;
 
@@ -47,7 +47,7 @@ class ToviDataTreeTest : public QObject {
         return folder;
     }
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));

@@ -8,11 +8,11 @@ namespace {
 
 // Counts destructions, so that the tests can tell deleted children from dropped ones.
 class CountedNode : public ToviNode {
-  public:
+public:
     explicit CountedNode(const QString& title, int* deaths) : ToviNode(title), deaths(deaths) {}
     ~CountedNode() override { ++*deaths; }
 
-  private:
+private:
     int* deaths;
 };
 
@@ -48,7 +48,7 @@ void BuildSample(ToviNode& root) {
 class ToviNodeTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     // Children keep the order of first appearance, and the missing-value node stays last.
     void addKeepsTheUnfilledNodeLast_data() {
         QTest::addColumn<QStringList>("added");

@@ -5,7 +5,7 @@
 namespace {
 
 class ProbeRef : public ToviPhotoRef {
-  public:
+public:
     using ToviPhotoRef::Find;
 };
 
@@ -22,7 +22,7 @@ ProbeRef Filled(const QList<int>& indexes) {
 class ToviPhotoRefTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     // An index already present answers its position and isn't added again.
     void addActsAsAnOrderedSet() {
         ProbeRef ref;

@@ -23,7 +23,7 @@ const QString kDiscItems =
 class ToviPhotoTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
     int serial = 0;
 
@@ -39,7 +39,7 @@ class ToviPhotoTest : public QObject {
         }
     }
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));

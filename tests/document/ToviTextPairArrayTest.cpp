@@ -5,7 +5,7 @@
 class ToviTextPairArrayTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     static ToviTextPairArray Sample() {
         ToviTextPairArray pairs;
         for (const char* entry :
@@ -17,7 +17,7 @@ class ToviTextPairArrayTest : public QObject {
         return pairs;
     }
 
-  private slots:
+private slots:
     // The single form copies the first match and leaves the caller's text alone without one;
     // the list form appends every match in array order to what the caller holds.
     void getValue_data() {

@@ -39,7 +39,7 @@ const QList<int> kRootOrder{4, 0, 2, 1, 3, 5};
 
 // A source that remembers what it was told.
 class RecordingSource : public ToviExtractionSource {
-  public:
+public:
     ToviExtractionConditions conditions;
     QList<int> told;
     const ToviExtractionConditions& Conditions() const override { return conditions; }
@@ -98,7 +98,7 @@ QString Message(int n, int count) {
 class ToviDataExtractionTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
     QString folder;
     RecordingHost host;
@@ -116,7 +116,7 @@ class ToviDataExtractionTest : public QObject {
         return doc;
     }
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));

@@ -29,7 +29,7 @@ void Store(const QString& entry, const QString& value) {
 class ToviSortConditionTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase() { QVERIFY(temp.isValid()); }
 
     // Every row starts from an empty store of its own.
@@ -156,7 +156,7 @@ class ToviSortConditionTest : public QObject {
         QVERIFY(condition.IsExecSort());
     }
 
-  private:
+private:
     QTemporaryDir temp;
     int run = 0;
 };

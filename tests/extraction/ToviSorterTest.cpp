@@ -87,7 +87,7 @@ QList<int> Range(int count) {
 class ToviSorterTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
@@ -242,7 +242,7 @@ class ToviSorterTest : public QObject {
 
     void cleanupTestCase() { delivery.reset(); }
 
-  private:
+private:
     QTemporaryDir temp;
     std::unique_ptr<ToviData> delivery;
 };

@@ -17,7 +17,7 @@ using namespace exiffixture;
 class CheckCommandTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase();
     void jsonResultsAndCounts();
     void textResultsAndCounts();
@@ -27,7 +27,7 @@ class CheckCommandTest : public QObject {
     void usage_data();
     void usage();
 
-  private:
+private:
     struct Run {
         int exitCode = -1;
         QByteArray out;

@@ -14,13 +14,13 @@ using namespace exiffixture;
 class ExifCommandTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase();
     void jsonNamesGroupsAndFileFacts();
     void exitCodes_data();
     void exitCodes();
 
-  private:
+private:
     struct Run {
         int exitCode = -1;
         QByteArray out;

@@ -30,7 +30,7 @@ QString Comment(const QString& path, int code) {
 class LumExifTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void init();
 
     void fieldText_data();
@@ -45,7 +45,7 @@ class LumExifTest : public QObject {
     void mainImageFromSvg_data();
     void mainImageFromSvg();
 
-  private:
+private:
     QString Path(const QString& name) const { return dir->filePath(name); }
 
     std::unique_ptr<QTemporaryDir> dir;

@@ -58,10 +58,10 @@ std::unique_ptr<ToviData> OpenDocument(const QString& folder, const char* dtd) {
 class ToviControlValuesTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));

@@ -38,7 +38,7 @@ QList<const ToviTextPairArray*> Groups(const ToviExifInfo& info) {
 class ToviExifInfoTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void init();
     void cleanup();
 
@@ -51,7 +51,7 @@ class ToviExifInfoTest : public QObject {
     void svgWithoutMainImageLeavesNoStaleWorkFile();
     void lowerCaseSvgIsReadAsItStands();
 
-  private:
+private:
     QString Path(const QString& name) const { return dir->filePath(name); }
 
     std::unique_ptr<QTemporaryDir> dir;

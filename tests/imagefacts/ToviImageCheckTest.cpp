@@ -44,7 +44,7 @@ QByteArray Markers(std::optional<int> maker, std::optional<int> hash,
 
 // Gives the document's protected direct call of the maker's verifier to the test.
 class DirectCallData : public ToviData {
-  public:
+public:
     DirectCallData() : ToviData(nullptr, QString(), PhotoXMLMlit) {}
     using ToviData::CheckEditJPEG_RICOHG600;
 };
@@ -59,7 +59,7 @@ Q_DECLARE_METATYPE(Lib)
 class ToviImageCheckTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase();
     void cleanupTestCase();
     void init();
@@ -77,7 +77,7 @@ class ToviImageCheckTest : public QObject {
     void documentResults();
     void documentRecomputesEveryCall();
 
-  private:
+private:
     // A fresh program folder holding the chosen libraries; the verifiers are looked for there.
     QString UseProgramFolder(Lib maker, Lib hash);
     // A JPEG from a camera of this model (none: no model tag) followed by markers.

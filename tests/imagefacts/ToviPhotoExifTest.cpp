@@ -32,7 +32,7 @@ QString FileValue(const ToviPhoto& photo, const QString& title) {
 class ToviPhotoExifTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void init();
     void cleanup();
 
@@ -51,7 +51,7 @@ class ToviPhotoExifTest : public QObject {
     void readOnly();
     void missingFileHasNoFacts();
 
-  private:
+private:
     QString Path(const QString& name) const { return dir->filePath(name); }
 
     std::unique_ptr<QTemporaryDir> dir;

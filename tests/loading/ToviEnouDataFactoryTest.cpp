@@ -53,7 +53,8 @@ void WritePhotoXml(const QString& folder, const QByteArray& utf8Body,
     QDir().mkpath(folder);
     QFile file(folder + QStringLiteral("/PHOTO.XML"));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QByteArray bytes = QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?>\n" + utf8Body;
+    QByteArray bytes =
+        QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?>\n" + utf8Body;
     if (QByteArray(encoding) == "Shift_JIS") {
         bytes = Cp932::FromUnicode(QString::fromUtf8(bytes));
     }
@@ -96,10 +97,8 @@ private slots:
         options.optionalShare = optionalShare;
         options.maxRepeats = maxRepeats;
         options.drawingShare = 0.5;
-        const QString root = temp.filePath(QStringLiteral("rt-%1-%2-%3")
-                                               .arg(generation)
-                                               .arg(optionalShare)
-                                               .arg(maxRepeats));
+        const QString root = temp.filePath(
+            QStringLiteral("rt-%1-%2-%3").arg(generation).arg(optionalShare).arg(maxRepeats));
         WrittenDelivery written;
         QString error;
         QVERIFY2(WriteDelivery(root, options, &written, &error), qPrintable(error));
@@ -205,16 +204,18 @@ private slots:
         const QByteArray good =
             "<photodata DTD_version=\"05\"><基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
             "<適用要領基準>土木202303-01</適用要領基準></基礎情報>";
-        QTest::newRow("not well formed") << head + good + "<写真情報><写真ファイル情報>" << QByteArray("Shift_JIS") << -1;
-        QTest::newRow("truncated") << head + good.left(good.size() - 20) << QByteArray("Shift_JIS") << -1;
+        QTest::newRow("not well formed")
+            << head + good + "<写真情報><写真ファイル情報>" << QByteArray("Shift_JIS") << -1;
+        QTest::newRow("truncated")
+            << head + good.left(good.size() - 20) << QByteArray("Shift_JIS") << -1;
         QTest::newRow("unknown DOCTYPE")
             << QByteArray("<!DOCTYPE photodata SYSTEM \"PHOTO99.DTD\">\n") + good + "</photodata>"
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
         QTest::newRow("DTD name on the next line")
             << QByteArray("<!DOCTYPE photodata SYSTEM\n\"PHOTO05.DTD\">\n") + good + "</photodata>"
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
-        QTest::newRow("undecodable encoding") << head + good + "</photodata>"
-                                              << QByteArray("X-NO-SUCH-CODE") << -1;
+        QTest::newRow("undecodable encoding")
+            << head + good + "</photodata>" << QByteArray("X-NO-SUCH-CODE") << -1;
         QTest::newRow("no photographs") << head + good + "</photodata>" << QByteArray("Shift_JIS")
                                         << static_cast<int>(ReadErrNoPhotos);
         QTest::newRow("no element the list names")
@@ -229,16 +230,20 @@ private slots:
         }
         QTest::newRow("deeply nested") << deep + "</photodata>" << QByteArray("Shift_JIS") << -1;
         QTest::newRow("entity expansion")
-            << QByteArray("<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\" [<!ENTITY a \"aaaaaaaaaa\">"
-                          "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">]>\n") +
-                   good + "<写真情報><写真ファイル情報><シリアル番号>&b;</シリアル番号>"
-                          "</写真ファイル情報></写真情報></photodata>"
+            << QByteArray(
+                   "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\" [<!ENTITY a \"aaaaaaaaaa\">"
+                   "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">]>\n") +
+                   good +
+                   "<写真情報><写真ファイル情報><シリアル番号>&b;</シリアル番号>"
+                   "</写真ファイル情報></写真情報></photodata>"
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrNone);
         QTest::newRow("unknown elements inside a photograph")
             << head + good +
-                   "<写真情報><謎の要素>?</謎の要素><写真ファイル情報><シリアル番号>1</シリアル番号>"
+                   "<写真情報><謎の要素>?</謎の要素><写真ファイル情報><シリアル番号>1</"
+                   "シリアル番号>"
                    "<写真ファイル名>P1.JPG</写真ファイル名><メディア番号>1</メディア番号>"
-                   "</写真ファイル情報><謎><謎>x</謎></謎></写真情報><写真情報><謎/></写真情報></photodata>"
+                   "</写真ファイル情報><謎><謎>x</謎></謎></写真情報><写真情報><謎/></写真情報></"
+                   "photodata>"
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrNone);
     }
     void badPhotoXml() {
@@ -274,10 +279,11 @@ private slots:
                       QByteArray::number(n) + "</写真タイトル></撮影工種区分>" + shooting +
                       "<代表写真>0</代表写真><提出頻度写真>1</提出頻度写真></写真情報>";
         }
-        WritePhotoXml(folder, "<!DOCTYPE photodata SYSTEM \"PHOTO03.DTD\">\n"
-                              "<photodata><基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
-                              "<適用要領基準>土木200406-01</適用要領基準></基礎情報>" +
-                                  photos + "</photodata>");
+        WritePhotoXml(folder,
+                      "<!DOCTYPE photodata SYSTEM \"PHOTO03.DTD\">\n"
+                      "<photodata><基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
+                      "<適用要領基準>土木200406-01</適用要領基準></基礎情報>" +
+                          photos + "</photodata>");
         ToviEnouDataFactory factory;
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
         QVERIFY2(document, qPrintable(factory.GetLoadError()));

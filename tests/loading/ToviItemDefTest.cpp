@@ -52,7 +52,8 @@ private slots:
         QTest::newRow("mlit 16") << line("PHOTO03.DTD") << 0 << "国交省-16" << true;
         QTest::newRow("mlit 18") << line("PHOTO04.DTD") << 0 << "国交省-18" << true;
         QTest::newRow("mlit 20") << line("PHOTO05.DTD") << 0 << "国交省-20" << true;
-        QTest::newRow("kowan shares the mlit table") << line("PHOTO05.DTD") << 1 << "国交省-20" << true;
+        QTest::newRow("kowan shares the mlit table")
+            << line("PHOTO05.DTD") << 1 << "国交省-20" << true;
         QTest::newRow("maff 15") << line("PHOTO02N.DTD") << 2 << "農水省-15" << false;
         QTest::newRow("maff 17") << line("PHOTO03.DTD") << 2 << "農水省-17" << true;
         QTest::newRow("maff 23") << line("PHOTO05.DTD") << 2 << "農水省-23" << true;
@@ -70,7 +71,8 @@ private slots:
         QFETCH(int, family);
         QFETCH(QString, section);
         QFETCH(bool, keyPhoto);
-        const QString folder = temp.filePath(QStringLiteral("kind-%1").arg(QTest::currentDataTag()));
+        const QString folder =
+            temp.filePath(QStringLiteral("kind-%1").arg(QTest::currentDataTag()));
         WriteDoctype(folder, doctype);
         ToviItemDef def;
         const PhotoXMLReadErr result = def.Load(folder, static_cast<PhotoXMLType>(family));
@@ -111,7 +113,8 @@ private slots:
     // vocabulary leaves the field as it stood: the file format defines it so.
     void recordsInheritMissingFields() {
         const QString program = temp.filePath(QStringLiteral("prog-inherit"));
-        WriteFile(program + QStringLiteral("/READITEM.XML"), R"(<?xml version="1.0" encoding="UTF-8"?>
+        WriteFile(program + QStringLiteral("/READITEM.XML"),
+                  R"(<?xml version="1.0" encoding="UTF-8"?>
 <information>
   <国交省-18><管理項目><タイトル>その他</タイトル></管理項目></国交省-18>
   <国交省-20>
@@ -148,21 +151,26 @@ private slots:
         QTest::newRow("missing") << QByteArray() << static_cast<int>(ReadErrNoItemFile) << 0;
         QTest::newRow("malformed") << QByteArray("<information><国交省-20><管理項目>")
                                    << static_cast<int>(ReadErrDefinition) << 0;
-        QTest::newRow("not XML at all") << QByteArray("\x89PNG\r\n\x1a\n garbage")
-                                        << static_cast<int>(ReadErrDefinition) << 0;
+        QTest::newRow("not XML at all")
+            << QByteArray("\x89PNG\r\n\x1a\n garbage") << static_cast<int>(ReadErrDefinition) << 0;
         QTest::newRow("section absent")
-            << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-18/></information>")
+            << QByteArray(
+                   "<?xml version=\"1.0\" "
+                   "encoding=\"UTF-8\"?><information><国交省-18/></information>")
             << static_cast<int>(ReadErrNone) << 0;
         QTest::newRow("no information root")
-            << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><国交省-20><管理項目><タイトル>X</タイトル>"
-                          "</管理項目></国交省-20>")
+            << QByteArray(
+                   "<?xml version=\"1.0\" "
+                   "encoding=\"UTF-8\"?><国交省-20><管理項目><タイトル>X</タイトル>"
+                   "</管理項目></国交省-20>")
             << static_cast<int>(ReadErrNone) << 1;
     }
     void definitionFileProblems() {
         QFETCH(QByteArray, readItem);
         QFETCH(int, result);
         QFETCH(int, count);
-        const QString program = temp.filePath(QStringLiteral("prog-%1").arg(QTest::currentDataTag()));
+        const QString program =
+            temp.filePath(QStringLiteral("prog-%1").arg(QTest::currentDataTag()));
         QDir().mkpath(program);
         if (!readItem.isEmpty()) {
             WriteFile(program + QStringLiteral("/READITEM.XML"), readItem);

@@ -53,7 +53,7 @@ Q_DECLARE_METATYPE(Way)
 class LumImageTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void init() {
         dir = std::make_unique<QTemporaryDir>();
         QVERIFY(dir->isValid());
@@ -263,7 +263,7 @@ class LumImageTest : public QObject {
         QCOMPARE(image.Image().format(), QImage::Format_RGB32);
     }
 
-  private:
+private:
     std::unique_ptr<QTemporaryDir> dir;
 };
 

@@ -24,7 +24,7 @@ void WriteText(const QString& path, const QByteArray& text) {
 class ToviEnvironmentTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase() {
         home = qgetenv("HOME");
         configHome = qgetenv("XDG_CONFIG_HOME");
@@ -288,7 +288,7 @@ class ToviEnvironmentTest : public QObject {
         QVERIFY2(type >= 2 && type <= 6, qPrintable(QString::number(type)));
     }
 
-  private:
+private:
     QString Path(const QString& relative) const { return dir->filePath(relative); }
     void SetUser(const QString& value) {
         QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);

@@ -10,7 +10,7 @@
 class ToviProgressDlgTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void init() {
         ui = std::make_unique<ScriptedUi>();
         installed = std::make_unique<ScopedUi>(*ui);
@@ -349,7 +349,7 @@ class ToviProgressDlgTest : public QObject {
                  (QStringList{QStringLiteral("写真の出力"), QStringLiteral("検査ビューア")}));
     }
 
-  private:
+private:
     std::unique_ptr<ScriptedUi> ui;
     std::unique_ptr<ScopedUi> installed;
 };

@@ -19,7 +19,7 @@ using review::RecordingHost;
 class ToviDataLabelsTest : public QObject {
     Q_OBJECT
 
-  private:
+private:
     QTemporaryDir temp;
     QString folder;
     RecordingHost host;
@@ -40,7 +40,7 @@ class ToviDataLabelsTest : public QObject {
         }
     }
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));

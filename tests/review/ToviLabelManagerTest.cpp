@@ -55,7 +55,7 @@ const QList<quint32> kDefaultColors = {0x0000FF, 0xFF0000, 0x00FFFF, 0x00FF00, 0
 class ToviLabelManagerTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void init() {
         QVERIFY(temp.isValid());
         profilePath = temp.filePath(QStringLiteral("p%1.ini").arg(++profileNumber));
@@ -198,7 +198,7 @@ class ToviLabelManagerTest : public QObject {
         QCOMPARE(Names(ToviLabelManager(nullptr)), DefaultNames());
     }
 
-  private:
+private:
     QTemporaryDir temp;
     QString profilePath;
     int profileNumber = 0;

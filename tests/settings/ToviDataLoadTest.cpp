@@ -96,11 +96,11 @@ const QString kMlit20DefaultHidden = QStringLiteral(
 
 // Records what the document hands to the tamper-check hook.
 class RecordingData : public ToviData {
-  public:
+public:
     using ToviData::ToviData;
     QList<QList<int>> calls;
 
-  protected:
+protected:
     void OnEditCheckTermsChanged(const QList<int>& cameraTypes) override {
         calls.append(cameraTypes);
     }
@@ -111,7 +111,7 @@ class RecordingData : public ToviData {
 class ToviDataLoadTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         program = temp.filePath(QStringLiteral("program"));
@@ -434,7 +434,7 @@ class ToviDataLoadTest : public QObject {
         QCOMPARE(values, (QStringList{"掘削状況", "", ""}));
     }
 
-  private:
+private:
     QString WriteDelivery(const QString& name, const char* dtd) {
         const QString folder = temp.filePath(name);
         WriteFile(folder + QStringLiteral("/PHOTO.XML"),

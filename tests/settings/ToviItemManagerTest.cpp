@@ -34,7 +34,7 @@ ToviItemShowSettings MakeList(const QString& rows) {
 class ToviItemManagerTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase() { QVERIFY(temp.isValid()); }
     void init() { Profile().UseFile(temp.filePath(QStringLiteral("p%1.ini").arg(++run))); }
 
@@ -147,7 +147,7 @@ class ToviItemManagerTest : public QObject {
         QCOMPARE(Profile().GetProfileString(kSection, kEntry, QString()), QStringLiteral("工種"));
     }
 
-  private:
+private:
     QTemporaryDir temp;
     int run = 0;
 };

@@ -62,7 +62,7 @@ int Field(const Setting& setting, const QString& entry) {
 class ToviPhotoCtrlVisualSettingTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void initTestCase() { QVERIFY(temp.isValid()); }
     void init() { Profile().UseFile(temp.filePath(QStringLiteral("p%1.ini").arg(++run))); }
 
@@ -270,7 +270,7 @@ class ToviPhotoCtrlVisualSettingTest : public QObject {
         setting.reset();
     }
 
-  private:
+private:
     QTemporaryDir temp;
     int run = 0;
 };

@@ -21,7 +21,7 @@ namespace {
 // splitmix64: tiny, and the same sequence on every platform and library version, which the
 // standard distributions do not promise.
 class Rng {
-  public:
+public:
     explicit Rng(quint64 seed) : state(seed) {}
     quint64 Next() {
         quint64 z = (state += 0x9E3779B97F4A7C15ull);
@@ -54,7 +54,7 @@ class Rng {
         return 0;
     }
 
-  private:
+private:
     quint64 state;
 };
 
@@ -516,7 +516,7 @@ ExifFacts PlanExif(const DeliveryPlan& delivery, const DeliveryOptions& options,
 // Streams XML text as CP932 bytes. Tags and the repeated vocabulary are converted once and
 // kept, which is what makes a hundred thousand photographs a matter of seconds.
 class SjisXml {
-  public:
+public:
     SjisXml(QIODevice* device, bool indent) : device(device), indent(indent) {
         buffer.reserve(kFlushAt + 4096);
     }
@@ -565,7 +565,7 @@ class SjisXml {
     }
     bool Ok() const { return ok; }
 
-  private:
+private:
     static constexpr qsizetype kFlushAt = 1 << 20;
 
     void Indent() {
@@ -647,7 +647,7 @@ using Elements = QList<QPair<QString, QString>>;
 
 // Writes leaves and, when asked, records them in file order.
 class Recorder {
-  public:
+public:
     Recorder(SjisXml& xml, Elements* record) : xml(xml), record(record) {}
     void Leaf(const QString& tag, const QString& text) {
         xml.Leaf(tag, text);
@@ -662,7 +662,7 @@ class Recorder {
     }
     void Use(Elements* target) { record = target; }
 
-  private:
+private:
     SjisXml& xml;
     Elements* record;
 };

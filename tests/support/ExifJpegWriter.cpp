@@ -68,7 +68,7 @@ struct Entry {
 // One image file directory. Values longer than four bytes go to a data area right after
 // the directory, so the directory's size is known before any offset is.
 class Ifd {
-  public:
+public:
     void Add(quint16 tag, quint16 type, quint32 count, QByteArray data) {
         entries.append({tag, type, count, std::move(data)});
     }

@@ -43,7 +43,7 @@ struct ScriptedProgressRecord {
 
 // A progress window that shows nothing and records everything.
 class ScriptedProgressView : public ToviProgressView {
-  public:
+public:
     explicit ScriptedProgressView(std::shared_ptr<ScriptedProgressRecord> record);
     ~ScriptedProgressView() override;
 
@@ -61,7 +61,7 @@ class ScriptedProgressView : public ToviProgressView {
 
     const ScriptedProgressRecord& Record() const { return *record; }
 
-  private:
+private:
     void Touch();
 
     std::shared_ptr<ScriptedProgressRecord> record;
@@ -71,7 +71,7 @@ class ScriptedProgressView : public ToviProgressView {
 // pump counter, and progress windows that can be told to press cancel or to die at a given
 // pump. Unscripted questions get the safe answer (Cancel, No) and are recorded all the same.
 class ScriptedUi : public ToviUi {
-  public:
+public:
     struct Question {
         QString text;
         QString caption;
@@ -131,7 +131,7 @@ class ScriptedUi : public ToviUi {
         return progressViews.isEmpty() ? nullptr : progressViews.last();
     }
 
-  private:
+private:
     QString applicationName = QStringLiteral("ToviCore");
     QList<int> answers;
     QList<Question> questions;
@@ -152,13 +152,13 @@ class ScriptedUi : public ToviUi {
 
 // Installs a presenter for the life of a scope and puts the previous one back after.
 class ScopedUi {
-  public:
+public:
     explicit ScopedUi(ToviUi& ui);
     ~ScopedUi();
 
     ScopedUi(const ScopedUi&) = delete;
     ScopedUi& operator=(const ScopedUi&) = delete;
 
-  private:
+private:
     ToviUi* previous;
 };

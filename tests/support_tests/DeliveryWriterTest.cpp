@@ -195,7 +195,7 @@ struct ExifReader {
 class DeliveryWriterTest : public QObject {
     Q_OBJECT
 
-  private slots:
+private slots:
     void writesGeneration_data();
     void writesGeneration();
     void deterministicFromSeed();
