@@ -1,8 +1,18 @@
 #include "platform/ToviProfile.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSettings>
 
 namespace {
+
+// A hand-edited INI line "a,b" without quotes reads back as a list; it is the text a,b.
+QString TextOf(const QVariant& value) {
+    if (value.typeId() == QMetaType::QStringList) {
+        return value.toStringList().join(QLatin1Char(','));
+    }
+    return value.toString();
+}
 
 QString Key(const QString& section, const QString& entry) {
     return section + QLatin1Char('/') + entry;
@@ -20,40 +30,67 @@ ToviProfile::ToviProfile() {
 }
 
 ToviProfile::~ToviProfile() {
+    Flush();
+}
+
+void ToviProfile::Flush() {
     if (settings) {
         settings->sync();
+        return;
     }
+    if (!explicitDirty || !explicitUsable) {
+        return;
+    }
+    // QSettings makes missing folders on its own: a store whose folder went away is dropped.
+    if (!QFileInfo(QFileInfo(explicitPath).absolutePath()).isDir()) {
+        return;
+    }
+    QSettings file(explicitPath, QSettings::IniFormat);
+    file.clear();
+    for (auto it = explicitValues.cbegin(); it != explicitValues.cend(); ++it) {
+        file.setValue(it.key(), it.value());
+    }
+    file.sync();
+    explicitDirty = false;
 }
 
 void ToviProfile::UseFile(const QString& iniPath) {
-    if (settings) {
-        settings->sync();
-    }
+    Flush();
+    settings.reset();
+    explicitPath.clear();
+    explicitValues.clear();
+    explicitUsable = true;
+    explicitDirty = false;
     if (iniPath.isEmpty()) {
         settings = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
                                                QStringLiteral("Orvane Systems"),
                                                QStringLiteral("ToviCore"));
-    } else {
-        settings = std::make_unique<QSettings>(iniPath, QSettings::IniFormat);
+        return;
+    }
+    explicitPath = QFileInfo(iniPath).absoluteFilePath();
+    QDir().mkpath(QFileInfo(explicitPath).absolutePath());
+    const QSettings file(explicitPath, QSettings::IniFormat);
+    explicitUsable = file.status() != QSettings::FormatError;
+    if (explicitUsable) {
+        for (const QString& key : file.allKeys()) {
+            explicitValues.insert(key, TextOf(file.value(key)));
+        }
     }
 }
 
 QString ToviProfile::FileName() const {
-    return settings->fileName();
+    return settings ? settings->fileName() : explicitPath;
 }
 
 bool ToviProfile::Usable() const {
     // A file that can't be parsed reads as empty: every read gives its default.
-    return settings->status() != QSettings::FormatError;
+    return settings ? settings->status() != QSettings::FormatError : explicitUsable;
 }
 
 int ToviProfile::GetProfileInt(const QString& section, const QString& entry,
                                int defaultValue) const {
-    if (!Usable()) {
-        return defaultValue;
-    }
     bool ok = false;
-    const int value = settings->value(Key(section, entry)).toString().trimmed().toInt(&ok);
+    const int value = GetProfileString(section, entry, QString()).trimmed().toInt(&ok);
     return ok ? value : defaultValue;
 }
 
@@ -66,15 +103,12 @@ QString ToviProfile::GetProfileString(const QString& section, const QString& ent
     if (!Usable()) {
         return defaultValue;
     }
-    const QVariant value = settings->value(Key(section, entry));
-    if (!value.isValid()) {
-        return defaultValue;
+    const QString key = Key(section, entry);
+    if (!settings) {
+        return explicitValues.value(key, defaultValue);
     }
-    // A hand-edited INI line "a,b" without quotes reads back as a list; it is the text a,b.
-    if (value.typeId() == QMetaType::QStringList) {
-        return value.toStringList().join(QLatin1Char(','));
-    }
-    return value.toString();
+    const QVariant value = settings->value(key);
+    return value.isValid() ? TextOf(value) : defaultValue;
 }
 
 bool ToviProfile::WriteProfileString(const QString& section, const QString& entry,
@@ -83,6 +117,14 @@ bool ToviProfile::WriteProfileString(const QString& section, const QString& entr
         return false;
     }
     const QString key = Key(section, entry);
+    if (!settings) {
+        const auto it = explicitValues.constFind(key);
+        if (it == explicitValues.cend() || *it != value) {
+            explicitValues.insert(key, value);
+            explicitDirty = true;
+        }
+        return true;
+    }
     // Every opening writes the kind of delivery; an unchanged value costs no disk write.
     const QVariant current = settings->value(key);
     if (current.isValid() && current.toString() == value) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QString>
 
 #include <memory>
@@ -15,8 +16,15 @@ public:
     static ToviProfile& Instance();
 
     // Backs the store with this INI file from now on; an empty path returns to the default.
+    // The file is read now and written by Flush; its folder is made now if missing. Should
+    // the folder be removed later (a test's temporary folder, a profile on media taken
+    // out), nothing is written back and the folder is not made again.
     void UseFile(const QString& iniPath);
     QString FileName() const;
+
+    // Writes pending changes out now. Also done when the store changes file and at exit;
+    // the default store is also written when the event loop next runs.
+    void Flush();
 
     int GetProfileInt(const QString& section, const QString& entry, int defaultValue) const;
     bool WriteProfileInt(const QString& section, const QString& entry, int value);
@@ -30,5 +38,12 @@ private:
     ToviProfile();
     bool Usable() const;
 
+    // The default store: the user's settings through QSettings.
     std::unique_ptr<QSettings> settings;
+
+    // A file the caller named, kept in memory between flushes.
+    QString explicitPath;
+    QMap<QString, QString> explicitValues;  // "section/entry" -> text
+    bool explicitUsable = true;
+    bool explicitDirty = false;
 };
