@@ -135,7 +135,7 @@ QByteArray InfoText(ToviData& document) {
         ToviPhoto* photo = photos[i];
         const QString name = photo->GetImagePath().section(QLatin1Char('/'), -1);
         text += QStringLiteral("  %1  %2  %3  %4  %5\n")
-                    .arg(i + 1, 5)
+                    .arg(i, 5)
                     .arg(name, photo->GetTitle(dateIndex), photo->GetTitle(workIndex),
                          photo->GetTitle(titleIndex));
     }

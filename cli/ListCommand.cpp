@@ -44,7 +44,14 @@ bool ParseListOptions(QStringList& args, ListOptions& list) {
             }
             list.nodePath = value();
             static const QRegularExpression kPath(QStringLiteral("^\\d+(/\\d+)*$"));
-            if (!kPath.match(list.nodePath).hasMatch()) {
+            bool inRange = true;
+            for (const QString& step : list.nodePath.split(QLatin1Char('/'))) {
+                step.toInt(&inRange);
+                if (!inRange) {
+                    break;
+                }
+            }
+            if (!kPath.match(list.nodePath).hasMatch() || !inRange) {
                 return Usage(
                     QStringLiteral("--node には子の位置を 0/2/1 のように指定してください"));
             }

@@ -36,7 +36,7 @@ const char kUsage[] =
     "    --json      {\"types\", \"verifiers\": [{\"library\", \"types\", \"state\", \"path\"}],\n"
     "                 \"results\": [{\"index\", \"imagePath\", \"result\"}], \"counts\": {\"0\".. "
     "\"3\"}}\n"
-    "    使える検証ライブラリが一つもないときは、すべて 3 を表示して終了コード 3 で終わる\n"
+    "    使える検証ライブラリが一つもないときは、すべて 3 を表示し、終了コード 0 で終わる\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 

@@ -1,4 +1,5 @@
 #include "platform/Cp932.h"
+#include "tests/support/ProgramRun.h"
 #include "tests/support/DeliveryWriter.h"
 
 #include <QCoreApplication>
@@ -6,7 +7,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -15,11 +15,7 @@
 
 namespace {
 
-struct Run {
-    int exitCode = -1;
-    QByteArray out;
-    QString err;
-};
+using Run = ProgramRun;
 
 void WriteFile(const QString& path, const QByteArray& bytes) {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -89,6 +85,21 @@ private slots:
         QVERIFY(text.contains(QStringLiteral("国交省-20")));
         QVERIFY(text.contains(QStringLiteral("写真: 12枚")));
         QVERIFY(text.contains(written.photos.first().fileName));
+        // Photographs are named by their photo index, as list and check name them.
+        QVERIFY(text.contains(QStringLiteral("      0  ") + written.photos.first().fileName));
+    }
+
+    // The help text is the contract of every command and its exit codes.
+    void helpDescribesEveryCommand() {
+        const Run run = Tovi({QStringLiteral("--help")});
+        QCOMPARE(run.exitCode, 0);
+        const QString text = QString::fromUtf8(run.out);
+        for (const char* command : {"info", "tree", "list", "exif", "check"}) {
+            QVERIFY2(text.contains(QStringLiteral("tovi %1 ").arg(QLatin1String(command))),
+                     command);
+        }
+        QVERIFY(text.contains(QStringLiteral("終了コード 0 で終わる")));
+        QCOMPARE(Tovi({}).exitCode, 2);
     }
 
     // Every way of not loading says so in one line and exits 1; usage errors exit 2.
@@ -255,6 +266,9 @@ private slots:
         QTest::newRow("date kind")
             << QStringList{QStringLiteral("--date-kind"), QStringLiteral("2")}
             << QStringLiteral("--date-kind");
+        QTest::newRow("node past int") << QStringList{QStringLiteral("--node"),
+                                                      QStringLiteral("0/99999999999")}
+                                       << QStringLiteral("--node");
         QTest::newRow("no such node")
             << QStringList{QStringLiteral("--node"), QStringLiteral("99/0")}
             << QStringLiteral("99/0");
@@ -306,20 +320,10 @@ private slots:
 
 private:
     Run Tovi(const QStringList& args, const QString& program = QString()) {
-        QProcess process;
-        process.start(
+        return RunProgram(
             program.isEmpty() ? tovi : program,
             QStringList{QStringLiteral("--profile"), temp.filePath(QStringLiteral("p.ini"))} +
                 args);
-        Run run;
-        if (!process.waitForFinished(60000)) {
-            process.kill();
-            return run;
-        }
-        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-        run.out = process.readAllStandardOutput();
-        run.err = QString::fromUtf8(process.readAllStandardError());
-        return run;
     }
 
     QTemporaryDir temp;

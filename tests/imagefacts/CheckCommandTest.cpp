@@ -1,12 +1,12 @@
 #include "platform/ToviVerifierLibrary.h"
 #include "tests/imagefacts/ExifFixture.h"
+#include "tests/support/ProgramRun.h"
 #include "tests/support/DeliveryWriter.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -28,11 +28,7 @@ private slots:
     void usage();
 
 private:
-    struct Run {
-        int exitCode = -1;
-        QByteArray out;
-        QString err;
-    };
+    using Run = ProgramRun;
     Run Tovi(const QString& program, const QStringList& args) const;
     // A folder holding a copy of tovi and READITEM.XML, and the named stand-in libraries.
     QString ProgramFolder(const QString& name, const QStringList& libraries, bool junkHash = false);
@@ -81,13 +77,9 @@ void CheckCommandTest::initTestCase() {
 
 CheckCommandTest::Run CheckCommandTest::Tovi(const QString& program,
                                              const QStringList& args) const {
-    QProcess process;
-    process.start(
+    return RunProgram(
         program + QStringLiteral("/tovi"),
         QStringList{QStringLiteral("--profile"), temp.filePath(QStringLiteral("p.ini"))} + args);
-    process.waitForFinished(60000);
-    return {process.exitCode(), process.readAllStandardOutput(),
-            QString::fromUtf8(process.readAllStandardError())};
 }
 
 QString CheckCommandTest::ProgramFolder(const QString& name, const QStringList& libraries,

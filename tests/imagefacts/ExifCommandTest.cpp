@@ -4,7 +4,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
+#include "tests/support/ProgramRun.h"
+
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -21,11 +23,7 @@ private slots:
     void exitCodes();
 
 private:
-    struct Run {
-        int exitCode = -1;
-        QByteArray out;
-        QByteArray err;
-    };
+    using Run = ProgramRun;
     Run Tovi(const QStringList& args) const;
 
     QTemporaryDir dir;
@@ -39,7 +37,6 @@ void ExifCommandTest::initTestCase() {
 }
 
 ExifCommandTest::Run ExifCommandTest::Tovi(const QStringList& args) const {
-    QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     // The SVG work file goes below the test's folder, never the user's.
     QDir().mkpath(dir.filePath(QStringLiteral("config/Orvane Systems")));
@@ -49,10 +46,8 @@ ExifCommandTest::Run ExifCommandTest::Tovi(const QStringList& args) const {
         settings.setValue(QStringLiteral("QVScratch"), dir.path());
     }
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), dir.filePath(QStringLiteral("config")));
-    process.setProcessEnvironment(env);
-    process.start(tovi, QStringList{QStringLiteral("--profile"), dir.filePath("p.ini")} + args);
-    process.waitForFinished(60000);
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return RunProgram(tovi, QStringList{QStringLiteral("--profile"), dir.filePath("p.ini")} + args,
+                      env);
 }
 
 void ExifCommandTest::jsonNamesGroupsAndFileFacts() {
