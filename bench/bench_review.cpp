@@ -72,7 +72,7 @@ ToviData* Document() {
         qFatal("cannot write the delivery: %s", qPrintable(error));
     }
     ToviEnouDataFactory factory;
-    document.reset(factory.Create(&Host(), root + QStringLiteral("/INDEX_C/PHOTO"), PhotoXMLMlit));
+    document = factory.Create(&Host(), root + QStringLiteral("/INDEX_C/PHOTO"), PhotoXMLMlit);
     if (!document || document->GetTotalCountPhoto() != kPhotoCount) {
         qFatal("the delivery of %d photographs did not load", kPhotoCount);
     }

@@ -106,7 +106,7 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
     ToviEnouDataFactory factory;
     std::unique_ptr<ToviData> document;
     try {
-        document.reset(factory.Create(&silentHost, options.folder, options.family));
+        document = factory.Create(&silentHost, options.folder, options.family);
     } catch (const std::out_of_range&) {
         // Only a READITEM.XML whose steps don't balance walks off the end of its list.
         PrintError(

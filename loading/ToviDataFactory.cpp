@@ -2,26 +2,34 @@
 
 #include "document/ToviData.h"
 
-ToviData* ToviDataFactory::Create(ToviHostDocument* hostDocument, const QString& path,
-                                  PhotoXMLType type, ToviLoadCallback callback, void* arg) {
+std::unique_ptr<ToviData> ToviDataFactory::Create(ToviHostDocument* hostDocument,
+                                                  const QString& path, PhotoXMLType type,
+                                                  ToviLoadCallback callback, void* arg) {
     srcPath = path;
     xmlType = type;
-    document = OnNewDocumentInstance(hostDocument);
-    if (!document) {
+    std::unique_ptr<ToviData> made = OnNewDocumentInstance(hostDocument);
+    document = made.get();
+    if (!made) {
         return nullptr;
     }
-    if (document->GetErrorType() != ReadErrNone) {
-        return document;  // nothing was read; the error type tells the host why
+    if (made->GetErrorType() != ReadErrNone) {
+        return made;  // nothing was read; the error type tells the host why
     }
     if (async) {
-        return document;
+        return made;
     }
-    if (OnLoad(callback, arg)) {
-        return document;
+    bool loaded = false;
+    try {
+        loaded = OnLoad(callback, arg);
+    } catch (...) {
+        document = nullptr;
+        throw;
     }
-    delete document;
-    document = nullptr;
-    return nullptr;
+    if (!loaded) {
+        document = nullptr;
+        return nullptr;
+    }
+    return made;
 }
 
 bool ToviDataFactory::Load(ToviLoadCallback callback, void* arg) {
@@ -31,9 +39,10 @@ bool ToviDataFactory::Load(ToviLoadCallback callback, void* arg) {
     return OnLoad(callback, arg);
 }
 
-ToviData* ToviDataFactory::OnNewDocumentInstance(ToviHostDocument* hostDocument) {
+std::unique_ptr<ToviData> ToviDataFactory::OnNewDocumentInstance(
+    ToviHostDocument* hostDocument) {
     // The base never sees a delivery: empty path and family 0 on purpose.
-    return new ToviData(hostDocument, QString(), PhotoXMLMlit);
+    return std::make_unique<ToviData>(hostDocument, QString(), PhotoXMLMlit);
 }
 
 bool ToviDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <memory>
+
 class ToviData;
 class ToviDataFactory;
 class ToviHostDocument;
@@ -22,10 +24,12 @@ public:
     ToviDataFactory(const ToviDataFactory&) = delete;
     ToviDataFactory& operator=(const ToviDataFactory&) = delete;
 
-    // The document (owned by the caller from then on), or null when the load failed. A
-    // document whose error type isn't ReadErrNone holds no photographs.
-    ToviData* Create(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type,
-                     ToviLoadCallback callback = nullptr, void* arg = nullptr);
+    // The document, or null when the load failed. A document whose error type isn't
+    // ReadErrNone holds no photographs. In async mode the factory keeps watching the document
+    // it handed over until Load; the caller keeps it alive until then. A load that throws
+    // (an unbalanced READITEM.XML) lets the exception through and keeps no document.
+    std::unique_ptr<ToviData> Create(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type,
+                                     ToviLoadCallback callback = nullptr, void* arg = nullptr);
     void Async(bool on) { async = on; }
     bool Async() const { return async; }
     // The second half of an asynchronous open; false unless in async mode with a document.
@@ -36,13 +40,13 @@ protected:
     ToviData* GetDocument() const { return document; }
     const QString& SrcPath() const { return srcPath; }
     PhotoXMLType XmlType() const { return xmlType; }
-    virtual ToviData* OnNewDocumentInstance(ToviHostDocument* hostDocument);
+    virtual std::unique_ptr<ToviData> OnNewDocumentInstance(ToviHostDocument* hostDocument);
     virtual bool OnLoad(ToviLoadCallback callback, void* arg);
     // Hands text to the callback; false without one.
     virtual bool OnProgress(ToviLoadCallback callback, const QString& text, void* arg);
 
 private:
-    ToviData* document = nullptr;
+    ToviData* document = nullptr;  // the document being loaded; owned by the caller
     QString srcPath;
     bool async = false;
     PhotoXMLType xmlType = PhotoXMLMlit;

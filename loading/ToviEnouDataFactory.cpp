@@ -42,8 +42,9 @@ bool IsOptional(const Definition& d) {
 
 }  // namespace
 
-ToviData* ToviEnouDataFactory::OnNewDocumentInstance(ToviHostDocument* hostDocument) {
-    return new ToviData(hostDocument, SrcPath(), XmlType());
+std::unique_ptr<ToviData> ToviEnouDataFactory::OnNewDocumentInstance(
+    ToviHostDocument* hostDocument) {
+    return std::make_unique<ToviData>(hostDocument, SrcPath(), XmlType());
 }
 
 bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {

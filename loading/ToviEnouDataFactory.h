@@ -21,7 +21,7 @@ public:
     const QString& GetLoadError() const { return loadError; }
 
 protected:
-    ToviData* OnNewDocumentInstance(ToviHostDocument* hostDocument) override;
+    std::unique_ptr<ToviData> OnNewDocumentInstance(ToviHostDocument* hostDocument) override;
     bool OnLoad(ToviLoadCallback callback, void* arg) override;
 
 private:

@@ -7,12 +7,12 @@
 
 // The one way the library reports an index outside an array: std::out_of_range, never
 // caught inside the library.
-[[noreturn]] inline void ToviThrowInvalidArgument(const char* where) {
+[[noreturn]] inline void ToviThrowOutOfRange(const char* where) {
     throw std::out_of_range(std::string(where) + ": index out of range");
 }
 
 inline void ToviCheckIndex(qsizetype index, qsizetype size, const char* where) {
     if (index < 0 || index >= size) {
-        ToviThrowInvalidArgument(where);
+        ToviThrowOutOfRange(where);
     }
 }

@@ -93,21 +93,21 @@ void ToviLabelManager::SetLabelAttribute(const ToviLabelAttribute* source) {
 
 ToviLabelAttribute& ToviLabelManager::GetLabelAttribute(unsigned long index) {
     if (index >= static_cast<unsigned long>(kCount)) {
-        ToviThrowInvalidArgument("ToviLabelManager::GetLabelAttribute");
+        ToviThrowOutOfRange("ToviLabelManager::GetLabelAttribute");
     }
     return labels[index];
 }
 
 const ToviLabelAttribute& ToviLabelManager::GetLabelAttribute(unsigned long index) const {
     if (index >= static_cast<unsigned long>(kCount)) {
-        ToviThrowInvalidArgument("ToviLabelManager::GetLabelAttribute");
+        ToviThrowOutOfRange("ToviLabelManager::GetLabelAttribute");
     }
     return labels[index];
 }
 
 ToviLabelAttribute ToviLabelManager::DefaultAttribute(unsigned long index) {
     if (index >= static_cast<unsigned long>(kCount)) {
-        ToviThrowInvalidArgument("ToviLabelManager::DefaultAttribute");
+        ToviThrowOutOfRange("ToviLabelManager::DefaultAttribute");
     }
     return ToviLabelAttribute(kDefaults[index].color, QString::fromUtf8(kDefaults[index].name));
 }
