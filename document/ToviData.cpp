@@ -122,6 +122,5 @@ void ToviData::Broadcast(QWidget* sender, UpdateHint hint, QObject* object) cons
 }
 
 void ToviPhotoArrayFactory::ClearAway(ToviPhotoArray& photos) {
-    qDeleteAll(photos);
     photos.clear();
 }

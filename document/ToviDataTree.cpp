@@ -16,9 +16,7 @@ ToviNode* ChildTitled(ToviNode* parent, const QString& text) {
             return child;
         }
     }
-    auto* child = new ToviNode(text);
-    parent->Add(child);
-    return child;
+    return parent->GetNode(parent->Add(std::make_unique<ToviNode>(text)));
 }
 
 QList<int> LevelIndexes(const ToviItemDef& def, const QStringList& titles) {

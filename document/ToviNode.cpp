@@ -18,25 +18,22 @@ const ToviNode& ToviNode::operator=(const ToviNode& other) {
     RemoveAllItems();
     children.reserve(other.children.size());
     for (const ToviNode* child : other.children) {
-        ToviNode* copy = child->Clone();
+        std::unique_ptr<ToviNode> copy = child->Clone();
         copy->parent = this;
-        children.append(copy);
+        children.append(std::move(copy));
     }
     return *this;
 }
 
-ToviNode::~ToviNode() {
-    qDeleteAll(children);
-}
+ToviNode::~ToviNode() = default;
 
-ToviNode* ToviNode::Clone() const {
-    return new ToviNode(*this);
+std::unique_ptr<ToviNode> ToviNode::Clone() const {
+    return std::make_unique<ToviNode>(*this);
 }
 
 void ToviNode::RemoveAllItems() {
     for (ToviNode* child : children) {
         child->RemoveAllItems();
-        delete child;
     }
     children.clear();
     indexes.clear();
@@ -48,15 +45,15 @@ ToviNode* ToviNode::Parent(ToviNode* newParent) {
     return previous;
 }
 
-int ToviNode::Add(ToviNode* child) {
+int ToviNode::Add(std::unique_ptr<ToviNode> child) {
     child->parent = this;
     for (qsizetype i = 0; i < children.size(); ++i) {
         if (children[i]->title == kUnfilledTitle) {
-            children.insert(i, child);
+            children.insert(i, std::move(child));
             return static_cast<int>(i);
         }
     }
-    children.append(child);
+    children.append(std::move(child));
     return static_cast<int>(children.size() - 1);
 }
 

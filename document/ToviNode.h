@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+#include <memory>
+
 // One node of the classification tree. The document itself is the root node. A node owns
 // its children; its indexes are the photo indexes that belong to it alone.
 class ToviNode {
@@ -18,22 +20,14 @@ public:
     const ToviNode& operator=(const ToviNode& other);
     virtual ~ToviNode();
 
-    virtual ToviNode* Clone() const;
+    virtual std::unique_ptr<ToviNode> Clone() const;
     // Deletes every child (depth first) and empties the indexes; the title stays.
     virtual void RemoveAllItems();
 
     void Title(const QString& text) { title = text; }
     const QString& Title() const { return title; }
-    ToviNode& operator=(const QString& text) {
-        title = text;
-        return *this;
-    }
     void Valid(bool flag) { valid = flag; }
     bool IsValid() const { return valid; }
-    ToviNode& operator=(bool flag) {
-        valid = flag;
-        return *this;
-    }
 
     ToviNode* Parent() const { return parent; }
     // Sets the parent and returns the previous one.
@@ -41,8 +35,9 @@ public:
     ToviNodeArray& Items() { return children; }
     const ToviNodeArray& Items() const { return children; }
 
-    // Adopts child: before a "【未記入】" child when there is one, else at the end.
-    int Add(ToviNode* child);
+    // Adopts child: before a "【未記入】" child when there is one, else at the end. Returns
+    // its position.
+    int Add(std::unique_ptr<ToviNode> child);
     void AddIndex(int photoIndex) { indexes.append(photoIndex); }
     ToviNode* GetNode(int position);
     int GetChildNodeCount() const { return static_cast<int>(children.size()); }

@@ -1,13 +1,8 @@
 #pragma once
 
-#include <QList>
+#include "document/ToviOwningArray.h"
 
 class ToviNode;
 
-// The children of a tree node; the node owns what the pointers point to.
-class ToviNodeArray : public QList<ToviNode*> {
-public:
-    using QList<ToviNode*>::QList;
-    ToviNodeArray() = default;
-    virtual ~ToviNodeArray() = default;
-};
+// The children of a tree node, owned by it.
+using ToviNodeArray = ToviOwningArray<ToviNode>;

@@ -2,21 +2,18 @@
 
 #include "document/ToviPhoto.h"
 
-ToviPhotoArray::~ToviPhotoArray() {
-    qDeleteAll(*this);
-}
+ToviPhotoArray::ToviPhotoArray() = default;
+ToviPhotoArray::~ToviPhotoArray() = default;
 
 void ToviPhotoArray::AllReleaseImage() {
     for (ToviPhoto* photo : *this) {
-        if (photo) {
-            photo->ReleaseImage();
-        }
+        photo->ReleaseImage();
     }
 }
 
 ToviPhoto* ToviPhotoArray::GetData(const QString& path) {
     for (ToviPhoto* photo : *this) {
-        if (photo && photo->GetImagePath().compare(path, Qt::CaseInsensitive) == 0) {
+        if (photo->GetImagePath().compare(path, Qt::CaseInsensitive) == 0) {
             return photo;
         }
     }

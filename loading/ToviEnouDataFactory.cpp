@@ -262,7 +262,7 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
             }
             ++i;
         }
-        photos->append(new ToviPhoto(document, items));
+        photos->append(std::make_unique<ToviPhoto>(document, items));
         ++photoCount;
         if (photoCount % 50 == 0) {
             // The result is ignored: a load can't be cancelled.

@@ -140,7 +140,7 @@ inline void AppendBarePhoto(ToviData& document) {
     ToviItemArray items;
     items.append(ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
                           QStringLiteral("bare")));
-    document.GetPhotoDataArray()->append(new ToviPhoto(&document, items));
+    document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(&document, items));
 }
 
 // The tree below node as text: each child's title, "{photo indexes}" of its own, and

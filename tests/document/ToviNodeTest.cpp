@@ -25,8 +25,7 @@ QStringList ChildTitles(ToviNode& node) {
 }
 
 ToviNode* AddChild(ToviNode& parent, const QString& title, const QList<int>& indexes = {}) {
-    auto* child = new ToviNode(title);
-    parent.Add(child);
+    ToviNode* child = parent.GetNode(parent.Add(std::make_unique<ToviNode>(title)));
     for (int index : indexes) {
         child->AddIndex(index);
     }
@@ -67,8 +66,9 @@ private slots:
         QFETCH(QList<int>, positions);
         ToviNode root;
         for (qsizetype i = 0; i < added.size(); ++i) {
-            auto* child = new ToviNode(added[i]);
-            QCOMPARE(root.Add(child), positions[i]);
+            auto made = std::make_unique<ToviNode>(added[i]);
+            ToviNode* child = made.get();
+            QCOMPARE(root.Add(std::move(made)), positions[i]);
             QCOMPARE(child->Parent(), &root);
             QCOMPARE(root.GetNode(positions[i]), child);
         }
@@ -79,10 +79,9 @@ private slots:
     // photo indexes; assignment first deletes the target's children.
     void copyCarriesTheShapeWithoutIndexes() {
         ToviNode parent(QStringLiteral("P"));
-        auto* source = new ToviNode;
-        parent.Add(source);
+        ToviNode* source = parent.GetNode(parent.Add(std::make_unique<ToviNode>()));
         BuildSample(*source);
-        std::unique_ptr<ToviNode> clone(source->Clone());
+        std::unique_ptr<ToviNode> clone = source->Clone();
         QCOMPARE(clone->Parent(), nullptr);
         QCOMPARE(ChildTitles(*clone), (QStringList{"A", "C"}));
         ToviNode* a = clone->GetNode(0);
@@ -95,8 +94,8 @@ private slots:
 
         int deaths = 0;
         ToviNode target(QStringLiteral("T"));
-        target.Add(new CountedNode(QStringLiteral("X"), &deaths));
-        target.Add(new CountedNode(QStringLiteral("Y"), &deaths));
+        target.Add(std::make_unique<CountedNode>(QStringLiteral("X"), &deaths));
+        target.Add(std::make_unique<CountedNode>(QStringLiteral("Y"), &deaths));
         target = *source;
         QCOMPARE(deaths, 2);
         QCOMPARE(target.Title(), QStringLiteral("R"));
@@ -114,10 +113,10 @@ private slots:
         int deaths = 0;
         ToviNode root(QStringLiteral("R"));
         root.AddIndex(7);
-        auto* a = new CountedNode(QStringLiteral("A"), &deaths);
-        root.Add(a);
-        a->Add(new CountedNode(QStringLiteral("A1"), &deaths));
-        root.Add(new CountedNode(QStringLiteral("B"), &deaths));
+        ToviNode* a =
+            root.GetNode(root.Add(std::make_unique<CountedNode>(QStringLiteral("A"), &deaths)));
+        a->Add(std::make_unique<CountedNode>(QStringLiteral("A1"), &deaths));
+        root.Add(std::make_unique<CountedNode>(QStringLiteral("B"), &deaths));
         root.RemoveAllItems();
         QCOMPARE(deaths, 3);
         QCOMPARE(root.GetChildNodeCount() + root.GetImageCount(), 0);

@@ -427,7 +427,7 @@ void ToviImageCheckTest::documentResults() {
     };
     for (int i = 0; i < photos.size(); ++i) {
         document.GetPhotoDataArray()->append(
-            new ToviPhoto(Jpeg(QStringLiteral("doc%1.jpg").arg(i), other, photos[i].first)));
+            std::make_unique<ToviPhoto>(Jpeg(QStringLiteral("doc%1.jpg").arg(i), other, photos[i].first)));
     }
     const auto results = [&] {
         QList<int> list;
@@ -512,8 +512,7 @@ void ToviImageCheckTest::documentRecomputesEveryCall() {
     UseProgramFolder(Lib::Missing, Lib::Full);
     ToviData document(nullptr, temp.path(), PhotoXMLMlit);
     const QString path = Jpeg(QStringLiteral("again.jpg"), QStringLiteral("X"), Markers({}, 1));
-    auto* photo = new ToviPhoto(path);
-    document.GetPhotoDataArray()->append(photo);
+    ToviPhoto* photo = document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(path));
     EnableCheck(document, QStringLiteral("2"));
 
     const QList<std::pair<int, ToviPhoto::EditJPEGCheckResult>> answers{
