@@ -22,27 +22,6 @@ ToviPhoto::ToviPhoto(ToviData* document, const ToviItemArray& items)
     MakePath();
 }
 
-ToviPhoto::ToviPhoto(const ToviPhoto& other) {
-    *this = other;
-}
-
-ToviPhoto& ToviPhoto::operator=(const ToviPhoto& other) {
-    if (this == &other) {
-        return *this;
-    }
-    imagePath = other.imagePath;
-    picturePaths = other.picturePaths;
-    items = other.items;
-    exifState = other.exifState;
-    labels = other.labels;
-    selected = other.selected;
-    document = other.document;
-    comment = other.comment;
-    editResult = other.editResult;
-    ReleaseImage();
-    return *this;
-}
-
 ToviPhoto::PathTitles ToviPhoto::TitlesForPaths(bool standAlone) const {
     PathTitles titles;
     if (!document) {
@@ -171,11 +150,11 @@ void ToviPhoto::UpdateImagePath() {
     rebuilding = true;
     MakePath();
     rebuilding = false;
-    fileExists = MibIsFileExist(imagePath);
-    if (fileExists) {
+    *fileExists = MibIsFileExist(imagePath);
+    if (*fileExists) {
         for (const QString& path : picturePaths) {
             if (!MibIsFileExist(path)) {
-                fileExists = false;
+                *fileExists = false;
                 break;
             }
         }
@@ -286,27 +265,27 @@ bool ToviPhoto::GetTextPairs(const ToviItemDef* def, ToviTextPairArray& pairs) c
 }
 
 bool ToviPhoto::LoadThumb() {
-    if (thumbLoaded && !imageLoaded) {
+    if (loaded->thumbLoaded && !loaded->imageLoaded) {
         return true;  // in place, or tried once already since the last release
     }
-    thumbLoaded = true;
-    image.Clear();
-    imageLoaded = false;
-    return image.LoadThumb(GetImagePath());
+    loaded->thumbLoaded = true;
+    loaded->image.Clear();
+    loaded->imageLoaded = false;
+    return loaded->image.LoadThumb(GetImagePath());
 }
 
 bool ToviPhoto::LoadImage() {
-    if (imageLoaded) {
+    if (loaded->imageLoaded) {
         return true;
     }
-    imageLoaded = image.Load(GetImagePath());
-    return imageLoaded;
+    loaded->imageLoaded = loaded->image.Load(GetImagePath());
+    return loaded->imageLoaded;
 }
 
 void ToviPhoto::ReleaseImage() {
-    image.Clear();
-    thumbLoaded = false;
-    imageLoaded = false;
+    loaded->image.Clear();
+    loaded->thumbLoaded = false;
+    loaded->imageLoaded = false;
 }
 
 QString ToviPhoto::GetFileRenewalDate() {

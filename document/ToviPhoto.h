@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/ToviNotCopied.h"
 #include "document/ToviItemArray.h"
 #include "document/ToviTextPairArray.h"
 #include "imagefacts/ToviExifInfo.h"
@@ -34,8 +35,11 @@ public:
     // The reader's form: copies the items and builds the paths at once.
     ToviPhoto(ToviData* document, const ToviItemArray& items);
     // Copies carry labels, comment and paths but neither the picture nor the existence test.
-    ToviPhoto(const ToviPhoto& other);
-    ToviPhoto& operator=(const ToviPhoto& other);
+    // Copies carry everything but the loaded image, the Exif facts and whether the file
+    // exists: a copy-constructed photograph has none of them; an assigned one keeps its own
+    // Exif facts and existence flag and has its image released.
+    ToviPhoto(const ToviPhoto&) = default;
+    ToviPhoto& operator=(const ToviPhoto&) = default;
     virtual ~ToviPhoto() = default;
 
     virtual void Select(bool on) { selected = on; }
@@ -46,12 +50,12 @@ public:
     // Rebuilds the paths after a media change, keeping files already found.
     virtual void UpdateImagePath();
     // Whether the image and every reference drawing existed at the last UpdateImagePath.
-    virtual bool IsExistFile() { return fileExists; }
+    virtual bool IsExistFile() { return *fileExists; }
     virtual ToviItemArray& GetItems() { return items; }
     virtual const ToviItemArray& GetItems() const { return items; }
     // out receives the reference drawing at index (when there is one and index >= 0).
     virtual void GetPicturePath(QStringList& out, int index);
-    virtual const LumImage& GetImage() const { return image; }
+    virtual const LumImage& GetImage() const { return loaded->image; }
     virtual int GetPictureCount() const { return static_cast<int>(picturePaths.size()); }
     virtual bool IsLabelPasted(unsigned int label) const {
         return label < static_cast<unsigned int>(kLabelCount) && labels[label];
@@ -106,9 +110,9 @@ public:
     // A fact of the image file itself by its display title, read anew on every call.
     void GetFileInfoFromTitle(const QString& title, QString& value) const;
 
-    bool IsImageLoaded() const { return imageLoaded; }
-    bool IsThumbLoaded() const { return thumbLoaded; }
-    bool ConvGrayScaleFromMono() { return image.ConvGrayScaleFromMono(); }
+    bool IsImageLoaded() const { return loaded->imageLoaded; }
+    bool IsThumbLoaded() const { return loaded->thumbLoaded; }
+    bool ConvGrayScaleFromMono() { return loaded->image.ConvGrayScaleFromMono(); }
 
     ToviData* GetDocument() const { return document; }
     QString GetComment() const { return comment; }
@@ -138,15 +142,18 @@ private:
 
     QString imagePath;
     QStringList picturePaths;
-    bool fileExists = false;
+    ToviNotCopied<bool, ToviCopyPolicy::Keep> fileExists;
     bool rebuilding = false;
     ToviItemArray items;
     int exifState = -1;
-    ToviExifInfo exif;
+    ToviNotCopied<ToviExifInfo, ToviCopyPolicy::Keep> exif;
     bool selected = false;
-    LumImage image;
-    bool thumbLoaded = false;
-    bool imageLoaded = false;
+    struct LoadedImage {
+        LumImage image;
+        bool thumbLoaded = false;
+        bool imageLoaded = false;
+    };
+    ToviNotCopied<LoadedImage> loaded;
     ToviData* document = nullptr;
     QString comment;
     EditJPEGCheckResult editResult = EditCheckNone;

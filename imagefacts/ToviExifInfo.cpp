@@ -63,26 +63,6 @@ bool IsSvg(const QString& path) {
 
 }  // namespace
 
-ToviExifInfo::ToviExifInfo(const ToviExifInfo& other) {
-    *this = other;
-}
-
-ToviExifInfo& ToviExifInfo::operator=(const ToviExifInfo& other) {
-    if (this == &other) {
-        return *this;
-    }
-    // The image group is not carried over; a copy answers its rows as empty. Intended.
-    path = other.path;
-    loaded = other.loaded;
-    date = other.date;
-    maker = other.maker;
-    format = other.format;
-    shoot = other.shoot;
-    gps = other.gps;
-    mainImagePath = other.mainImagePath;
-    return *this;
-}
-
 void ToviExifInfo::Clear() {
     // The image group stays as it is. Intended.
     path.clear();
@@ -114,7 +94,7 @@ void ToviExifInfo::Load(const QString& file) {
         Load(path, packs, out);
     };
     read(kDateRows, date);
-    read(kImageRows, image);
+    read(kImageRows, *image);
     read(kMakerRows, maker);
     read(kFormatRows, format);
     read(kShootRows, shoot);

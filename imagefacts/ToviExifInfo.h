@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/ToviNotCopied.h"
 #include "document/ToviTextPairArray.h"
 
 #include <QString>
@@ -15,8 +16,8 @@ class ToviExifInfo {
 public:
     ToviExifInfo() = default;
     // Copies leave the image group of the target as it was, as Clear does.
-    ToviExifInfo(const ToviExifInfo& other);
-    ToviExifInfo& operator=(const ToviExifInfo& other);
+    ToviExifInfo(const ToviExifInfo&) = default;
+    ToviExifInfo& operator=(const ToviExifInfo&) = default;
     virtual ~ToviExifInfo() = default;
 
     // Reads the six groups from path, or for an ".SVG" path from its main image work file
@@ -30,7 +31,7 @@ public:
     const QString& GetMainImagePath() const { return mainImagePath; }
 
     const ToviTextPairArray& GetDate() const { return date; }
-    const ToviTextPairArray& GetImage() const { return image; }
+    const ToviTextPairArray& GetImage() const { return *image; }
     const ToviTextPairArray& GetMaker() const { return maker; }
     const ToviTextPairArray& GetFormat() const { return format; }
     const ToviTextPairArray& GetShoot() const { return shoot; }
@@ -59,7 +60,7 @@ private:
     QString path;
     bool loaded = false;
     ToviTextPairArray date;
-    ToviTextPairArray image;
+    ToviNotCopied<ToviTextPairArray, ToviCopyPolicy::Keep> image;
     ToviTextPairArray maker;
     ToviTextPairArray format;
     ToviTextPairArray shoot;

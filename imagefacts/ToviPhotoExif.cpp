@@ -112,8 +112,8 @@ bool ToviPhoto::CheckExif() {
     const QString& path = GetImagePath();
     QString file = path;
     if (MibGetExt(path) == QLatin1String("SVG")) {
-        exif.MakeMainImageFromSvg(path);
-        file = exif.GetMainImagePath();
+        exif->MakeMainImageFromSvg(path);
+        file = exif->GetMainImagePath();
     }
     QString version;
     exifState = LumImage::GetComment(file, LumCmntExifVersion, version) ? 1 : 0;
@@ -122,16 +122,16 @@ bool ToviPhoto::CheckExif() {
 
 void ToviPhoto::LoadExif() {
     const QString& path = GetImagePath();
-    if (!exif.IsLoaded()) {
-        exif.Load(path);
+    if (!exif->IsLoaded()) {
+        exif->Load(path);
     }
 }
 
 const ToviExifInfo& ToviPhoto::GetExif() {
-    if (!exif.IsLoaded()) {
-        exif.Load(GetImagePath());
+    if (!exif->IsLoaded()) {
+        exif->Load(GetImagePath());
     }
-    return exif;
+    return *exif;
 }
 
 void ToviPhoto::GetExifInfoFromTitle(const QString& title, QString& value) const {
@@ -145,7 +145,7 @@ void ToviPhoto::GetExifInfoFromTitle(const QString& title, QString& value) const
     if (found == titles.cend()) {
         return;
     }
-    const ToviTextPairArray& group = (exif.*(found->group))();
+    const ToviTextPairArray& group = ((*exif).*(found->group))();
     if (found->row >= group.size()) {
         return;  // not loaded
     }

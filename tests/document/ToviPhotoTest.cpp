@@ -318,6 +318,7 @@ private slots:
         QVERIFY(!target.IsImageLoaded() && !target.GetImage().IsValid());
         const ToviPhoto copy(source);
         QVERIFY(copy.IsLabelPasted(2) && !copy.IsImageLoaded() && !copy.GetImage().IsValid());
+        QVERIFY(!ToviPhoto(copy).IsExistFile() && source.IsExistFile());
         ToviPhoto& alias = source;
         source = alias;
         QVERIFY(source.IsImageLoaded() && source.GetImage().IsValid());
