@@ -74,7 +74,7 @@ public:
     // The photograph at a photo index; null outside the actual array.
     ToviPhoto* GetPhotoActualPhotoArray(int index) const;
     // The photo index at a current position: -1 on an empty current array, an
-    // invalid-argument failure outside a non-empty one.
+    // std::out_of_range outside a non-empty one.
     int GetPhotoIndex(int pos) const;
     // The same, but -1 for any position outside.
     int GetIndexPhotoArray(int pos) const;
@@ -86,12 +86,12 @@ public:
     // true when an empty value was met. False when no definition has that title.
     bool GetPhotoItemValue(const QString& title, QStringList& values);
 
-    // ---- classification tree --------------------------------------------------------------
+    // ---- classification tree (ToviDataTree.cpp) ------------------------------------------------
     // Rebuilds the tree (0 and 2 by work type, 1 by shooting place) and the current array
     // under the node that holds the selected photograph. Broadcasts nothing.
     void BuildTreeNode(int treeType);
 
-    // ---- selection --------------------------------------------------------------------------
+    // ---- selection (ToviDataTree.cpp) ----------------------------------------------------------
     // Selects a node: the current array becomes everything under it, extracted and sorted,
     // and hint 2 goes out. Re-selecting the selected node does nothing unless forced.
     // Answers the node selected before.
@@ -113,7 +113,7 @@ public:
     // leaves it alone on an empty current array.
     virtual void GetIndexSelected(int& pos) const;
 
-    // ---- labels -----------------------------------------------------------------------------
+    // ---- labels (ToviDataLabels.cpp) -----------------------------------------------------------
     virtual ToviLabelManager* GetLabelManager() { return labelManager.get(); }
     // Empties out, then adds the photo index of every photograph carrying label, in actual
     // order; answers how many.
@@ -130,7 +130,7 @@ public:
     // Clears every label and comment of the current array.
     virtual void AllRemoveLabel();
 
-    // ---- sort -------------------------------------------------------------------------------
+    // ---- sort (ToviDataExtraction.cpp) ---------------------------------------------------------
     // Orders the current array by the sort condition's key and direction.
     virtual void Sort();
     const ToviSortCondition& GetSortCondition() const { return *sortCondition; }
@@ -138,7 +138,7 @@ public:
     // Copies the condition (sorting off forces ascending); doesn't sort.
     void SetSortCondition(const ToviSortCondition& condition);
 
-    // ---- extraction -------------------------------------------------------------------------
+    // ---- extraction (ToviDataExtraction.cpp) ---------------------------------------------------
     // Where the extraction conditions come from (not owned).
     void SetExtractionData(ToviExtractionSource* source) { extraction = source; }
     ToviExtractionSource* GetExtractionData() const { return extraction; }
@@ -154,7 +154,7 @@ public:
     // Empties the current array (sorting it when sorting is on); hint 4 when update is set.
     void SetCurPhotoArray(bool unused, bool update);
 
-    // ---- settings ---------------------------------------------------------------------------
+    // ---- settings (ToviDataSettings.cpp) -------------------------------------------------------
     ToviPhotoCtrlVisualSetting& GetVisualSetting() { return *visualSetting; }
     const ToviPhotoCtrlVisualSetting& GetVisualSetting() const { return *visualSetting; }
     virtual ToviItemManager* GetItemManager() { return itemManager.get(); }
@@ -177,7 +177,7 @@ public:
     ToviPhotoRef& CurrentArray() { return curPhotos; }
     const ToviPhotoRef& CurrentArray() const { return curPhotos; }
 
-    // ---- tamper checks (imagefacts/ToviDataImageCheck.cpp) ---------------------------------
+    // ---- tamper checks (ToviDataImageCheck.cpp) ------------------------------------------------
     // Runs the verifier chain on the photograph's image and stores the result on it (1
     // unaltered, 2 altered, 3 anything else), anew on every call; does nothing while the check
     // is off or no type is set.
@@ -198,9 +198,6 @@ protected:
     // the camera types of the new setting: rebuilds the verifier chain and forgets every
     // photograph's result.
     virtual void OnEditCheckTermsChanged(const QList<int>& cameraTypes);
-    // The maker's verifier called directly on a copy of the file in memory: 0 unaltered,
-    // 1 altered, 2 anything else. Kept beside the chain; nothing calls it.
-    int CheckEditJPEG_RICOHG600(const QString& path);
     void BuildTreeNodeForKousyu(int treeType);
     void BuildTreeNodeForSatsueikasyo();
     // Depth first from from, a node before its children: the first node holding photoIndex.
@@ -210,7 +207,7 @@ protected:
     void ExtractionProcess();
 
 private:
-    // The photograph at a photo index; outside the actual array is an invalid-argument failure.
+    // The photograph at a photo index; outside the actual array is an std::out_of_range.
     ToviPhoto* PhotoAt(int index) const;
     // Fills the current array from everything under node, extracts and sorts.
     void RebuildCurrentArray(ToviNode* node);
@@ -220,7 +217,6 @@ private:
     ToviHostDocument* hostDocument;
     ToviPhotoArray photoData;
     ToviItemArray mngItems;
-    ToviItemArray reservedItems;  // kept beside mngItems; nothing fills it
     ToviPhotoRef curPhotos;
     ToviNode* selectedNode = nullptr;
     int selectedLabel = -1;

@@ -9,7 +9,7 @@ packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-svg-dev libqt6svg6 libgl-dev
     qt6-image-formats-plugins qt6-qpa-plugins
-    libpugixml-dev libexiv2-dev libxlsxwriter-dev
+    libpugixml-dev libexiv2-dev
     libbenchmark-dev
     fontconfig fonts-ipafont-gothic
 )

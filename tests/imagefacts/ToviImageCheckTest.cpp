@@ -42,13 +42,6 @@ QByteArray Markers(std::optional<int> maker, std::optional<int> hash,
     return bytes;
 }
 
-// Gives the document's protected direct call of the maker's verifier to the test.
-class DirectCallData : public ToviData {
-public:
-    DirectCallData() : ToviData(nullptr, QString(), PhotoXMLMlit) {}
-    using ToviData::CheckEditJPEG_RICOHG600;
-};
-
 }  // namespace
 
 Q_DECLARE_METATYPE(Lib)
@@ -228,10 +221,6 @@ void ToviImageCheckTest::codes() {
         QCOMPARE(CallLines(),
                  QStringList{
                      QStringLiteral("%1 %2 %3").arg(kMaker).arg(QFileInfo(path).size()).arg(code)});
-        // The document's direct call answers the code itself, and 2 (other) for the rest.
-        DirectCallData document;
-        QCOMPARE(document.CheckEditJPEG_RICOHG600(path), code >= 0 && code <= 2 ? code : 2);
-        QCOMPARE(document.CheckEditJPEG_RICOHG600(temp.filePath(QStringLiteral("absent.jpg"))), 2);
         return;
     }
     UseProgramFolder(Lib::Missing, Lib::Full);
@@ -399,7 +388,6 @@ void ToviImageCheckTest::badLibraries() {
     }
     if (maker != Lib::Full) {
         QCOMPARE(ToviRicohImageChecker().Check(path), ToviCheckProcessor::StatusError);
-        QCOMPARE(DirectCallData().CheckEditJPEG_RICOHG600(path), 2);
     }
 }
 

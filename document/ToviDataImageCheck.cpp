@@ -38,31 +38,3 @@ void ToviData::Initialize_CheckEditJPEG() {
         photo->SetEditChkResult(ToviPhoto::EditCheckNone);
     }
 }
-
-int ToviData::CheckEditJPEG_RICOHG600(const QString& path) {
-    constexpr int kOther = 2;
-    ToviVerifierLibrary library;
-    if (!library.Load(ToviVerifierLibrary::Find(ToviRicohImageChecker::LibraryName_))) {
-        return kOther;
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return kOther;
-    }
-    QByteArray bytes;
-    try {
-        bytes = QByteArray(file.size(), '\0');
-    } catch (const std::bad_alloc&) {
-        return kOther;
-    }
-    if (file.read(bytes.data(), bytes.size()) != bytes.size()) {
-        return kOther;
-    }
-    int code = -1;
-    if (!ToviRicohImageChecker::CallVerify(library,
-                                           reinterpret_cast<const uchar*>(bytes.constData()),
-                                           static_cast<unsigned long>(bytes.size()), code)) {
-        return kOther;
-    }
-    return code == 0 || code == 1 ? code : kOther;
-}
