@@ -66,6 +66,16 @@ public:
     void SetStandAlone(bool on) { standAlone = on; }
     PhotoXMLReadErr GetErrorType() const { return errorType; }
     void SetErrorType(PhotoXMLReadErr type) { errorType = type; }
+    // What the load had to mend, for the delivery checks: values in which bytes that are not
+    // Shift_JIS became U+FFFD, photographs that lacked an element whose data count is "0"
+    // (they keep what they had), and the same for a repeating block of management items.
+    struct LoadFaults {
+        int undecodableValues = 0;
+        int incompletePhotos = 0;
+        bool incompleteManagement = false;
+    };
+    const LoadFaults& GetLoadFaults() const { return loadFaults; }
+    void SetLoadFaults(const LoadFaults& faults) { loadFaults = faults; }
 
     int GetTotalCountPhoto() const { return static_cast<int>(photoData.size()); }
     int GetCurrentPhotoCount() const { return curPhotos.GetSize(); }
@@ -231,6 +241,7 @@ private:
     ToviExtractionSource* extraction = nullptr;
     QString indexPath;
     PhotoXMLReadErr errorType = ReadErrNone;
+    LoadFaults loadFaults;
     bool extractionOn = false;
     bool hasComment = true;
     std::unique_ptr<ToviImageCheckCommon> imageCheck;  // the tamper-check chain

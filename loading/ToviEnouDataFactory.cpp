@@ -74,29 +74,41 @@ bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
     }
     DoxIterator it(&xml);
     it.Root();
+    lastValues.assign(static_cast<size_t>(document->GetItemDef()->GetCount()), LastValue());
+    countUndecodable = xml.InvalidSequenceCount() > 0;
+    faults = ToviData::LoadFaults();
     const bool walked = Walk(document->GetItemDef(), it, callback, arg);
-    values.clear();
-    values.squeeze();
+    lastValues = std::vector<LastValue>();
+    scratch = QByteArray();
     if (!walked) {
         return false;
     }
+    document->SetLoadFaults(faults);
     if (photos->isEmpty()) {
         document->SetErrorType(ReadErrNoPhotos);
     }
     return true;
 }
 
-QString ToviEnouDataFactory::Intern(const QString& text) {
-    // Most values repeat across photographs (工種, dates, flags): keep one copy of each.
-    if (text.isEmpty()) {
+QString ToviEnouDataFactory::ValueOf(int i, const DoxIterator& it) {
+    const QByteArrayView utf8 = it.TextUtf8(scratch);
+    if (utf8.isEmpty()) {
         return QString();
     }
-    const auto found = values.constFind(text);
-    if (found != values.cend()) {
-        return *found;
+    if (countUndecodable && utf8.contains(QByteArrayView("\xEF\xBF\xBD"))) {
+        ++faults.undecodableValues;
     }
-    values.insert(text);
-    return text;
+    if (utf8.data() == scratch.constData()) {
+        return QString::fromUtf8(utf8);  // gathered text has no lasting place to compare with
+    }
+    LastValue& last = lastValues[static_cast<size_t>(i)];
+    if (last.size == utf8.size() && std::memcmp(last.data, utf8.data(), size_t(utf8.size())) == 0) {
+        return last.text;
+    }
+    last.data = utf8.data();
+    last.size = utf8.size();
+    last.text = QString::fromUtf8(utf8);
+    return last.text;
 }
 
 void ToviEnouDataFactory::StoreElement(const ToviItemDef* def, int i, ToviItemArray& items,
@@ -106,13 +118,13 @@ void ToviEnouDataFactory::StoreElement(const ToviItemDef* def, int i, ToviItemAr
         return;  // passed by the caller's move, not stored
     }
     if (!IsRepeating(d)) {
-        items.append(ToviItem(i, Intern(it.GetText())));
+        items.append(ToviItem(i, ValueOf(i, it)));
         return;
     }
     // A run of the same tag; the cursor ends on the first element past it (or on the last of
     // the run when nothing follows).
     for (;;) {
-        items.append(ToviItem(i, Intern(it.GetText())));
+        items.append(ToviItem(i, ValueOf(i, it)));
         if (!it.NextSibling() || !it.IsTag(d.titleUtf8)) {
             break;
         }
@@ -135,12 +147,17 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
         if (it.IsTag(d.titleUtf8)) {
             matched = true;
             if (d.readType == Definition::ReadPhotoItem) {
-                LoadPhotoItem(def, document->GetPhotoDataArray(), it, i, callback, arg);
+                // Photographs short of a required element are kept and counted in the load
+                // faults by the block walker; the rest of the delivery loads all the same.
+                static_cast<void>(
+                    LoadPhotoItem(def, document->GetPhotoDataArray(), it, i, callback, arg));
                 ++i;
                 continue;
             }
             if (d.blockPlural) {
-                LoadBlockPuralData(def, mngItems, it, i, callback, arg);
+                if (!LoadBlockPuralData(def, mngItems, it, i, callback, arg)) {
+                    faults.incompleteManagement = true;  // it keeps what it had
+                }
                 ++i;
                 continue;
             }
@@ -199,12 +216,14 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
     ToviData* document = GetDocument();
     int photoCount = 0;
     bool siblingOk = true;
+    bool allComplete = true;
     int i = index;
     ToviItemArray items;
     for (;;) {
         const void* start = it.Position();
         int skipped = 0;
         int depth = 0;
+        bool complete = true;
         i = index;
         items.clear();
         while (i < end) {
@@ -212,16 +231,19 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
             const bool present = it.IsTag(d.titleUtf8);
             if (present && d.blockPlural) {
                 int at = i;
-                LoadBlockPuralData(def, items, it, at, callback, arg);
+                complete = LoadBlockPuralData(def, items, it, at, callback, arg) && complete;
                 i = at + 1;
                 continue;
+            }
+            // An absent element of data count "0" (the strict form) leaves the photograph
+            // incomplete, and is passed over as carefully as an optional one.
+            if (!present && d.count == Definition::CountZero) {
+                complete = false;
             }
             bool move = true;
             if (present) {
                 StoreElement(def, i, items, it);
-            } else if (d.count == Definition::CountZero) {
-                return false;  // this photograph is dropped; those before it stay
-            } else if (!IsOptional(d)) {
+            } else if (d.count != Definition::CountZero && !IsOptional(d)) {
                 if (d.operation == Definition::StepChild) {
                     ++skipped;
                     move = false;
@@ -264,6 +286,10 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
         }
         photos->append(std::make_unique<ToviPhoto>(document, items));
         ++photoCount;
+        if (!complete) {
+            ++faults.incompletePhotos;
+            allComplete = false;
+        }
         if (photoCount % 50 == 0) {
             // The result is ignored: a load can't be cancelled.
             OnProgress(callback, QStringLiteral("写真データの読み込み　%1枚完了").arg(photoCount),
@@ -285,25 +311,28 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
         }
     }
     index = i - 1;
-    return true;
+    return allComplete;
 }
 
 bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items,
                                              DoxIterator& it, int& index, ToviLoadCallback, void*) {
     const int end = SkipToParent(def, index + 1) + 1;
     bool siblingOk = true;
+    bool complete = true;
     int i = index;
     for (;;) {
         const void* start = it.Position();
         i = index;
         while (i < end) {
             const Definition& d = def->GetDef(i);
+            const bool present = it.IsTag(d.titleUtf8);
+            if (!present && d.count == Definition::CountZero) {
+                complete = false;  // passed over as in the photograph block
+            }
             bool move = true;
-            if (it.IsTag(d.titleUtf8)) {
+            if (present) {
                 StoreElement(def, i, items, it);
-            } else if (d.count == Definition::CountZero) {
-                return false;
-            } else if (!IsOptional(d)) {
+            } else if (d.count != Definition::CountZero && !IsOptional(d)) {
                 if (d.operation == Definition::StepChild) {
                     move = false;
                 } else if (d.grade != Definition::GradeNone) {
@@ -341,5 +370,5 @@ bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& it
         }
     }
     index = i - 1;
-    return true;
+    return complete;
 }

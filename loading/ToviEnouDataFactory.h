@@ -1,9 +1,12 @@
 #pragma once
 
+#include "document/ToviData.h"
 #include "loading/ToviDataFactory.h"
 
-#include <QSet>
+#include <QByteArray>
 #include <QString>
+
+#include <vector>
 
 class DoxIterator;
 class ToviItemArray;
@@ -26,13 +29,30 @@ protected:
 
 private:
     bool Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallback callback, void* arg);
-    bool LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos, DoxIterator& it, int& index,
-                       ToviLoadCallback callback, void* arg);
-    bool LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items, DoxIterator& it, int& index,
-                            ToviLoadCallback callback, void* arg);
+    // The repeating photograph block. False when some photograph lacked an element whose
+    // data count is "0": that photograph keeps what it had and the block goes on.
+    [[nodiscard]] bool LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos, DoxIterator& it,
+                                     int& index, ToviLoadCallback callback, void* arg);
+    // A repeating block inside either; false as above, the occurrence keeping what it had.
+    [[nodiscard]] bool LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items,
+                                          DoxIterator& it, int& index, ToviLoadCallback callback,
+                                          void* arg);
     void StoreElement(const ToviItemDef* def, int i, ToviItemArray& items, DoxIterator& it);
-    QString Intern(const QString& text);
+    // The element's text, shared with the previous value of the same definition when equal.
+    QString ValueOf(int i, const DoxIterator& it);
+
+    // The last value each definition took, by definition index: consecutive photographs
+    // mostly share 工種, dates and flags, so those share one copy. data points into the
+    // parsed file, which outlives the walk.
+    struct LastValue {
+        const char* data = nullptr;
+        qsizetype size = 0;
+        QString text;
+    };
 
     QString loadError;
-    QSet<QString> values;  // item texts shared between photographs during one load
+    std::vector<LastValue> lastValues;
+    QByteArray scratch;           // text gathered from several nodes
+    bool countUndecodable = false;  // the file had bytes that read as U+FFFD
+    ToviData::LoadFaults faults;
 };

@@ -3,13 +3,164 @@
 #include <iconv.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace {
 
 const iconv_t kNoDescriptor = reinterpret_cast<iconv_t>(-1);
 
-// The two code page 932 directions are opened once per thread and kept: sorting and label
+// Code page 932 to Unicode, as a table built once from iconv's own mapping at first use.
+// Converting a whole file through it is several times faster than iconv, which goes one
+// character at a time through UCS-4, and lets an invalid byte become U+FFFD in place.
+class DecodeTable {
+public:
+    static constexpr char16_t kInvalid = 0xFFFF;
+    static constexpr char16_t kLead = 0xFFFE;  // in single: the first byte of a pair
+
+    static const DecodeTable& Instance() {
+        static const DecodeTable table;
+        return table;
+    }
+
+    char16_t Single(unsigned char byte) const { return single[byte]; }
+    char16_t Pair(unsigned char lead, unsigned char trail) const {
+        if (trail < kTrailLow || trail > kTrailHigh) {
+            return kInvalid;
+        }
+        const int row = LeadRow(lead);
+        return row < 0 ? kInvalid : pairs[static_cast<size_t>(row * kTrails + trail - kTrailLow)];
+    }
+
+private:
+    static constexpr int kTrailLow = 0x40;
+    static constexpr int kTrailHigh = 0xFC;
+    static constexpr int kTrails = kTrailHigh - kTrailLow + 1;
+    static constexpr int kRows = (0x9F - 0x81 + 1) + (0xFC - 0xE0 + 1);
+
+    // Lead bytes 0x81-0x9F and 0xE0-0xFC, as rows 0-30 and 31-59.
+    static int LeadRow(unsigned char lead) {
+        if (lead >= 0x81 && lead <= 0x9F) {
+            return lead - 0x81;
+        }
+        if (lead >= 0xE0 && lead <= 0xFC) {
+            return lead - 0xE0 + 0x1F;
+        }
+        return -1;
+    }
+
+    DecodeTable() : pairs(static_cast<size_t>(kRows * kTrails), kInvalid) {
+        iconv_t cd = iconv_open("UTF-16LE", "CP932");
+        const auto convert = [cd](const char* bytes, size_t length) -> char16_t {
+            iconv(cd, nullptr, nullptr, nullptr, nullptr);
+            char in[2] = {bytes[0], length > 1 ? bytes[1] : '\0'};
+            unsigned char out[8] = {};
+            char* inPtr = in;
+            size_t inLeft = length;
+            char* outPtr = reinterpret_cast<char*>(out);
+            size_t outLeft = sizeof out;
+            if (iconv(cd, &inPtr, &inLeft, &outPtr, &outLeft) == static_cast<size_t>(-1) ||
+                inLeft != 0 || sizeof out - outLeft != 2) {
+                return kInvalid;
+            }
+            return static_cast<char16_t>(out[0] | (out[1] << 8));
+        };
+        for (int b = 0; b < 0x100; ++b) {
+            if (b < 0x80) {
+                single[b] = static_cast<char16_t>(b);
+            } else if (LeadRow(static_cast<unsigned char>(b)) >= 0) {
+                single[b] = kLead;
+            } else {
+                single[b] = kInvalid;
+            }
+        }
+        if (cd == kNoDescriptor) {
+            return;  // no CP932 in this C library: every non-ASCII byte reads as invalid
+        }
+        for (int b = 0x80; b < 0x100; ++b) {
+            if (single[b] != kLead) {
+                const char byte = static_cast<char>(b);
+                single[b] = convert(&byte, 1);
+            }
+        }
+        for (int lead = 0x81; lead <= 0xFC; ++lead) {
+            const int row = LeadRow(static_cast<unsigned char>(lead));
+            if (row < 0) {
+                continue;
+            }
+            for (int trail = kTrailLow; trail <= kTrailHigh; ++trail) {
+                const char pair[2] = {static_cast<char>(lead), static_cast<char>(trail)};
+                pairs[static_cast<size_t>(row * kTrails + trail - kTrailLow)] = convert(pair, 2);
+            }
+        }
+        iconv_close(cd);
+    }
+
+    char16_t single[256] = {};
+    std::vector<char16_t> pairs;
+};
+
+// Appends the UTF-8 form of a code point of the basic plane.
+inline char* PutUtf8(char* out, char16_t c) {
+    if (c < 0x80) {
+        *out++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+        *out++ = static_cast<char>(0xC0 | (c >> 6));
+        *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        *out++ = static_cast<char>(0xE0 | (c >> 12));
+        *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+    return out;
+}
+
+// Decodes CP932 bytes through the table. Sink(char16_t) receives each character, U+FFFD
+// for each invalid byte or pair (a lead byte whose trail is invalid loses only itself, so
+// an ASCII trail such as '<' survives). Answers how many replacements were made.
+// With consumed given, a lead byte at the very end is left for the next piece of input and
+// consumed tells how far the decoding went.
+template <typename Sink>
+qsizetype DecodeCp932(const char* data, qsizetype size, Sink&& sink,
+                      qsizetype* consumed = nullptr) {
+    const DecodeTable& table = DecodeTable::Instance();
+    qsizetype invalid = 0;
+    const auto* p = reinterpret_cast<const unsigned char*>(data);
+    const auto* end = p + size;
+    while (p < end) {
+        const unsigned char b = *p;
+        if (b < 0x80) {
+            sink(static_cast<char16_t>(b));
+            ++p;
+            continue;
+        }
+        char16_t c = table.Single(b);
+        if (c == DecodeTable::kLead && consumed && p + 1 == end) {
+            break;
+        }
+        if (c == DecodeTable::kLead) {
+            c = p + 1 < end ? table.Pair(b, p[1]) : DecodeTable::kInvalid;
+            if (c != DecodeTable::kInvalid) {
+                sink(c);
+                p += 2;
+                continue;
+            }
+        }
+        if (c == DecodeTable::kInvalid) {
+            ++invalid;
+            c = 0xFFFD;
+        }
+        sink(c);
+        ++p;
+    }
+    if (consumed) {
+        *consumed = reinterpret_cast<const char*>(p) - data;
+    }
+    return invalid;
+}
+
+// The descriptor to code page 932 is opened once per thread and kept: sorting and label
 // checks convert one short text at a time, and opening a descriptor costs far more than the
 // conversion itself. Other encodings are rare and get a descriptor per call.
 class Descriptor {
@@ -17,7 +168,7 @@ public:
     Descriptor(const char* from, const char* to) {
         if (IsCp932(from, to)) {
             thread_local Cache cache;
-            cd = std::strcmp(from, "CP932") == 0 ? cache.toUtf8 : cache.fromUtf8;
+            cd = cache.fromUtf8;
             // A reused descriptor may hold the shift state of a conversion that stopped early.
             if (cd != kNoDescriptor) {
                 iconv(cd, nullptr, nullptr, nullptr, nullptr);
@@ -39,20 +190,16 @@ public:
 
 private:
     struct Cache {
-        iconv_t toUtf8 = iconv_open("UTF-8", "CP932");
         iconv_t fromUtf8 = iconv_open("CP932", "UTF-8");
         ~Cache() {
-            for (iconv_t d : {toUtf8, fromUtf8}) {
-                if (d != kNoDescriptor) {
-                    iconv_close(d);
-                }
+            if (fromUtf8 != kNoDescriptor) {
+                iconv_close(fromUtf8);
             }
         }
     };
 
     static bool IsCp932(const char* from, const char* to) {
-        return (std::strcmp(from, "CP932") == 0 && std::strcmp(to, "UTF-8") == 0) ||
-               (std::strcmp(from, "UTF-8") == 0 && std::strcmp(to, "CP932") == 0);
+        return std::strcmp(from, "UTF-8") == 0 && std::strcmp(to, "CP932") == 0;
     }
 
     iconv_t cd = kNoDescriptor;
@@ -133,23 +280,29 @@ bool Convert(const char* from, const char* to, const QByteArray& in, QByteArray&
 }  // namespace
 
 QString Cp932::ToUnicode(const QByteArray& bytes, bool* ok) {
-    // Plain ASCII is the same in both; skip iconv for it.
-    bool ascii = true;
-    for (char c : bytes) {
-        if (static_cast<unsigned char>(c) >= 0x80) {
-            ascii = false;
-            break;
-        }
+    QString text(bytes.size(), Qt::Uninitialized);
+    char16_t* out = reinterpret_cast<char16_t*>(text.data());
+    char16_t* const start = out;
+    const qsizetype invalid =
+        DecodeCp932(bytes.constData(), bytes.size(), [&out](char16_t c) { *out++ = c; });
+    text.truncate(out - start);
+    if (ok) {
+        *ok = invalid == 0;
     }
-    if (ascii) {
-        if (ok) {
-            *ok = true;
-        }
-        return QString::fromLatin1(bytes);
-    }
-    QByteArray utf8;
-    Convert("CP932", "UTF-8", bytes, utf8, true, QByteArray("\xEF\xBF\xBD"), 1, ok);
-    return QString::fromUtf8(utf8);
+    return text;
+}
+
+qsizetype Cp932::DecodeToUtf8(const char* data, qsizetype size, QByteArray& out,
+                               qsizetype* consumed) {
+    const qsizetype start = out.size();
+    // A byte never becomes more than three bytes of UTF-8 (a single-byte katakana does).
+    out.resize(start + size * 3);
+    char* put = out.data() + start;
+    char* const first = put;
+    const qsizetype invalid = DecodeCp932(
+        data, size, [&put](char16_t c) { put = PutUtf8(put, c); }, consumed);
+    out.resize(start + (put - first));
+    return invalid;
 }
 
 QByteArray Cp932::FromUnicode(const QString& text, bool* ok) {
@@ -205,6 +358,14 @@ int Cp932::Compare(const QString& a, const QString& b) {
 }
 
 bool Cp932::ToUtf8(const QByteArray& bytes, const char* encoding, QByteArray& out) {
+    if (std::strcmp(encoding, "CP932") == 0) {
+        QByteArray utf8;
+        if (DecodeToUtf8(bytes.constData(), bytes.size(), utf8) != 0) {
+            return false;
+        }
+        out = std::move(utf8);
+        return true;
+    }
     return Convert(encoding, "UTF-8", bytes, out, false, {}, 1, nullptr);
 }
 

@@ -7,7 +7,19 @@
 
 #include <QFile>
 
+#include <cstring>
+
 namespace {
+
+// The declaration and a byte-order mark stand within this much of a file's start.
+constexpr qsizetype kHeadSize = 4096;
+// A file in code page 932 is decoded in pieces of this size as it is read.
+constexpr qsizetype kPieceSize = 1 << 20;
+
+bool HasBom(const QByteArray& head) {
+    return head.startsWith("\xEF\xBB\xBF") || head.startsWith("\xFF\xFE") ||
+           head.startsWith("\xFE\xFF");
+}
 
 constexpr unsigned kParseOptions =
     pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype | pugi::parse_embed_pcdata;
@@ -81,6 +93,7 @@ bool DoxDocument::Initiate() {
     doc = std::make_unique<pugi::xml_document>();
     buffer.clear();
     declaredEncoding.clear();
+    invalidSequences = 0;
     return true;
 }
 
@@ -99,21 +112,45 @@ bool DoxDocument::Load(const QString& path, bool, QStringList* errors) {
     if (!file.open(QIODevice::ReadOnly)) {
         return Fail(errors, QStringLiteral("%1 を開けません").arg(path));
     }
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        return Fail(errors, QStringLiteral("%1 を読めません").arg(path));
+    const QByteArray head = file.peek(kHeadSize);
+    const QByteArray declared = ParseDeclaredEncoding(head);
+    if (HasBom(head) || IconvName(declared) != "CP932") {
+        const QByteArray bytes = file.readAll();
+        if (file.error() != QFileDevice::NoError) {
+            return Fail(errors, QStringLiteral("%1 を読めません").arg(path));
+        }
+        return LoadFromBytes(bytes, errors);
     }
-    return LoadFromBytes(bytes, errors);
+    // Code page 932, the usual case, is decoded piece by piece as it is read, so that the
+    // file's bytes and their UTF-8 form are never both held whole.
+    Reset();
+    declaredEncoding = QString::fromLatin1(declared);
+    QByteArray utf8;
+    const qint64 size = file.size();
+    utf8.reserve(static_cast<qsizetype>(size + size / 2 + 64));
+    QByteArray piece(kPieceSize, Qt::Uninitialized);
+    qsizetype carried = 0;  // an undecoded lead byte from the previous piece
+    for (;;) {
+        const qint64 read = file.read(piece.data() + carried, piece.size() - carried);
+        if (read < 0) {
+            return Fail(errors, QStringLiteral("%1 を読めません").arg(path));
+        }
+        const qsizetype available = carried + static_cast<qsizetype>(read);
+        const bool last = read == 0;
+        qsizetype used = 0;
+        invalidSequences +=
+            Cp932::DecodeToUtf8(piece.constData(), available, utf8, last ? nullptr : &used);
+        if (last) {
+            break;
+        }
+        carried = available - used;
+        std::memmove(piece.data(), piece.constData() + used, static_cast<size_t>(carried));
+    }
+    return Parse(std::move(utf8), errors);
 }
 
 bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
-    if (!doc) {
-        Initiate();
-    }
-    doc->reset();
-    buffer.clear();
-    declaredEncoding.clear();
-
+    Reset();
     QByteArray utf8;
     if (bytes.startsWith("\xEF\xBB\xBF")) {
         utf8 = bytes.mid(3);
@@ -125,17 +162,33 @@ bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
         }
         declaredEncoding = QStringLiteral("UTF-16");
     } else {
-        const QByteArray declared = ParseDeclaredEncoding(bytes);
+        const QByteArray declared = ParseDeclaredEncoding(bytes.left(kHeadSize));
         declaredEncoding = QString::fromLatin1(declared);
         const QByteArray iconvName = IconvName(declared);
         if (iconvName.isEmpty()) {
             utf8 = bytes;
+        } else if (iconvName == "CP932") {
+            // A byte that isn't CP932 spoils its value only: it reads as U+FFFD.
+            invalidSequences = Cp932::DecodeToUtf8(bytes.constData(), bytes.size(), utf8);
         } else if (!Cp932::ToUtf8(bytes, iconvName.constData(), utf8)) {
             return Fail(errors, QStringLiteral("文字コード %1 として読めません")
                                     .arg(QString::fromLatin1(declared)));
         }
     }
+    return Parse(std::move(utf8), errors);
+}
 
+void DoxDocument::Reset() {
+    if (!doc) {
+        Initiate();
+    }
+    doc->reset();
+    buffer.clear();
+    declaredEncoding.clear();
+    invalidSequences = 0;
+}
+
+bool DoxDocument::Parse(QByteArray utf8, QStringList* errors) {
     buffer = std::move(utf8);
     buffer.detach();
     const pugi::xml_parse_result result = doc->load_buffer_inplace(
@@ -309,6 +362,24 @@ bool DoxIterator::GetText(QString& text) const {
     }
     text = QString::fromUtf8(all);
     return true;
+}
+
+QByteArrayView DoxIterator::TextUtf8(QByteArray& scratch) const {
+    if (!node) {
+        return {};
+    }
+    pugi::xml_node n = Wrap(node);
+    const char* own = n.value();
+    if (own && *own) {
+        return QByteArrayView(own, static_cast<qsizetype>(std::strlen(own)));
+    }
+    scratch.clear();
+    for (pugi::xml_node c = n.first_child(); c; c = c.next_sibling()) {
+        if (c.type() == pugi::node_pcdata || c.type() == pugi::node_cdata) {
+            scratch += c.value();
+        }
+    }
+    return scratch;
 }
 
 QString DoxIterator::GetText() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 
@@ -23,6 +24,8 @@ public:
     bool Initiate();
     // Reads and parses the file. False for a missing file, an encoding that can't be
     // decoded, or XML that isn't well formed; errors (when given) receives one line why.
+    // In Shift_JIS (CP932) a byte that isn't part of the code page doesn't fail the load: it
+    // becomes U+FFFD and is counted in InvalidSequenceCount.
     bool Load(const QString& path, bool validate = false, QStringList* errors = nullptr);
     // The same from bytes in memory.
     bool LoadFromBytes(const QByteArray& bytes, QStringList* errors = nullptr);
@@ -35,12 +38,18 @@ public:
     bool IsLoaded() const;
     // The declared encoding as it stood in the file ("Shift_JIS", "UTF-8", ...).
     QString DeclaredEncoding() const { return declaredEncoding; }
+    // How many bytes or pairs of the last load read as U+FFFD.
+    qsizetype InvalidSequenceCount() const { return invalidSequences; }
 
 private:
     friend class DoxIterator;
+    void Reset();
+    bool Parse(QByteArray utf8, QStringList* errors);
+
     std::unique_ptr<pugi::xml_document> doc;
     QByteArray buffer;  // the decoded UTF-8 text; the tree points into it
     QString declaredEncoding;
+    qsizetype invalidSequences = 0;
 };
 
 // A cursor over the elements of a DoxDocument. Moves answer false and leave the cursor in
@@ -64,6 +73,10 @@ public:
     bool IsTag(const QByteArray& utf8Name) const;
     bool GetText(QString& text) const;
     QString GetText() const;
+    // The element's text as UTF-8, without building a text: a view into the document when
+    // the text is the element's only content, otherwise gathered into scratch. Empty when
+    // there is no text (or no element).
+    QByteArrayView TextUtf8(QByteArray& scratch) const;
     bool SetText(const QString& text);
     // Appends a child element named tag and moves onto it.
     bool InsertChild(const QString& tag);

@@ -300,6 +300,71 @@ private slots:
         }
     }
 
+    // What the load mends instead of failing: bytes that are not Shift_JIS spoil only their
+    // value (U+FFFD), and a photograph without an element of data count "0" keeps what it
+    // had while the photographs after it load. Both are counted for the delivery checks.
+    void loadMendsAndCountsFaults() {
+        const QString program = temp.filePath(QStringLiteral("prog-strict"));
+        QDir().mkpath(program);
+        QFile list(program + QStringLiteral("/READITEM.XML"));
+        QVERIFY(list.open(QIODevice::WriteOnly));
+        const auto item = [](const char* title, const char* count, const char* step,
+                             const char* grade = "必須") {
+            return QByteArray("<管理項目><タイトル>") + title + "</タイトル><必要度>" + grade +
+                   "</必要度><表示>MainList</表示><データ数>" + count +
+                   "</データ数><操作>" + step + "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
+        };
+        list.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
+                   item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
+                   item("写真タイトル", "0", "Next") + item("撮影年月日", "0/1", "Parent") +
+                   "</国交省-20></information>");
+        list.close();
+        ToviItemDef::SetProgramPathOverride(program);
+
+        const QString folder = temp.filePath(QStringLiteral("mended"));
+        QByteArray body = "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n<photodata>";
+        for (int n = 1; n <= 4; ++n) {
+            const QByteArray number = QByteArray::number(n);
+            const QByteArray title =
+                n == 2 ? QByteArray() : "<写真タイトル>題" + number + "</写真タイトル>";
+            body += "<写真情報><写真ファイル名>P" + number + ".JPG</写真ファイル名>" + title +
+                    "<撮影年月日>2024-01-0" + number + "</撮影年月日></写真情報>";
+        }
+        WritePhotoXml(folder, body + "</photodata>");
+        // Two stray bytes in photograph 3's title: 0xFF is no CP932 byte, 0x85 0x40 an
+        // unassigned pair; one in photograph 4's date.
+        QFile file(folder + QStringLiteral("/PHOTO.XML"));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray bytes = file.readAll();
+        const QByteArray title3 = Cp932::FromUnicode(QStringLiteral("題3"));
+        bytes.replace(title3, title3 + "\xFF\x85\x40");
+        bytes.replace("2024-01-04", "2024-01\xFD" "04");
+        file.resize(0);
+        file.seek(0);
+        file.write(bytes);
+        file.close();
+
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
+        ToviItemDef::SetProgramPathOverride(QString());
+        QVERIFY2(document, qPrintable(factory.GetLoadError()));
+        QCOMPARE(document->GetTotalCountPhoto(), 4);
+        const ToviItemDef* def = document->GetItemDef();
+        const auto value = [&](int index, const char* title) {
+            return document->GetPhotoActualPhotoArray(index)->GetTitle(
+                def->GetIndexFromTitle(QString::fromUtf8(title)));
+        };
+        QCOMPARE(value(1, "写真ファイル名"), QStringLiteral("P2.JPG"));
+        QCOMPARE(value(1, "写真タイトル"), QString());
+        QCOMPARE(value(1, "撮影年月日"), QStringLiteral("2024-01-02"));
+        QCOMPARE(value(2, "写真タイトル"), QStringLiteral("題3\uFFFD\uFFFD@"));
+        QCOMPARE(value(3, "撮影年月日"), QStringLiteral("2024-01\uFFFD04"));
+        QCOMPARE(value(3, "写真タイトル"), QStringLiteral("題4"));
+        QCOMPARE(document->GetLoadFaults().undecodableValues, 2);
+        QCOMPARE(document->GetLoadFaults().incompletePhotos, 1);
+        QVERIFY(!document->GetLoadFaults().incompleteManagement);
+    }
+
     // A folder without PHOTO.XML: the document comes back unloaded, error type 1.
     void missingFolderOrFile() {
         for (const QString& folder : {temp.filePath(QStringLiteral("nowhere")), temp.path()}) {
