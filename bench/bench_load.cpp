@@ -1,5 +1,12 @@
 // Opening a delivery: ToviEnouDataFactory::Create on generated 国交省-20 deliveries of
-// 1,000 / 10,000 / 100,000 photographs (PHOTO.XML only; the load touches no image).
+// 1,000 / 10,000 / 100,000 photographs (PHOTO.XML only; the load touches no image),
+// against the floor: the same PHOTO.XML in UTF-8, read into one buffer and parsed in place
+// by pugixml (BM_Floor), and that plus the conversion from Shift_JIS (BM_FloorShiftJis).
+// The ratios of the load to the floor are what the goals are set in.
+//
+//   bench_load --floor FILE [--convert]   parses FILE as BM_Floor does, once, and exits:
+//                                         the floor as a whole process, for
+//                                         bench/load_ratios.sh
 // Reports "peak_MB", the process's resident high-water mark during the first load of the
 // size (reset just before it), and "rss_before_MB", what was resident before that load.
 // Later iterations reuse memory the allocator kept, so only the first one says what a
@@ -7,16 +14,20 @@
 
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
+#include "platform/Cp932.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
 #include <benchmark/benchmark.h>
+#include <pugixml.hpp>
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QMap>
 #include <QTemporaryDir>
 
+#include <cstdio>
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -107,9 +118,87 @@ void BM_OpenDelivery(benchmark::State& state) {
 }
 BENCHMARK(BM_OpenDelivery)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
+// The floor: read the file whole, convert it from Shift_JIS when asked (through the same
+// table as the load), and parse the UTF-8 in place. Answers the number of elements under
+// the root's children, so that the parse can't be optimised away.
+size_t ParseFloor(const QByteArray& path, bool convert) {
+    QFile file(QString::fromLocal8Bit(path));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    QByteArray bytes = file.readAll();
+    if (convert) {
+        QByteArray utf8;
+        Cp932::DecodeToUtf8(bytes.constData(), bytes.size(), utf8);
+        bytes = std::move(utf8);
+    }
+    pugi::xml_document doc;
+    if (!doc.load_buffer_inplace(bytes.data(), static_cast<size_t>(bytes.size()))) {
+        return 0;
+    }
+    size_t count = 0;
+    for (pugi::xml_node n : doc.document_element().children()) {
+        count += static_cast<size_t>(std::distance(n.begin(), n.end()));
+    }
+    return count;
+}
+
+// The same delivery's PHOTO.XML in UTF-8 (the declaration rewritten), beside the original.
+QByteArray Utf8CopyOf(int count) {
+    const QString original = DeliveryOf(count) + QStringLiteral("/PHOTO.XML");
+    const QString copy = DeliveryOf(count) + QStringLiteral("/PHOTO-UTF8.XML");
+    if (!QFile::exists(copy)) {
+        QFile in(original);
+        QFile out(copy);
+        if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly)) {
+            qFatal("cannot write the UTF-8 copy");
+        }
+        QByteArray utf8;
+        Cp932::DecodeToUtf8(in.readAll().constData(), in.size(), utf8);
+        utf8.replace("encoding=\"Shift_JIS\"", "encoding=\"UTF-8\"");
+        out.write(utf8);
+    }
+    return QFile::encodeName(copy);
+}
+
+void RunFloor(benchmark::State& state, bool convert) {
+    const QByteArray path = convert ? QFile::encodeName(DeliveryOf(static_cast<int>(
+                                                            state.range(0))) +
+                                                        QStringLiteral("/PHOTO.XML"))
+                                    : Utf8CopyOf(static_cast<int>(state.range(0)));
+    ResetPeak();
+    const long before = StatusKb("VmRSS:");
+    long peak = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(ParseFloor(path, convert));
+        if (peak == 0) {
+            peak = StatusKb("VmHWM:");
+        }
+    }
+    state.counters["peak_MB"] = static_cast<double>(peak) / 1024.0;
+    state.counters["rss_before_MB"] = static_cast<double>(before) / 1024.0;
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_Floor(benchmark::State& state) {
+    RunFloor(state, false);
+}
+BENCHMARK(BM_Floor)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void BM_FloorShiftJis(benchmark::State& state) {
+    RunFloor(state, true);
+}
+BENCHMARK(BM_FloorShiftJis)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc >= 3 && std::strcmp(argv[1], "--floor") == 0) {
+        const bool convert = argc >= 4 && std::strcmp(argv[3], "--convert") == 0;
+        const size_t count = ParseFloor(argv[2], convert);
+        std::printf("%zu\n", count);
+        return count > 0 ? 0 : 1;
+    }
     QCoreApplication app(argc, argv);
     ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
     benchmark::Initialize(&argc, argv);

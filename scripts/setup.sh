@@ -10,7 +10,7 @@ packages=(
     qt6-base-dev qt6-svg-dev libqt6svg6 libgl-dev
     qt6-image-formats-plugins qt6-qpa-plugins
     libpugixml-dev libexiv2-dev
-    libbenchmark-dev
+    libbenchmark-dev time
     fontconfig fonts-ipafont-gothic
 )
 
