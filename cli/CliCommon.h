@@ -33,6 +33,7 @@ bool ParseOpenOptions(QStringList& args, OpenOptions& options, const char* comma
 bool ParseIntOption(const QString& command, const QString& option, const QString& text, int low,
                     int high, int& value);
 
-// Opens the delivery. On failure prints the one line that says why and returns null;
-// loaded tells whether a document came back that counts as loaded (error type 4, or 2).
+// Opens the delivery and reads its settings. Returns null after printing the one line that
+// says why when no document came back or its error type is other than none or "no
+// photographs" (an empty delivery opens).
 std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options);

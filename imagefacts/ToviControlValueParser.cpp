@@ -34,8 +34,8 @@ const Words& TheWords() {
 }
 
 bool IsTrimmed(QChar c) {
-    // The white space of the original string class: the ASCII set only, so that a full-width
-    // space typed into a value survives.
+    // White space is the ASCII set only, so that a full-width space typed into a value
+    // survives trimming.
     switch (c.unicode()) {
         case u' ':
         case u'\t':
