@@ -15,6 +15,7 @@
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/Cp932.h"
+#include "platform/ToviEnvironment.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
@@ -193,6 +194,7 @@ BENCHMARK(BM_FloorShiftJis)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark:
 }  // namespace
 
 int main(int argc, char** argv) {
+    ToviTuneAllocator();
     if (argc >= 3 && std::strcmp(argv[1], "--floor") == 0) {
         const bool convert = argc >= 4 && std::strcmp(argv[3], "--convert") == 0;
         const size_t count = ParseFloor(argv[2], convert);

@@ -105,7 +105,7 @@ struct Result {
     int result;
 };
 
-QByteArray ResultsJson(const QList<int>& types, const QList<Verifier>& verifiers,
+void WriteResultsJson(const QList<int>& types, const QList<Verifier>& verifiers,
                        const QList<Result>& results, const std::array<int, 4>& counts) {
     JsonWriter json;
     json.BeginObject();
@@ -157,7 +157,7 @@ QByteArray ResultsJson(const QList<int>& types, const QList<Verifier>& verifiers
     }
     json.EndObject();
     json.EndObject();
-    return json.Result() + '\n';
+    json.Finish();
 }
 
 QByteArray ResultsText(const QList<Result>& results, const std::array<int, 4>& counts) {
@@ -224,8 +224,11 @@ int RunCheck(QStringList args) {
     }
     document->SetVisualSetting(saved, false);
 
-    PrintOut(options.json ? ResultsJson(types, verifiers, results, counts)
-                          : ResultsText(results, counts));
+    if (options.json) {
+        WriteResultsJson(types, verifiers, results, counts);
+    } else {
+        PrintOut(ResultsText(results, counts));
+    }
     if (!anyVerifier) {
         // The check ran and its answer is "unknown" for every photograph; the results say so,
         // and this line says why.

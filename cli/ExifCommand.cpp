@@ -32,7 +32,7 @@ const char* const kFileTitles[] = {
 };
 // clang-format on
 
-QByteArray ExifJson(bool hasExif, const ToviExifInfo& exif, const ToviPhoto& photo) {
+void WriteExifJson(bool hasExif, const ToviExifInfo& exif, const ToviPhoto& photo) {
     JsonWriter json;
     json.BeginObject();
     json.Key("hasExif");
@@ -61,7 +61,7 @@ QByteArray ExifJson(bool hasExif, const ToviExifInfo& exif, const ToviPhoto& pho
     }
     json.EndObject();
     json.EndObject();
-    return json.Result() + '\n';
+    json.Finish();
 }
 
 QByteArray ExifText(const QString& path, bool hasExif, const ToviExifInfo& exif,
@@ -112,6 +112,10 @@ int RunExif(QStringList args) {
     // Asked first, as the viewer does: an SVG photograph's main image is written out here.
     const bool hasExif = photo.CheckExif();
     const ToviExifInfo& exif = photo.GetExif();
-    PrintOut(json ? ExifJson(hasExif, exif, photo) : ExifText(path, hasExif, exif, photo));
+    if (json) {
+        WriteExifJson(hasExif, exif, photo);
+    } else {
+        PrintOut(ExifText(path, hasExif, exif, photo));
+    }
     return ExitOk;
 }

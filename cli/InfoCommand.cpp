@@ -7,14 +7,17 @@
 
 namespace {
 
-void WriteItems(JsonWriter& json, const ToviItemDef* def, const ToviItemArray& items) {
+// Items as {def, title, value}; titles holds each definition's title in UTF-8, encoded once.
+void WriteItems(JsonWriter& json, const QList<QByteArray>& titles, const ToviItemArray& items) {
     json.BeginArray();
     for (const ToviItem& item : items) {
+        const int index = item.GetDefIndex();
         json.BeginObject();
         json.Key("def");
-        json.Value(item.GetDefIndex());
+        json.Value(index);
         json.Key("title");
-        json.Value(def->GetTitleFromIndex(item.GetDefIndex()));
+        json.Value(index >= 0 && index < titles.size() ? QByteArrayView(titles[index])
+                                                       : QByteArrayView());
         json.Key("value");
         json.Value(item.Value());
         json.EndObject();
@@ -42,8 +45,12 @@ void WriteControlValues(JsonWriter& json, const ToviPhoto& photo) {
     json.EndArray();
 }
 
-QByteArray InfoJson(const OpenOptions& options, ToviData& document) {
+void WriteInfoJson(const OpenOptions& options, ToviData& document) {
     const ToviItemDef* def = document.GetItemDef();
+    QList<QByteArray> titles;
+    for (int i = 0; i < def->GetCount(); ++i) {
+        titles.append(def->GetDef(i).title.toUtf8());
+    }
     JsonWriter json;
     json.BeginObject();
     json.Key("folder");
@@ -79,7 +86,7 @@ QByteArray InfoJson(const OpenOptions& options, ToviData& document) {
     }
     json.EndArray();
     json.Key("managementItems");
-    WriteItems(json, def, *document.GetMngItemPhoto());
+    WriteItems(json, titles, *document.GetMngItemPhoto());
     json.Key("photos");
     json.BeginArray();
     const ToviPhotoArray& photos = *document.GetPhotoDataArray();
@@ -97,14 +104,14 @@ QByteArray InfoJson(const OpenOptions& options, ToviData& document) {
         }
         json.EndArray();
         json.Key("items");
-        WriteItems(json, def, photo->GetItems());
+        WriteItems(json, titles, photo->GetItems());
         json.Key("controlValues");
         WriteControlValues(json, *photo);
         json.EndObject();
     }
     json.EndArray();
     json.EndObject();
-    return json.Result() + '\n';
+    json.Finish();
 }
 
 QByteArray InfoText(ToviData& document) {
@@ -160,6 +167,10 @@ int RunInfo(QStringList args) {
     if (!document) {
         return ExitNotLoaded;
     }
-    PrintOut(options.json ? InfoJson(options, *document) : InfoText(*document));
+    if (options.json) {
+        WriteInfoJson(options, *document);
+    } else {
+        PrintOut(InfoText(*document));
+    }
     return ExitOk;
 }

@@ -203,7 +203,7 @@ int RunList(QStringList args) {
         }
         json.EndArray();
         json.EndObject();
-        PrintOut(json.Result() + '\n');
+        json.Finish();
     } else {
         QString text = QStringLiteral("%1枚\n").arg(current.size());
         for (int index : current) {

@@ -72,7 +72,7 @@ int RunTree(QStringList args) {
     if (options.json) {
         JsonWriter json;
         NodeJson(json, *document);
-        PrintOut(json.Result() + '\n');
+        json.Finish();
     } else {
         QString text;
         NodeText(text, *document, 0);

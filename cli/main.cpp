@@ -1,5 +1,6 @@
 #include "cli/CliCommon.h"
 
+#include "platform/ToviEnvironment.h"
 #include "platform/ToviProfile.h"
 
 #include <QCoreApplication>
@@ -43,6 +44,7 @@ const char kUsage[] =
 }  // namespace
 
 int main(int argc, char** argv) {
+    ToviTuneAllocator();
     QCoreApplication app(argc, argv);
     QStringList args = app.arguments().mid(1);
     if (args.size() >= 2 && args[0] == QLatin1String("--profile")) {

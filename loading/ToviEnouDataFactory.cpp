@@ -5,6 +5,8 @@
 #include "platform/DoxDocument.h"
 #include "platform/MibFile.h"
 
+#include <cstring>
+
 namespace {
 
 // From a Child definition to the Parent that closes its level, counting nested levels.
@@ -67,7 +69,7 @@ bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
     }
     DoxDocument xml;
     QStringList errors;
-    if (!xml.Initiate() || !xml.Load(xmlPath, false, &errors)) {
+    if (!xml.Initiate() || !xml.LoadStreamed(xmlPath, &errors)) {
         loadError =
             QStringLiteral("PHOTO.XML を読み込めません: %1").arg(errors.join(QLatin1Char(' ')));
         return false;
@@ -75,12 +77,19 @@ bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
     DoxIterator it(&xml);
     it.Root();
     lastValues.assign(static_cast<size_t>(document->GetItemDef()->GetCount()), LastValue());
-    countUndecodable = xml.InvalidSequenceCount() > 0;
+    source = &xml;
     faults = ToviData::LoadFaults();
     const bool walked = Walk(document->GetItemDef(), it, callback, arg);
+    source = nullptr;
     lastValues = std::vector<LastValue>();
     scratch = QByteArray();
     if (!walked) {
+        return false;
+    }
+    // The file is read as the walk goes: XML broken past where the walk stopped shows here.
+    if (!xml.FinishStream(&errors)) {
+        loadError =
+            QStringLiteral("PHOTO.XML を読み込めません: %1").arg(errors.join(QLatin1Char(' ')));
         return false;
     }
     document->SetLoadFaults(faults);
@@ -95,16 +104,20 @@ QString ToviEnouDataFactory::ValueOf(int i, const DoxIterator& it) {
     if (utf8.isEmpty()) {
         return QString();
     }
-    if (countUndecodable && utf8.contains(QByteArrayView("\xEF\xBF\xBD"))) {
+    // The file is decoded ahead of the walk, so a value holding a replacement is always
+    // counted by the time it is read.
+    if (source->InvalidSequenceCount() > 0 && utf8.contains(QByteArrayView("\xEF\xBF\xBD"))) {
         ++faults.undecodableValues;
     }
     if (utf8.data() == scratch.constData()) {
         return QString::fromUtf8(utf8);  // gathered text has no lasting place to compare with
     }
     LastValue& last = lastValues[static_cast<size_t>(i)];
-    if (last.size == utf8.size() && std::memcmp(last.data, utf8.data(), size_t(utf8.size())) == 0) {
+    if (last.generation == it.Generation() && last.size == utf8.size() &&
+        std::memcmp(last.data, utf8.data(), static_cast<size_t>(utf8.size())) == 0) {
         return last.text;
     }
+    last.generation = it.Generation();
     last.data = utf8.data();
     last.size = utf8.size();
     last.text = QString::fromUtf8(utf8);
@@ -220,7 +233,7 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
     int i = index;
     ToviItemArray items;
     for (;;) {
-        const void* start = it.Position();
+        const DoxIterator::Place start = it.Position();
         int skipped = 0;
         int depth = 0;
         bool complete = true;
@@ -321,7 +334,7 @@ bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& it
     bool complete = true;
     int i = index;
     for (;;) {
-        const void* start = it.Position();
+        const DoxIterator::Place start = it.Position();
         i = index;
         while (i < end) {
             const Definition& d = def->GetDef(i);

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+class DoxDocument;
 class DoxIterator;
 class ToviItemArray;
 class ToviItemDef;
@@ -43,8 +44,9 @@ private:
 
     // The last value each definition took, by definition index: consecutive photographs
     // mostly share 工種, dates and flags, so those share one copy. data points into the
-    // parsed file, which outlives the walk.
+    // slice of the file parsed as generation, and is only looked at while that one stands.
     struct LastValue {
+        quint64 generation = 0;
         const char* data = nullptr;
         qsizetype size = 0;
         QString text;
@@ -53,6 +55,6 @@ private:
     QString loadError;
     std::vector<LastValue> lastValues;
     QByteArray scratch;           // text gathered from several nodes
-    bool countUndecodable = false;  // the file had bytes that read as U+FFFD
+    const DoxDocument* source = nullptr;  // the file being walked
     ToviData::LoadFaults faults;
 };

@@ -1,5 +1,7 @@
 #include "platform/Cp932.h"
 
+#include <QtEndian>
+
 #include <iconv.h>
 
 #include <cerrno>
@@ -10,6 +12,21 @@
 namespace {
 
 const iconv_t kNoDescriptor = reinterpret_cast<iconv_t>(-1);
+
+// Appends the UTF-8 form of a code point of the basic plane.
+inline char* PutUtf8(char* out, char16_t c) {
+    if (c < 0x80) {
+        *out++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+        *out++ = static_cast<char>(0xC0 | (c >> 6));
+        *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        *out++ = static_cast<char>(0xE0 | (c >> 12));
+        *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+    return out;
+}
 
 // Code page 932 to Unicode, as a table built once from iconv's own mapping at first use.
 // Converting a whole file through it is several times faster than iconv, which goes one
@@ -95,26 +112,41 @@ private:
             }
         }
         iconv_close(cd);
+        MakeUtf8Forms();
+    }
+
+public:
+    // The UTF-8 form of a pair as its bytes in order from the lowest, with the byte count in
+    // the highest byte; 0 for an invalid pair. Lets the decoder store a character at once.
+    uint32_t PairUtf8(unsigned char lead, unsigned char trail) const {
+        if (trail < kTrailLow || trail > kTrailHigh) {
+            return 0;
+        }
+        const int row = LeadRow(lead);
+        return row < 0 ? 0 : pairsUtf8[static_cast<size_t>(row * kTrails + trail - kTrailLow)];
+    }
+
+private:
+    void MakeUtf8Forms() {
+        pairsUtf8.resize(pairs.size());
+        for (size_t i = 0; i < pairs.size(); ++i) {
+            if (pairs[i] == kInvalid) {
+                continue;
+            }
+            char bytes[4] = {};
+            const auto length = static_cast<uint32_t>(PutUtf8(bytes, pairs[i]) - bytes);
+            pairsUtf8[i] = static_cast<unsigned char>(bytes[0]) |
+                           static_cast<uint32_t>(static_cast<unsigned char>(bytes[1])) << 8 |
+                           static_cast<uint32_t>(static_cast<unsigned char>(bytes[2])) << 16 |
+                           length << 24;
+        }
     }
 
     char16_t single[256] = {};
     std::vector<char16_t> pairs;
+    std::vector<uint32_t> pairsUtf8;
 };
 
-// Appends the UTF-8 form of a code point of the basic plane.
-inline char* PutUtf8(char* out, char16_t c) {
-    if (c < 0x80) {
-        *out++ = static_cast<char>(c);
-    } else if (c < 0x800) {
-        *out++ = static_cast<char>(0xC0 | (c >> 6));
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        *out++ = static_cast<char>(0xE0 | (c >> 12));
-        *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    }
-    return out;
-}
 
 // Decodes CP932 bytes through the table. Sink(char16_t) receives each character, U+FFFD
 // for each invalid byte or pair (a lead byte whose trail is invalid loses only itself, so
@@ -294,13 +326,49 @@ QString Cp932::ToUnicode(const QByteArray& bytes, bool* ok) {
 
 qsizetype Cp932::DecodeToUtf8(const char* data, qsizetype size, QByteArray& out,
                                qsizetype* consumed) {
+    const DecodeTable& table = DecodeTable::Instance();
     const qsizetype start = out.size();
-    // A byte never becomes more than three bytes of UTF-8 (a single-byte katakana does).
-    out.resize(start + size * 3);
+    // A byte never becomes more than three bytes of UTF-8 (a single-byte katakana does); one
+    // byte more lets a pair's form be stored as four bytes at once.
+    out.resize(start + size * 3 + 1);
     char* put = out.data() + start;
     char* const first = put;
-    const qsizetype invalid = DecodeCp932(
-        data, size, [&put](char16_t c) { put = PutUtf8(put, c); }, consumed);
+    qsizetype invalid = 0;
+    const auto* p = reinterpret_cast<const unsigned char*>(data);
+    const auto* const end = p + size;
+    while (p < end) {
+        const unsigned char b = *p;
+        if (b < 0x80) {
+            *put++ = static_cast<char>(b);
+            ++p;
+            continue;
+        }
+        if (p + 1 < end) {
+            if (const uint32_t form = table.PairUtf8(b, p[1])) {
+                const uint32_t ordered = qToLittleEndian(form);  // the bytes in order
+                std::memcpy(put, &ordered, 4);
+                put += form >> 24;
+                p += 2;
+                continue;
+            }
+        }
+        char16_t c = table.Single(b);
+        if (c == DecodeTable::kLead) {
+            if (consumed && p + 1 == end) {
+                break;  // its trail comes with the next piece
+            }
+            c = DecodeTable::kInvalid;
+        }
+        if (c == DecodeTable::kInvalid) {
+            ++invalid;
+            c = 0xFFFD;
+        }
+        put = PutUtf8(put, c);
+        ++p;
+    }
+    if (consumed) {
+        *consumed = reinterpret_cast<const char*>(p) - data;
+    }
     out.resize(start + (put - first));
     return invalid;
 }

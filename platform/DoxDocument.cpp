@@ -84,7 +84,200 @@ pugi::xml_node FirstElement(pugi::xml_node n) {
     return n;
 }
 
+// A streamed load cuts the text after this much of the root's children.
+constexpr qsizetype kSliceSize = 4 << 20;
+qsizetype sliceSize = kSliceSize;
+
+// Where the markup of XML text begins and ends, enough to find the children of the root
+// element in text that arrives in pieces: comments, CDATA sections, processing instructions
+// and declarations are passed over whole, quoted attribute values may hold '>', and depth
+// counts open elements below the root. Well-formedness is left to the parser.
+class ChildScanner {
+public:
+    enum class Where { Prolog, Children, Closed, Broken };
+
+    // Scans text from where the last call stopped to its end or to the first token cut
+    // off there. In the prolog, the root's start tag is found and reported through
+    // rootOpen (and the text before it is to be dropped: rootEnd says where the children
+    // start). Among the children, boundary moves after every token that leaves depth 0.
+    void Scan(const QByteArray& text) {
+        const char* const data = text.constData();
+        const qsizetype size = text.size();
+        while (where == Where::Prolog || where == Where::Children) {
+            const char* lt = static_cast<const char*>(
+                std::memchr(data + scanned, '<', static_cast<size_t>(size - scanned)));
+            if (!lt) {
+                scanned = size;
+                return;
+            }
+            const qsizetype at = lt - data;
+            const qsizetype end = TokenEnd(data, size, at);
+            if (end < 0) {
+                scanned = at;  // cut off: wait for more text
+                return;
+            }
+            const Where before = where;
+            Take(data, at, end);
+            scanned = end;
+            if (before == Where::Prolog && where != Where::Prolog) {
+                return;  // the caller drops the prolog before the children are scanned
+            }
+        }
+    }
+
+    Where where = Where::Prolog;
+    qsizetype scanned = 0;
+    qsizetype boundary = 0;       // among the children: the end of the last complete one
+    qsizetype rootStart = -1;     // in the prolog: where the root's start tag was found
+    qsizetype rootEnd = -1;       //                and just past it
+    QByteArray rootName;
+    int depth = 0;
+
+private:
+    // The end (just past '>') of the token at at, or -1 when the text stops first.
+    static qsizetype TokenEnd(const char* data, qsizetype size, qsizetype at) {
+        if (at + 1 < size && data[at + 1] != '!' && data[at + 1] != '?') {
+            // A start or end tag, the usual case: its '>', unless a quote stands before it.
+            const auto* gt = static_cast<const char*>(
+                std::memchr(data + at + 1, '>', static_cast<size_t>(size - at - 1)));
+            if (!gt) {
+                return -1;
+            }
+            const size_t length = static_cast<size_t>(gt - (data + at));
+            if (!std::memchr(data + at, '"', length) && !std::memchr(data + at, '\'', length)) {
+                return gt - data + 1;
+            }
+        }
+        const auto find = [&](const char* close) -> qsizetype {
+            const QByteArrayView rest(data + at, size - at);
+            const qsizetype found = rest.indexOf(QByteArrayView(close));
+            return found < 0 ? -1 : at + found + static_cast<qsizetype>(std::strlen(close));
+        };
+        const QByteArrayView head(data + at, std::min<qsizetype>(9, size - at));
+        if (head.startsWith("<!--")) {
+            return find("-->");
+        }
+        if (head.startsWith("<![CDATA[")) {
+            return find("]]>");
+        }
+        if (head.size() < 9 && QByteArrayView("<![CDATA[").startsWith(head)) {
+            return -1;
+        }
+        if (head.startsWith("<?")) {
+            return find("?>");
+        }
+        // A tag or a declaration: to the '>' outside quotes and outside a [...] subset.
+        char quote = 0;
+        int brackets = 0;
+        for (qsizetype i = at + 1; i < size; ++i) {
+            const char c = data[i];
+            if (quote) {
+                if (c == quote) {
+                    quote = 0;
+                }
+            } else if (c == '"' || c == '\'') {
+                quote = c;
+            } else if (c == '[' && data[at + 1] == '!') {
+                ++brackets;
+            } else if (c == ']' && brackets > 0) {
+                --brackets;
+            } else if (c == '>' && brackets == 0) {
+                return i + 1;
+            }
+        }
+        return -1;
+    }
+
+    static QByteArray NameOf(const char* data, qsizetype from, qsizetype end) {
+        qsizetype i = from;
+        while (i < end && !std::strchr(" \t\r\n/>", data[i])) {
+            ++i;
+        }
+        return QByteArray(data + from, i - from);
+    }
+
+    void Take(const char* data, qsizetype at, qsizetype end) {
+        const char second = end - at > 1 ? data[at + 1] : '\0';
+        const bool markup = second == '!' || second == '?';
+        if (where == Where::Prolog) {
+            if (markup) {
+                return;
+            }
+            if (second == '/') {
+                where = Where::Broken;  // an end tag before any element
+                return;
+            }
+            rootStart = at;
+            rootEnd = end;
+            rootName = NameOf(data, at + 1, end);
+            where = data[end - 2] == '/' ? Where::Closed : Where::Children;
+            return;
+        }
+        if (markup) {
+            if (depth == 0) {
+                boundary = end;
+            }
+            return;
+        }
+        if (second == '/') {
+            if (depth == 0) {
+                // The root's end tag: its children end before it.
+                where = NameOf(data, at + 2, end) == rootName ? Where::Closed : Where::Broken;
+                return;
+            }
+            --depth;
+        } else if (data[end - 2] != '/') {
+            ++depth;
+        }
+        if (depth == 0) {
+            boundary = end;
+        }
+    }
+};
+
 }  // namespace
+
+// The reading side of a streamed load: the file, the decoded text not yet parsed, and where
+// the scanner stands in it.
+struct DoxDocument::Stream {
+    QFile file;
+    bool cp932 = false;
+    QByteArray piece;         // bytes read and not yet decoded
+    qsizetype carried = 0;    // of which an undecoded lead byte at the end of the last read
+    bool atEnd = false;
+    QByteArray text;          // decoded UTF-8 not yet parsed, from the children's start
+    ChildScanner scanner;
+    QByteArray rootOpen;      // the root's start tag as written
+    qint64 offset = 0;        // position of text's first byte in the decoded file
+    bool lastHanded = false;  // the slice holding the root's end has been parsed
+    QString error;
+
+    // Reads and decodes one more piece; false at the end of the file or on a read error.
+    bool Fill(qsizetype& invalid) {
+        if (atEnd) {
+            return false;
+        }
+        const qint64 read = file.read(piece.data() + carried, piece.size() - carried);
+        if (read < 0) {
+            error = QStringLiteral("%1 を読めません").arg(file.fileName());
+            atEnd = true;
+            return false;
+        }
+        const qsizetype available = carried + static_cast<qsizetype>(read);
+        atEnd = read == 0;
+        if (!cp932) {
+            text.append(piece.constData(), available);
+            carried = 0;
+            return !atEnd;
+        }
+        qsizetype used = 0;
+        invalid +=
+            Cp932::DecodeToUtf8(piece.constData(), available, text, atEnd ? nullptr : &used);
+        carried = atEnd ? 0 : available - used;
+        std::memmove(piece.data(), piece.constData() + used, static_cast<size_t>(carried));
+        return !atEnd;
+    }
+};
 
 DoxDocument::DoxDocument() = default;
 DoxDocument::~DoxDocument() = default;
@@ -178,6 +371,133 @@ bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
     return Parse(std::move(utf8), errors);
 }
 
+bool DoxDocument::LoadStreamed(const QString& path, QStringList* errors) {
+    auto next = std::make_unique<Stream>();
+    next->file.setFileName(path);
+    if (!next->file.open(QIODevice::ReadOnly)) {
+        return Fail(errors, QStringLiteral("%1 を開けません").arg(path));
+    }
+    const QByteArray head = next->file.peek(kHeadSize);
+    const QByteArray declared = ParseDeclaredEncoding(head);
+    const QByteArray iconvName = IconvName(declared);
+    const bool utf8Bom = head.startsWith("\xEF\xBB\xBF");
+    if ((HasBom(head) && !utf8Bom) || (!iconvName.isEmpty() && iconvName != "CP932") ||
+        (utf8Bom && iconvName == "CP932")) {
+        next.reset();
+        return Load(path, false, errors);  // UTF-16 and the rare others: read whole
+    }
+    Reset();
+    declaredEncoding = utf8Bom ? QStringLiteral("UTF-8") : QString::fromLatin1(declared);
+    if (utf8Bom) {
+        next->file.skip(3);
+    }
+    next->cp932 = iconvName == "CP932";
+    next->piece.resize(kPieceSize);
+    stream = std::move(next);
+    Stream& in = *stream;
+    // The prolog, up to the root's start tag.
+    while (in.scanner.Scan(in.text), in.scanner.where == ChildScanner::Where::Prolog) {
+        if (!in.Fill(invalidSequences)) {
+            break;
+        }
+    }
+    if (in.scanner.where == ChildScanner::Where::Prolog ||
+        in.scanner.where == ChildScanner::Where::Broken) {
+        const QString why = in.error.isEmpty() ? QStringLiteral("XML の形式が正しくありません (要素がありません)") : in.error;
+        stream.reset();
+        return Fail(errors, why);
+    }
+    const qsizetype rootEnd = in.scanner.rootEnd;
+    in.rootOpen = in.text.mid(in.scanner.rootStart, rootEnd - in.scanner.rootStart);
+    if (in.rootOpen.endsWith("/>")) {
+        in.rootOpen.chop(2);
+        in.rootOpen += '>';
+    }
+    in.text.remove(0, rootEnd);
+    in.offset = rootEnd;
+    in.scanner.scanned = 0;
+    in.scanner.boundary = 0;
+    if (!NextSlice()) {
+        QStringList why;
+        FinishStream(&why);
+        stream.reset();
+        return Fail(errors, why.isEmpty() ? QStringLiteral("XML の形式が正しくありません") : why.join(QLatin1Char(' ')));
+    }
+    return true;
+}
+
+bool DoxDocument::NextSlice() {
+    if (!stream || !stream->error.isEmpty()) {
+        return false;
+    }
+    Stream& in = *stream;
+    ChildScanner& scanner = in.scanner;
+    if (in.lastHanded) {
+        return false;
+    }
+    for (;;) {
+        scanner.Scan(in.text);
+        if (scanner.where == ChildScanner::Where::Broken) {
+            in.error = QStringLiteral("XML の形式が正しくありません (終了タグが合いません, 位置 %1)")
+                           .arg(in.offset + scanner.scanned);
+            return false;
+        }
+        if (scanner.where == ChildScanner::Where::Closed || scanner.boundary >= sliceSize) {
+            break;
+        }
+        if (!in.Fill(invalidSequences)) {
+            if (in.error.isEmpty()) {
+                in.error = QStringLiteral("XML の形式が正しくありません (ルート要素が閉じていません, 位置 %1)")
+                               .arg(in.offset + in.text.size());
+            }
+            return false;
+        }
+    }
+    // The slice: the root's start tag, the complete children gathered, the root's end tag.
+    const qsizetype cut = scanner.boundary;
+    QByteArray slice;
+    slice.reserve(in.rootOpen.size() + cut + scanner.rootName.size() + 3);
+    slice += in.rootOpen;
+    slice.append(in.text.constData(), cut);
+    slice += "</" + scanner.rootName + '>';
+    const qint64 sliceOffset = in.offset - in.rootOpen.size();
+    in.text.remove(0, cut);
+    in.offset += cut;
+    scanner.scanned -= cut;
+    scanner.boundary = 0;
+    in.lastHanded = scanner.where == ChildScanner::Where::Closed;
+
+    // Parsed beside the current tree, which a cursor still stands in until this succeeds.
+    auto tree = std::make_unique<pugi::xml_document>();
+    const pugi::xml_parse_result result = tree->load_buffer_inplace(
+        slice.data(), static_cast<size_t>(slice.size()), kParseOptions, pugi::encoding_utf8);
+    if (!result || !tree->document_element()) {
+        in.error = QStringLiteral("XML の形式が正しくありません (%1, 位置 %2)")
+                       .arg(QString::fromUtf8(result.description()))
+                       .arg(sliceOffset + static_cast<qint64>(result.offset));
+        return false;
+    }
+    doc = std::move(tree);
+    buffer = std::move(slice);
+    ++generation;
+    return true;
+}
+
+void DoxDocument::SetSliceSizeForTesting(qsizetype bytes) {
+    sliceSize = bytes > 0 ? bytes : kSliceSize;
+}
+
+bool DoxDocument::FinishStream(QStringList* errors) {
+    if (!stream) {
+        return true;
+    }
+    while (NextSlice()) {
+    }
+    const QString error = stream->error;
+    stream.reset();
+    return error.isEmpty() || Fail(errors, error);
+}
+
 void DoxDocument::Reset() {
     if (!doc) {
         Initiate();
@@ -186,6 +506,7 @@ void DoxDocument::Reset() {
     buffer.clear();
     declaredEncoding.clear();
     invalidSequences = 0;
+    stream.reset();
 }
 
 bool DoxDocument::Parse(QByteArray utf8, QStringList* errors) {
@@ -301,10 +622,33 @@ bool DoxIterator::NextSibling() {
     }
     pugi::xml_node next = FirstElement(Wrap(node).next_sibling());
     if (!next) {
-        return false;
+        return IsSliceEnd(Wrap(node)) && NextSliceElement();
     }
     node = next.internal_object();
     return true;
+}
+
+bool DoxIterator::IsSliceEnd(pugi::xml_node at) const {
+    return document->stream && at.parent() == document->doc->document_element();
+}
+
+bool DoxIterator::NextSliceElement() {
+    while (document->NextSlice()) {
+        pugi::xml_node first = FirstElement(document->doc->document_element().first_child());
+        if (first) {
+            node = first.internal_object();
+            return true;
+        }
+    }
+    return false;
+}
+
+DoxIterator::Place DoxIterator::Position() const {
+    return {document ? document->generation : 0, node};
+}
+
+quint64 DoxIterator::Generation() const {
+    return document ? document->generation : 0;
 }
 
 bool DoxIterator::Next() {
@@ -321,6 +665,9 @@ bool DoxIterator::Next() {
         if (pugi::xml_node next = FirstElement(at.next_sibling())) {
             node = next.internal_object();
             return true;
+        }
+        if (IsSliceEnd(at)) {
+            return NextSliceElement();
         }
     }
     return false;

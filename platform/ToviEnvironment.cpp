@@ -12,6 +12,10 @@
 #include <memory>
 #include <optional>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace {
 
 const QString kOrganisation = QStringLiteral("Orvane Systems");
@@ -346,4 +350,10 @@ unsigned int ToviGetDriveType(const QString& path) {
 int ToviGetUniversalName(const QString& /*path*/, QString& /*out*/, bool /*upper*/) {
     // Linux mounts shares at folders, not drive letters: there is no mapping to look up.
     return 0;
+}
+
+void ToviTuneAllocator() {
+#if defined(__GLIBC__)
+    mallopt(M_MXFAST, 0);
+#endif
 }

@@ -29,3 +29,9 @@ public:
 unsigned int ToviGetDriveType(const QString& path);
 // The network name of a path on a mapped drive; 1 on success, 0 otherwise.
 int ToviGetUniversalName(const QString& path, QString& out, bool upper);
+
+// Sets up the C library's allocator for a process that holds a large delivery: call it first
+// thing in main. Without fast bins, the millions of small values of 100,000 photographs
+// aren't swept together again on every larger allocation and free (a fifth of a load's time
+// and most of its teardown).
+void ToviTuneAllocator();

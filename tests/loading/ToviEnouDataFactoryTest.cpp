@@ -2,6 +2,7 @@
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/Cp932.h"
+#include "platform/DoxDocument.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
@@ -69,6 +70,9 @@ class ToviEnouDataFactoryTest : public QObject {
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
+        // Small slices, so that every walk here crosses from one slice of the file to the
+        // next many times, inside and between photographs.
+        DoxDocument::SetSliceSizeForTesting(64);
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));
     }
 
