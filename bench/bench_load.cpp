@@ -163,10 +163,10 @@ QByteArray Utf8CopyOf(int count) {
 }
 
 void RunFloor(benchmark::State& state, bool convert) {
-    const QByteArray path = convert ? QFile::encodeName(DeliveryOf(static_cast<int>(
-                                                            state.range(0))) +
-                                                        QStringLiteral("/PHOTO.XML"))
-                                    : Utf8CopyOf(static_cast<int>(state.range(0)));
+    const QByteArray path = convert
+                                ? QFile::encodeName(DeliveryOf(static_cast<int>(state.range(0))) +
+                                                    QStringLiteral("/PHOTO.XML"))
+                                : Utf8CopyOf(static_cast<int>(state.range(0)));
     ResetPeak();
     const long before = StatusKb("VmRSS:");
     long peak = 0;

@@ -106,7 +106,7 @@ struct Result {
 };
 
 void WriteResultsJson(const QList<int>& types, const QList<Verifier>& verifiers,
-                       const QList<Result>& results, const std::array<int, 4>& counts) {
+                      const QList<Result>& results, const std::array<int, 4>& counts) {
     JsonWriter json;
     json.BeginObject();
     json.Key("types");

@@ -5,6 +5,8 @@
 #include "platform/DoxDocument.h"
 #include "platform/MibFile.h"
 
+#include <QFileInfo>
+
 #include <cstring>
 
 namespace {
@@ -67,6 +69,18 @@ bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
         loadError = QStringLiteral("%1 がありません").arg(xmlPath);
         return false;
     }
+    const qint64 fileSize = QFileInfo(xmlPath).size();
+    if (fileSize > kLargestFile) {
+        loadError = QStringLiteral("PHOTO.XML が大きすぎるため読み込みません (%1 MB、上限 1024 MB)")
+                        .arg(fileSize >> 20);
+        return false;
+    }
+    // What the document may take: 8 bytes for each byte of the file and 8 MB, which with
+    // the slices being parsed (some 30 MB) and the program itself stays under 8 times the
+    // file and 64 MB.
+    budget = 8 * fileSize + (8 << 20);
+    used = 0;
+    refused = false;
     DoxDocument xml;
     QStringList errors;
     if (!xml.Initiate() || !xml.LoadStreamed(xmlPath, &errors)) {
@@ -83,6 +97,14 @@ bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
     source = nullptr;
     lastValues = std::vector<LastValue>();
     scratch = QByteArray();
+    if (refused) {
+        loadError = QStringLiteral(
+                        "PHOTO.XML の写真 %1枚目で、必要なメモリがファイルの大きさに見合う量 "
+                        "(%2 MB) を超えたため読み込みを中止しました")
+                        .arg(photos->size())
+                        .arg(budget >> 20);
+        return false;
+    }
     if (!walked) {
         return false;
     }
@@ -110,6 +132,7 @@ QString ToviEnouDataFactory::ValueOf(int i, const DoxIterator& it) {
         ++faults.undecodableValues;
     }
     if (utf8.data() == scratch.constData()) {
+        used += 2 * utf8.size() + 48;
         return QString::fromUtf8(utf8);  // gathered text has no lasting place to compare with
     }
     LastValue& last = lastValues[static_cast<size_t>(i)];
@@ -117,6 +140,9 @@ QString ToviEnouDataFactory::ValueOf(int i, const DoxIterator& it) {
         std::memcmp(last.data, utf8.data(), static_cast<size_t>(utf8.size())) == 0) {
         return last.text;
     }
+    // A new text: its UTF-16 form (at most two bytes for each byte of UTF-8), header and
+    // allocation.
+    used += 2 * utf8.size() + 48;
     last.generation = it.Generation();
     last.data = utf8.data();
     last.size = utf8.size();
@@ -164,6 +190,9 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
                 // faults by the block walker; the rest of the delivery loads all the same.
                 static_cast<void>(
                     LoadPhotoItem(def, document->GetPhotoDataArray(), it, i, callback, arg));
+                if (refused) {
+                    return false;
+                }
                 ++i;
                 continue;
             }
@@ -299,6 +328,14 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
         }
         photos->append(std::make_unique<ToviPhoto>(document, items));
         ++photoCount;
+        // The photograph, its place in the array (which grows by doubling), its item list
+        // and the allocator's share of each.
+        used += static_cast<qint64>(sizeof(ToviPhoto) + 96 +
+                                    sizeof(ToviItem) * static_cast<size_t>(items.capacity()) + 48);
+        if (used > budget) {
+            refused = true;
+            return false;
+        }
         if (!complete) {
             ++faults.incompletePhotos;
             allComplete = false;

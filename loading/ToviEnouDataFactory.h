@@ -35,9 +35,8 @@ private:
     [[nodiscard]] bool LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos, DoxIterator& it,
                                      int& index, ToviLoadCallback callback, void* arg);
     // A repeating block inside either; false as above, the occurrence keeping what it had.
-    [[nodiscard]] bool LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items,
-                                          DoxIterator& it, int& index, ToviLoadCallback callback,
-                                          void* arg);
+    [[nodiscard]] bool LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items, DoxIterator& it,
+                                          int& index, ToviLoadCallback callback, void* arg);
     void StoreElement(const ToviItemDef* def, int i, ToviItemArray& items, DoxIterator& it);
     // The element's text, shared with the previous value of the same definition when equal.
     QString ValueOf(int i, const DoxIterator& it);
@@ -52,9 +51,15 @@ private:
         QString text;
     };
 
+    // A PHOTO.XML larger than this is refused before it is read.
+    static constexpr qint64 kLargestFile = qint64(1) << 30;
+
     QString loadError;
+    qint64 budget = 0;     // bytes the document may take, from the file's size
+    qint64 used = 0;       // what it takes so far, estimated
+    bool refused = false;  // the load passed the budget and stopped
     std::vector<LastValue> lastValues;
-    QByteArray scratch;           // text gathered from several nodes
+    QByteArray scratch;                   // text gathered from several nodes
     const DoxDocument* source = nullptr;  // the file being walked
     ToviData::LoadFaults faults;
 };

@@ -147,7 +147,6 @@ private:
     std::vector<uint32_t> pairsUtf8;
 };
 
-
 // Decodes CP932 bytes through the table. Sink(char16_t) receives each character, U+FFFD
 // for each invalid byte or pair (a lead byte whose trail is invalid loses only itself, so
 // an ASCII trail such as '<' survives). Answers how many replacements were made.
@@ -325,7 +324,7 @@ QString Cp932::ToUnicode(const QByteArray& bytes, bool* ok) {
 }
 
 qsizetype Cp932::DecodeToUtf8(const char* data, qsizetype size, QByteArray& out,
-                               qsizetype* consumed) {
+                              qsizetype* consumed) {
     const DecodeTable& table = DecodeTable::Instance();
     const qsizetype start = out.size();
     // A byte never becomes more than three bytes of UTF-8 (a single-byte katakana does); one

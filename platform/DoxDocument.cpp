@@ -127,9 +127,9 @@ public:
 
     Where where = Where::Prolog;
     qsizetype scanned = 0;
-    qsizetype boundary = 0;       // among the children: the end of the last complete one
-    qsizetype rootStart = -1;     // in the prolog: where the root's start tag was found
-    qsizetype rootEnd = -1;       //                and just past it
+    qsizetype boundary = 0;    // among the children: the end of the last complete one
+    qsizetype rootStart = -1;  // in the prolog: where the root's start tag was found
+    qsizetype rootEnd = -1;    //                and just past it
     QByteArray rootName;
     int depth = 0;
 
@@ -242,10 +242,10 @@ private:
 struct DoxDocument::Stream {
     QFile file;
     bool cp932 = false;
-    QByteArray piece;         // bytes read and not yet decoded
-    qsizetype carried = 0;    // of which an undecoded lead byte at the end of the last read
+    QByteArray piece;       // bytes read and not yet decoded
+    qsizetype carried = 0;  // of which an undecoded lead byte at the end of the last read
     bool atEnd = false;
-    QByteArray text;          // decoded UTF-8 not yet parsed, from the children's start
+    QByteArray text;  // decoded UTF-8 not yet parsed, from the children's start
     ChildScanner scanner;
     QByteArray rootOpen;      // the root's start tag as written
     qint64 offset = 0;        // position of text's first byte in the decoded file
@@ -271,8 +271,7 @@ struct DoxDocument::Stream {
             return !atEnd;
         }
         qsizetype used = 0;
-        invalid +=
-            Cp932::DecodeToUtf8(piece.constData(), available, text, atEnd ? nullptr : &used);
+        invalid += Cp932::DecodeToUtf8(piece.constData(), available, text, atEnd ? nullptr : &used);
         carried = atEnd ? 0 : available - used;
         std::memmove(piece.data(), piece.constData() + used, static_cast<size_t>(carried));
         return !atEnd;
@@ -403,7 +402,9 @@ bool DoxDocument::LoadStreamed(const QString& path, QStringList* errors) {
     }
     if (in.scanner.where == ChildScanner::Where::Prolog ||
         in.scanner.where == ChildScanner::Where::Broken) {
-        const QString why = in.error.isEmpty() ? QStringLiteral("XML の形式が正しくありません (要素がありません)") : in.error;
+        const QString why = in.error.isEmpty()
+                                ? QStringLiteral("XML の形式が正しくありません (要素がありません)")
+                                : in.error;
         stream.reset();
         return Fail(errors, why);
     }
@@ -421,7 +422,8 @@ bool DoxDocument::LoadStreamed(const QString& path, QStringList* errors) {
         QStringList why;
         FinishStream(&why);
         stream.reset();
-        return Fail(errors, why.isEmpty() ? QStringLiteral("XML の形式が正しくありません") : why.join(QLatin1Char(' ')));
+        return Fail(errors, why.isEmpty() ? QStringLiteral("XML の形式が正しくありません")
+                                          : why.join(QLatin1Char(' ')));
     }
     return true;
 }
@@ -438,8 +440,9 @@ bool DoxDocument::NextSlice() {
     for (;;) {
         scanner.Scan(in.text);
         if (scanner.where == ChildScanner::Where::Broken) {
-            in.error = QStringLiteral("XML の形式が正しくありません (終了タグが合いません, 位置 %1)")
-                           .arg(in.offset + scanner.scanned);
+            in.error =
+                QStringLiteral("XML の形式が正しくありません (終了タグが合いません, 位置 %1)")
+                    .arg(in.offset + scanner.scanned);
             return false;
         }
         if (scanner.where == ChildScanner::Where::Closed || scanner.boundary >= sliceSize) {
@@ -447,7 +450,8 @@ bool DoxDocument::NextSlice() {
         }
         if (!in.Fill(invalidSequences)) {
             if (in.error.isEmpty()) {
-                in.error = QStringLiteral("XML の形式が正しくありません (ルート要素が閉じていません, 位置 %1)")
+                in.error = QStringLiteral(
+                               "XML の形式が正しくありません (ルート要素が閉じていません, 位置 %1)")
                                .arg(in.offset + in.text.size());
             }
             return false;

@@ -241,6 +241,12 @@ private slots:
                    "<写真情報><写真ファイル情報><シリアル番号>&b;</シリアル番号>"
                    "</写真ファイル情報></写真情報></photodata>"
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrNone);
+        // 250,000 empty photographs in 2.8 MB would take some 150 MB: the load stops at
+        // its budget from the file's size instead.
+        QTest::newRow("empty photographs past the memory budget")
+            << head + good + QByteArray("<写真情報/>").repeated(250000) + "</photodata>"
+            << QByteArray("Shift_JIS") << -1;
+        QTest::newRow("over 1 GB") << head + good + "</photodata>" << QByteArray("Shift_JIS") << -1;
         QTest::newRow("unknown elements inside a photograph")
             << head + good +
                    "<写真情報><謎の要素>?</謎の要素><写真ファイル情報><シリアル番号>1</"
@@ -256,11 +262,21 @@ private slots:
         QFETCH(int, outcome);
         const QString folder = temp.filePath(QStringLiteral("bad-%1").arg(QTest::currentDataTag()));
         WritePhotoXml(folder, body, encoding.constData());
+        if (QTest::currentDataTag() == QByteArrayLiteral("over 1 GB")) {
+            // Sparse: the load must refuse it from its size, before reading.
+            QVERIFY(QFile::resize(folder + QStringLiteral("/PHOTO.XML"), (qint64(1) << 30) + 1));
+        }
         ToviEnouDataFactory factory;
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
         if (outcome < 0) {
             QVERIFY(!document);
             QVERIFY(!factory.GetLoadError().isEmpty());
+            // The two bounds say which one stopped the load.
+            const QByteArray tag = QTest::currentDataTag();
+            QVERIFY(tag != "over 1 GB" ||
+                    factory.GetLoadError().contains(QStringLiteral("1024 MB")));
+            QVERIFY(!tag.contains("budget") ||
+                    factory.GetLoadError().contains(QStringLiteral("メモリ")));
         } else {
             QVERIFY(document);
             QCOMPARE(static_cast<int>(document->GetErrorType()), outcome);
@@ -315,8 +331,8 @@ private slots:
         const auto item = [](const char* title, const char* count, const char* step,
                              const char* grade = "必須") {
             return QByteArray("<管理項目><タイトル>") + title + "</タイトル><必要度>" + grade +
-                   "</必要度><表示>MainList</表示><データ数>" + count +
-                   "</データ数><操作>" + step + "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
+                   "</必要度><表示>MainList</表示><データ数>" + count + "</データ数><操作>" + step +
+                   "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
         };
         list.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
                    item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
@@ -342,7 +358,9 @@ private slots:
         QByteArray bytes = file.readAll();
         const QByteArray title3 = Cp932::FromUnicode(QStringLiteral("題3"));
         bytes.replace(title3, title3 + "\xFF\x85\x40");
-        bytes.replace("2024-01-04", "2024-01\xFD" "04");
+        bytes.replace("2024-01-04",
+                      "2024-01\xFD"
+                      "04");
         file.resize(0);
         file.seek(0);
         file.write(bytes);

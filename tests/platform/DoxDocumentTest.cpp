@@ -37,9 +37,9 @@ private slots:
             "<!-- <a>not an element</a> --><写真 n=\"1>2\" m='x\"y'><題>一</題><日>2024</日></写真>"
             "<?pi <b>?>\n<写真><題><![CDATA[<c>]]>二</題><写真><題>入れ子</題></写真></写真>"
             "text<空/><空 a=\">\"/><写真><題>三&amp;四</題></写真>";
-        QTest::newRow("Shift_JIS") << "<!DOCTYPE r [<!ENTITY e \"]>\">]>\n<r a=\"1\">" + children +
-                                          "</r><!-- after -->"
-                                   << QByteArray("Shift_JIS");
+        QTest::newRow("Shift_JIS")
+            << "<!DOCTYPE r [<!ENTITY e \"]>\">]>\n<r a=\"1\">" + children + "</r><!-- after -->"
+            << QByteArray("Shift_JIS");
         QTest::newRow("UTF-8") << "<r>" + children + "</r>" << QByteArray("UTF-8");
         QTest::newRow("empty root") << QByteArray("<r/>") << QByteArray("Shift_JIS");
         QTest::newRow("no children") << QByteArray("<r> </r>") << QByteArray("UTF-8");
