@@ -10,6 +10,8 @@ int RunTree(QStringList args);
 int RunList(QStringList args);
 int RunExif(QStringList args);
 int RunCheck(QStringList args);
+int RunExam(QStringList args);
+int RunLabel(QStringList args);
 
 namespace {
 
@@ -38,6 +40,11 @@ const char kUsage[] =
     "                 \"results\": [{\"index\", \"imagePath\", \"result\"}], \"counts\": {\"0\".. "
     "\"3\"}}\n"
     "    使える検証ライブラリが一つもないときは、すべて 3 を表示し、終了コード 0 で終わる\n"
+    "  tovi exam DIR --record FILE [--family N] [--json]   検査状況ファイルを読み込み、写真ごとの\n"
+    "    付箋とコメントを表示する (--json: {\"photos\": [{\"index\", \"comment\", \"labels\"}]})\n"
+    "  tovi label DIR --record FILE [--paste I:L]... [--remove I:L]... [--comment I=TEXT]...\n"
+    "             [--with-paths] [--family N]   検査状況ファイルがあれば読み込み、写真番号 I に\n"
+    "    付箋 L (0-5) を貼る・はがす、コメントを設定して保存する (--with-paths: 写真ファイルパスも書く)\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -70,6 +77,12 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("check")) {
         return RunCheck(args);
+    }
+    if (command == QLatin1String("exam")) {
+        return RunExam(args);
+    }
+    if (command == QLatin1String("label")) {
+        return RunLabel(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

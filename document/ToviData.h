@@ -140,6 +140,19 @@ public:
     // Clears every label and comment of the current array.
     virtual void AllRemoveLabel();
 
+    // ---- inspection record (ToviDataExamination.cpp) ------------------------------------------
+    // Writes the comment and labels of every photograph of the actual array to path; false
+    // with *result set to a ToviExamResult code (an empty path: false, result untouched).
+    // A success clears the check status changed flag.
+    virtual bool SaveExamination(const QString& path, const QString& note, int* result);
+    // Merges a record into the photographs (a value the file lacks stays); false with
+    // *result set, nothing changed. Leaves the changed flag alone and sends no hint.
+    virtual bool LoadExamination(const QString& path, int* result);
+    // The same record, each photograph also naming its image file; the changed flag stays.
+    // Answers whether it was written, with the reason in *result when given (the viewer
+    // ignores both; the command line reports them).
+    bool ReturnExam(const QString& path, int* result = nullptr);
+
     // ---- sort (ToviDataExtraction.cpp) ---------------------------------------------------------
     // Orders the current array by the sort condition's key and direction.
     virtual void Sort();

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QThread>
 
 QString MibNormalDir(const QString& path) {
     if (path.isEmpty() || path.endsWith(QLatin1Char('/'))) {
@@ -102,20 +103,47 @@ QString MibProgramPath() {
     return MibNormalDir(QFileInfo(exe).absolutePath());
 }
 
+namespace {
+
+qint64& WriteLimit() {
+    static qint64 limit = -1;
+    return limit;
+}
+
+}  // namespace
+
+void MibSetWriteLimitForTesting(qint64 bytes) {
+    WriteLimit() = bytes;
+}
+
 bool MibWriteFileAtomic(const QString& path, const QByteArray& data, QString* error) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    const auto fail = [&](const QString& why) {
         if (error) {
-            *error = file.errorString();
-        }
-        return false;
-    }
-    if (file.write(data) != data.size()) {
-        if (error) {
-            *error = file.errorString();
+            *error = why;
         }
         file.cancelWriting();
         return false;
+    };
+    if (!file.open(QIODevice::WriteOnly)) {
+        return fail(file.errorString());
+    }
+    const qint64 limit = WriteLimit();
+    const qsizetype half = data.size() / 2;
+    if (file.write(data.constData(), half) != half) {
+        return fail(file.errorString());
+    }
+    bool paused = false;
+    const int pause = qEnvironmentVariableIntValue("TOVI_WRITE_PAUSE_MS", &paused);
+    if (paused && pause > 0) {
+        file.flush();
+        QThread::msleep(static_cast<unsigned long>(pause));
+    }
+    if (limit >= 0 && data.size() > limit) {
+        return fail(QStringLiteral("No space left on device"));
+    }
+    if (file.write(data.constData() + half, data.size() - half) != data.size() - half) {
+        return fail(file.errorString());
     }
     if (!file.commit()) {
         if (error) {

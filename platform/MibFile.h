@@ -24,6 +24,10 @@ QString MibGetExt(const QString& path);
 QString MibGetFileTitle(const QString& path);
 // The folder of the running executable, ending in a separator; empty when unknown.
 QString MibProgramPath();
-// Writes data to path through a temporary file in the same folder, renamed into place, so
-// that a failure (full disk, read-only folder) leaves any old file as it was.
+// Writes data to path through a temporary file in the same folder, flushed to disk and
+// renamed into place, so that a failure (full disk, read-only folder) or a kill at any moment
+// leaves any old file as it was. The environment variable TOVI_WRITE_PAUSE_MS makes it wait
+// that long halfway through the data, so that tests can kill a writer mid-write.
 bool MibWriteFileAtomic(const QString& path, const QByteArray& data, QString* error = nullptr);
+// Makes MibWriteFileAtomic fail as a full disk does after this many bytes; negative: no limit.
+void MibSetWriteLimitForTesting(qint64 bytes);
