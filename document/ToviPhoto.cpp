@@ -13,6 +13,12 @@ namespace {
 const QString kPicFolder = QStringLiteral("PIC/");
 const QString kDraFolder = QStringLiteral("DRA/");
 
+// A file-name value joined to its folder; a value that could reach outside the folder
+// names no file (an empty path), so nothing outside the delivery is ever opened.
+QString InsideFolder(const QString& folder, const QString& value) {
+    return MibIsPlainFileName(value) ? folder + value : QString();
+}
+
 }  // namespace
 
 ToviPhoto::ToviPhoto(const QString& path) : imagePath(path) {}
@@ -88,10 +94,10 @@ void ToviPhoto::RelativeWalk(const PathTitles& titles, const QString& root) {
     for (const ToviItem& item : items) {
         const int defIndex = item.GetDefIndex();
         if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
-            picturePaths.append(root + kDraFolder + item.Value());
+            picturePaths.append(InsideFolder(root + kDraFolder, item.Value()));
         }
         if (titles.photo >= 0 && defIndex == titles.photo) {
-            imagePath = root + kPicFolder + item.Value();
+            imagePath = InsideFolder(root + kPicFolder, item.Value());
         }
     }
 }
@@ -127,10 +133,10 @@ void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
                     break;
                 }
             }
-            picturePaths.append(found.isEmpty() ? root + kDraFolder + value : found);
+            picturePaths.append(found.isEmpty() ? InsideFolder(root + kDraFolder, value) : found);
         }
         if (imagePath.isEmpty() && titles.photo >= 0 && defIndex == titles.photo) {
-            imagePath = root + kPicFolder + value;
+            imagePath = InsideFolder(root + kPicFolder, value);
         }
     }
 }

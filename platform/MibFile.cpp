@@ -33,6 +33,15 @@ bool MibIsFileExist(const QString& path) {
     return info.exists() && info.isFile();
 }
 
+bool MibIsPlainFileName(const QString& value) {
+    if (value.isEmpty() || value == QLatin1String(".") || value.contains(QLatin1Char('/')) ||
+        value.contains(QLatin1Char('\\')) || value.contains(QLatin1String(".."))) {
+        return false;
+    }
+    const bool drive = value.size() >= 2 && value[1] == QLatin1Char(':') && value[0].isLetter();
+    return !drive;
+}
+
 bool MibIsFolderExist(const QString& path) {
     return !path.isEmpty() && QFileInfo(path).isDir();
 }

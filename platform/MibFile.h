@@ -10,6 +10,9 @@ QString MibNormalDir(const QString& path);
 // The folder above path, ending in a separator ("/a/b/c" and "/a/b/c/" both give "/a/b/").
 QString MibParentDir(const QString& path);
 bool MibIsFileExist(const QString& path);
+// True when value is a bare file name that can only name a file inside the folder it is
+// joined to: not empty, no separator of either kind, no "..", no drive letter ("C:").
+bool MibIsPlainFileName(const QString& value);
 bool MibIsFolderExist(const QString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
 bool MibCreateDirectory(const QString& path);

@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 namespace {
 
 void WriteFile(const QString& path, const QByteArray& bytes) {
@@ -91,6 +93,17 @@ private slots:
                                                           QStringLiteral("Type"),
                                                           QStringLiteral("_未定義_")),
                  section);
+    }
+
+    // A FIFO named PHOTO.XML would block the first open for ever: it is refused unopened.
+    void fifoIsRefusedUnopened() {
+        const QString folder = temp.filePath(QStringLiteral("fifo"));
+        QVERIFY(QDir().mkpath(folder));
+        const QByteArray fifo = QFile::encodeName(folder + QStringLiteral("/PHOTO.XML"));
+        QCOMPARE(::mkfifo(fifo.constData(), 0600), 0);
+        ToviItemDef def;
+        QCOMPARE(def.Load(folder, PhotoXMLMlit), ReadErrUnknownPhotoXml);
+        QVERIFY(QFile::remove(QString::fromLocal8Bit(fifo)));
     }
 
     // The second opening of the same kind corresponds; a first run or another kind doesn't.
