@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -216,6 +217,9 @@ private slots:
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
         QTest::newRow("undecodable encoding")
             << head + good + "</photodata>" << QByteArray("X-NO-SUCH-CODE") << -1;
+        QTest::newRow("kilobytes of encoding name with terminal codes")
+            << head + good + "</photodata>"
+            << "\x1b]0;owned\x07" + QByteArray(4000, 'X') << -1;
         QTest::newRow("no photographs") << head + good + "</photodata>" << QByteArray("Shift_JIS")
                                         << static_cast<int>(ReadErrNoPhotos);
         QTest::newRow("no element the list names")
@@ -256,7 +260,15 @@ private slots:
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
         if (outcome < 0) {
             QVERIFY(!document);
-            QVERIFY(!factory.GetLoadError().isEmpty());
+            // One readable line: what it quotes of the file is cut short and has no controls.
+            const QString error = factory.GetLoadError();
+            QVERIFY(!error.isEmpty());
+            QVERIFY2(error.size() < 120, qPrintable(error));
+            QVERIFY(std::none_of(error.cbegin(), error.cend(),
+                                 [](QChar c) { return c.unicode() < 0x20; }));
+            if (encoding.startsWith("X-")) {
+                QVERIFY2(error.contains(QString::fromLatin1(encoding)), qPrintable(error));
+            }
         } else {
             QVERIFY(document);
             QCOMPARE(static_cast<int>(document->GetErrorType()), outcome);
@@ -311,8 +323,8 @@ private slots:
         const auto item = [](const char* title, const char* count, const char* step,
                              const char* grade = "必須") {
             return QByteArray("<管理項目><タイトル>") + title + "</タイトル><必要度>" + grade +
-                   "</必要度><表示>MainList</表示><データ数>" + count +
-                   "</データ数><操作>" + step + "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
+                   "</必要度><表示>MainList</表示><データ数>" + count + "</データ数><操作>" + step +
+                   "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
         };
         list.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
                    item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
