@@ -122,9 +122,8 @@ PhotoXMLReadErr ToviItemDef::ReadPhotoDef(const QString& dataPath) {
 
 QString ToviItemDef::GetRootTagNamePhoto(const QString& dataPath) {
     const QString xmlPath = MibNormalDir(dataPath) + QStringLiteral("PHOTO.XML");
-    QFile file(xmlPath);
-    // A FIFO or device would block the open or the read: only a regular file is opened.
-    if (!MibIsFileExist(xmlPath) || !file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!MibOpenRegularFile(file, xmlPath)) {
         return QString();
     }
     // The DOCTYPE line is plain ASCII in every encoding a delivery uses, so the bytes are

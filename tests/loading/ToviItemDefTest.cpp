@@ -2,12 +2,11 @@
 #include "loading/ToviItemDef.h"
 #include "platform/MibFile.h"
 #include "platform/ToviProfile.h"
+#include "tests/support/FifoTrap.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -96,14 +95,19 @@ private slots:
     }
 
     // A FIFO named PHOTO.XML would block the first open for ever: it is refused unopened.
+    void fifoIsRefusedUnopened_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("PHOTO.XML") << QStringLiteral("PHOTO.XML");
+    }
     void fifoIsRefusedUnopened() {
-        const QString folder = temp.filePath(QStringLiteral("fifo"));
+        QFETCH(QString, name);
+        const QString folder = temp.filePath(QStringLiteral("fifo-") + name);
         QVERIFY(QDir().mkpath(folder));
-        const QByteArray fifo = QFile::encodeName(folder + QStringLiteral("/PHOTO.XML"));
-        QCOMPARE(::mkfifo(fifo.constData(), 0600), 0);
+        const FifoTrap fifo(folder + QLatin1Char('/') + name);
+        QVERIFY(fifo.IsValid());
         ToviItemDef def;
         QCOMPARE(def.Load(folder, PhotoXMLMlit), ReadErrUnknownPhotoXml);
-        QVERIFY(QFile::remove(QString::fromLocal8Bit(fifo)));
+        QVERIFY(!fifo.Opened());
     }
 
     // The second opening of the same kind corresponds; a first run or another kind doesn't.
