@@ -121,7 +121,7 @@ PhotoXMLReadErr ToviItemDef::ReadPhotoDef(const QString& dataPath) {
 }
 
 QString ToviItemDef::GetRootTagNamePhoto(const QString& dataPath) {
-    const QString xmlPath = MibNormalDir(dataPath) + QStringLiteral("PHOTO.XML");
+    const QString xmlPath = MibResolveCase(dataPath, QStringLiteral("PHOTO.XML"));
     QFile file;
     if (!MibOpenRegularFile(file, xmlPath)) {
         return QString();

@@ -1,5 +1,7 @@
 #include "platform/MibFile.h"
 
+#include "platform/MibPathResolver.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -70,6 +72,15 @@ bool MibIsPlainFileName(const QString& value) {
     }
     const bool drive = value.size() >= 2 && value[1] == QLatin1Char(':') && value[0].isLetter();
     return !drive;
+}
+
+QString MibResolveCase(const QString& folder, const QString& name) {
+    const QString dir = MibNormalDir(folder);
+    if (name.isEmpty() || QFileInfo::exists(dir + name)) {
+        return dir + name;
+    }
+    const QString found = MibListFoldedNames(dir).value(name.toCaseFolded());
+    return dir + (found.isEmpty() ? name : found);
 }
 
 bool MibIsFolderExist(const QString& path) {

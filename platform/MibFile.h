@@ -20,6 +20,9 @@ bool MibOpenRegularFile(QFile& file, const QString& path);
 // True when value is a bare file name that can only name a file inside the folder it is
 // joined to: not empty, no separator of either kind, no "..", no drive letter ("C:").
 bool MibIsPlainFileName(const QString& value);
+// The path of name in folder as the disc spells it: name itself when it is there, else an
+// entry whose name differs only in case (media written on Windows), else folder + name.
+QString MibResolveCase(const QString& folder, const QString& name);
 bool MibIsFolderExist(const QString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
 bool MibCreateDirectory(const QString& path);

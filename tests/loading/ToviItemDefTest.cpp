@@ -94,10 +94,12 @@ private slots:
                  section);
     }
 
-    // A FIFO named PHOTO.XML would block the first open for ever: it is refused unopened.
+    // A FIFO named PHOTO.XML (or photo.xml) would block the first open for ever: it is
+    // refused unopened.
     void fifoIsRefusedUnopened_data() {
         QTest::addColumn<QString>("name");
         QTest::newRow("PHOTO.XML") << QStringLiteral("PHOTO.XML");
+        QTest::newRow("lower case") << QStringLiteral("photo.xml");
     }
     void fifoIsRefusedUnopened() {
         QFETCH(QString, name);
