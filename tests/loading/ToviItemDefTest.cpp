@@ -94,21 +94,29 @@ private slots:
                  section);
     }
 
-    // A FIFO named PHOTO.XML (or photo.xml) would block the first open for ever: it is
-    // refused unopened.
+    // A FIFO named PHOTO.XML (or photo.xml) or READITEM.XML would block the first open for
+    // ever: it is refused unopened.
     void fifoIsRefusedUnopened_data() {
         QTest::addColumn<QString>("name");
-        QTest::newRow("PHOTO.XML") << QStringLiteral("PHOTO.XML");
-        QTest::newRow("lower case") << QStringLiteral("photo.xml");
+        QTest::addColumn<int>("result");
+        QTest::newRow("PHOTO.XML") << QStringLiteral("PHOTO.XML") << int(ReadErrUnknownPhotoXml);
+        QTest::newRow("lower case") << QStringLiteral("photo.xml") << int(ReadErrUnknownPhotoXml);
+        QTest::newRow("READITEM.XML") << QStringLiteral("READITEM.XML") << int(ReadErrNoItemFile);
     }
     void fifoIsRefusedUnopened() {
         QFETCH(QString, name);
+        QFETCH(int, result);
         const QString folder = temp.filePath(QStringLiteral("fifo-") + name);
         QVERIFY(QDir().mkpath(folder));
+        const bool definitions = result == ReadErrNoItemFile;
+        if (definitions) {
+            WriteDoctype(folder, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
+            ToviItemDef::SetProgramPathOverride(folder);
+        }
         const FifoTrap fifo(folder + QLatin1Char('/') + name);
         QVERIFY(fifo.IsValid());
         ToviItemDef def;
-        QCOMPARE(def.Load(folder, PhotoXMLMlit), ReadErrUnknownPhotoXml);
+        QCOMPARE(int(def.Load(folder, PhotoXMLMlit)), result);
         QVERIFY(!fifo.Opened());
     }
 
