@@ -2,7 +2,8 @@
 // 1,000 / 10,000 / 100,000 photographs (PHOTO.XML only; the load touches no image),
 // against the floor: the same PHOTO.XML in UTF-8, read into one buffer and parsed in place
 // by pugixml (BM_Floor), and that plus the conversion from Shift_JIS (BM_FloorShiftJis).
-// The ratios of the load to the floor are what the goals are set in.
+// The ratios of the load to the floor are what the goals are set in. BM_FirstUse is the
+// first use of every path after a load (the load itself asks nothing of the disc).
 //
 //   bench_load --floor FILE [--convert]   parses FILE as BM_Floor does, once, and exits:
 //                                         the floor as a whole process, for
@@ -13,6 +14,7 @@
 // fresh process needs; run one size alone (--benchmark_filter=/100000) for that figure.
 
 #include "document/ToviData.h"
+#include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/Cp932.h"
 #include "platform/ToviEnvironment.h"
@@ -23,6 +25,7 @@
 #include <pugixml.hpp>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QMap>
 #include <QTemporaryDir>
@@ -118,6 +121,62 @@ void BM_OpenDelivery(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_OpenDelivery)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// The 10,000-photograph delivery with an empty file in PIC/ for each photograph, named as
+// written, or all in lower case as a Windows disc may have them.
+QString FilesDeliveryOf(bool lowerCase) {
+    static QMap<bool, QString> folders;
+    if (!folders.contains(lowerCase)) {
+        const QString folder =
+            Temp().filePath(lowerCase ? QStringLiteral("files-lower") : QStringLiteral("files"));
+        QDir().mkpath(folder + QStringLiteral("/PIC"));
+        QFile::copy(DeliveryOf(10000) + QStringLiteral("/PHOTO.XML"),
+                    folder + QStringLiteral("/PHOTO.XML"));
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
+        if (!document) {
+            qFatal("the delivery did not load");
+        }
+        const int title =
+            document->GetItemDef()->GetIndexFromTitle(QStringLiteral("写真ファイル名"));
+        for (const ToviPhoto* photo : *document->GetPhotoDataArray()) {
+            const QString name = photo->GetTitle(title);
+            QFile file(folder + QStringLiteral("/PIC/") + (lowerCase ? name.toLower() : name));
+            if (!file.open(QIODevice::WriteOnly)) {
+                qFatal("cannot write %s", qPrintable(file.fileName()));
+            }
+        }
+        folders.insert(lowerCase, folder);
+    }
+    return folders.value(lowerCase);
+}
+
+// Every photograph's image path asked for once after a fresh load: 0 names as written (one
+// look per file), 1 names in another case (the folder listed once, then one look per file).
+void BM_FirstUse(benchmark::State& state) {
+    const QString folder = FilesDeliveryOf(state.range(0) != 0);
+    for (auto _ : state) {
+        state.PauseTiming();
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
+        QStringList paths;
+        paths.reserve(10000);
+        state.ResumeTiming();
+        for (ToviPhoto* photo : *document->GetPhotoDataArray()) {
+            paths.append(photo->GetImagePath());
+        }
+        state.PauseTiming();
+        if (paths.size() != 10000 || !QFile::exists(paths.first()) ||
+            !QFile::exists(paths.last())) {
+            state.SkipWithError("the files were not found");
+            return;
+        }
+        document.reset();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * 10000);
+}
+BENCHMARK(BM_FirstUse)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 // The floor: read the file whole, convert it from Shift_JIS when asked (through the same
 // table as the load), and parse the UTF-8 in place. Answers the number of elements under

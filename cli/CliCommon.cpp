@@ -86,7 +86,7 @@ QString ErrorLine(PhotoXMLReadErr error, const OpenOptions& options, const ToviD
             if (!QFileInfo(folder).isDir()) {
                 return QStringLiteral("フォルダ %1 がありません").arg(folder);
             }
-            if (!MibIsFileExist(MibNormalDir(folder) + QStringLiteral("PHOTO.XML"))) {
+            if (!MibIsFileExist(MibResolveCase(folder, QStringLiteral("PHOTO.XML")))) {
                 return QStringLiteral("フォルダ %1 に PHOTO.XML がありません").arg(folder);
             }
             return QStringLiteral(

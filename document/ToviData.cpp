@@ -13,7 +13,7 @@
 #include <QSet>
 
 ToviData::ToviData(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type)
-    : rootPath(path), hostDocument(hostDocument) {
+    : rootPath(path), pathResolver(path), hostDocument(hostDocument) {
     visualSetting.reset(OnCreateVisualSettings());
     sortCondition.reset(OnCreateSortCondition());
     labelManager = std::make_unique<ToviLabelManager>();
@@ -37,6 +37,7 @@ ToviSortCondition* ToviData::OnCreateSortCondition() {
 
 void ToviData::RootPath(const QString& path) {
     rootPath = MibNormalDir(path);
+    pathResolver.SetRoot(rootPath);
 }
 
 void ToviData::MakePath() {

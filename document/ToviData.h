@@ -6,6 +6,7 @@
 #include "document/ToviPhotoRef.h"
 #include "extraction/ToviExtractionConditions.h"
 #include "loading/ToviItemDef.h"
+#include "platform/MibPathResolver.h"
 
 #include <QString>
 #include <QStringList>
@@ -51,8 +52,10 @@ public:
     ToviData& operator=(const ToviData&) = delete;
 
     virtual const QString& RootPath() const { return rootPath; }
-    // Stores the delivery's folder, ending in a separator.
+    // Stores the delivery's folder, ending in a separator; the files are looked for anew.
     virtual void RootPath(const QString& path);
+    // Finds the photographs' files under the root as the disc spells them, kept inside it.
+    const MibPathResolver& GetPathResolver() const { return pathResolver; }
     virtual bool IsPhotoArrayEmpty() const { return curPhotos.IsEmpty(); }
 
     ToviItemDef* GetItemDef() { return &itemDef; }
@@ -237,6 +240,7 @@ private:
     bool RunExtraction(bool orMode);
 
     QString rootPath;
+    MibPathResolver pathResolver;
     ToviHostDocument* hostDocument;
     ToviPhotoArray photoData;
     ToviItemArray mngItems;

@@ -3,6 +3,7 @@
 #include "document/ToviData.h"
 #include "loading/ToviItemDef.h"
 #include "platform/MibFile.h"
+#include "platform/MibPathResolver.h"
 #include "platform/ToviCheck.h"
 
 #include <QDateTime>
@@ -12,6 +13,12 @@ namespace {
 
 const QString kPicFolder = QStringLiteral("PIC/");
 const QString kDraFolder = QStringLiteral("DRA/");
+
+// A file-name value joined to its folder; a value that could reach outside the folder
+// names no file (an empty path), so nothing outside the delivery is ever opened.
+QString InsideFolder(const QString& folder, const QString& value) {
+    return MibIsPlainFileName(value) ? folder + value : QString();
+}
 
 }  // namespace
 
@@ -71,6 +78,7 @@ void ToviPhoto::MakePath() {
 void ToviPhoto::FullPathWalk(const PathTitles& titles) {
     imagePath.clear();
     picturePaths.clear();
+    pathsResolved = true;  // the host's paths are the host's business
     for (const ToviItem& item : items) {
         const int defIndex = item.GetDefIndex();
         if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
@@ -82,16 +90,18 @@ void ToviPhoto::FullPathWalk(const PathTitles& titles) {
     }
 }
 
+// Runs for every photograph during the load: text only, the disc is asked on first use.
 void ToviPhoto::RelativeWalk(const PathTitles& titles, const QString& root) {
     imagePath.clear();
     picturePaths.clear();
+    pathsResolved = false;
     for (const ToviItem& item : items) {
         const int defIndex = item.GetDefIndex();
         if (titles.drawings.contains(defIndex) && !item.Value().isEmpty()) {
-            picturePaths.append(root + kDraFolder + item.Value());
+            picturePaths.append(InsideFolder(root + kDraFolder, item.Value()));
         }
         if (titles.photo >= 0 && defIndex == titles.photo) {
-            imagePath = root + kPicFolder + item.Value();
+            imagePath = InsideFolder(root + kPicFolder, item.Value());
         }
     }
 }
@@ -100,6 +110,7 @@ void ToviPhoto::RelativeWalk(const PathTitles& titles, const QString& root) {
 // others move under the new root. A kept path that holds the value inside a longer name
 // counts as found; that loose match is intended.
 void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
+    ResolvePaths();  // a path is kept only when its file is inside its own delivery
     if (!MibIsFileExist(imagePath)) {
         imagePath.clear();
     }
@@ -127,18 +138,48 @@ void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
                     break;
                 }
             }
-            picturePaths.append(found.isEmpty() ? root + kDraFolder + value : found);
+            picturePaths.append(
+                found.isEmpty() ? ResolvedPath(InsideFolder(root + kDraFolder, value)) : found);
         }
         if (imagePath.isEmpty() && titles.photo >= 0 && defIndex == titles.photo) {
-            imagePath = root + kPicFolder + value;
+            imagePath = ResolvedPath(InsideFolder(root + kPicFolder, value));
         }
     }
 }
 
+QString ToviPhoto::ResolvedPath(const QString& path) const {
+    if (path.isEmpty() || !document || !document->IsStandAlone()) {
+        return path;
+    }
+    const MibPathResolver& resolver = document->GetPathResolver();
+    if (path.startsWith(resolver.Root())) {
+        return resolver.Resolve(path);
+    }
+    // Built under an earlier root, a disc since changed: held to that delivery's folder,
+    // two levels above the file (root, PIC/ or DRA/, name).
+    return MibPathResolver(MibParentDir(MibParentDir(path))).Resolve(path);
+}
+
+void ToviPhoto::ResolvePaths() {
+    if (pathsResolved) {
+        return;
+    }
+    pathsResolved = true;
+    imagePath = ResolvedPath(imagePath);
+    for (QString& path : picturePaths) {
+        path = ResolvedPath(path);
+    }
+}
+
+QString ToviPhoto::ImageFile() const {
+    return pathsResolved ? imagePath : ResolvedPath(imagePath);
+}
+
 const QString& ToviPhoto::GetImagePath() {
-    if (imagePath.isEmpty()) {
+    if (imagePath.isEmpty() && !pathsResolved) {
         MakePath();
     }
+    ResolvePaths();
     return imagePath;
 }
 
@@ -163,9 +204,7 @@ void ToviPhoto::UpdateImagePath() {
 
 void ToviPhoto::GetPicturePath(QStringList& out, int index) {
     out.clear();
-    if (imagePath.isEmpty()) {
-        MakePath();
-    }
+    GetImagePath();
     if (!picturePaths.isEmpty() && index >= 0) {
         ToviCheckIndex(index, picturePaths.size(), "ToviPhoto::GetPicturePath");
         out.append(picturePaths[index]);
@@ -178,6 +217,7 @@ void ToviPhoto::GetOutputFilename(QStringList& names) {
     }
     // Always the stand-alone titles: the question is which file names are missing.
     const PathTitles titles = TitlesForPaths(true);
+    ResolvePaths();
     QStringList collected;
     for (const QString& path : picturePaths) {
         if (MibIsFileExist(path)) {
@@ -290,7 +330,7 @@ void ToviPhoto::ReleaseImage() {
 
 QString ToviPhoto::GetFileRenewalDate() {
     const QFileInfo info(GetImagePath());
-    if (!info.exists()) {
+    if (!info.isFile()) {
         return QString();
     }
     const QDate date = info.lastModified().toLocalTime().date();

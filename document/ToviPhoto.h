@@ -44,7 +44,9 @@ public:
 
     virtual void Select(bool on) { selected = on; }
     virtual bool IsSelected() const { return selected; }
-    // The image path, built first when it is still empty.
+    // The image path, built first when it is still empty. In a delivery opened from its
+    // folder the first call looks the files up on the disc (see MibPathResolver): from then
+    // on the paths are the files' own spelling, or empty for a file that would lie outside.
     virtual const QString& GetImagePath();
     virtual void GetImagePath(QString& path);
     // Rebuilds the paths after a media change, keeping files already found.
@@ -71,7 +73,10 @@ public:
     virtual bool LoadImage();
 
     void MakePath();
-    void ClearImagePath() { imagePath.clear(); }
+    void ClearImagePath() {
+        imagePath.clear();
+        pathsResolved = false;
+    }
     const QStringList& PicturePaths() const { return picturePaths; }
     // Appends the file names the user still has to bring (image or drawings not found).
     void GetOutputFilename(QStringList& names);
@@ -139,11 +144,17 @@ private:
     void FullPathWalk(const PathTitles& titles);
     void RelativeWalk(const PathTitles& titles, const QString& root);
     void UpdateWalk(const PathTitles& titles, const QString& root);
+    // Looks the built paths up on the disc, once after each walk; the load never does.
+    void ResolvePaths();
+    QString ResolvedPath(const QString& path) const;
+    // The image path as ResolvePaths makes it, for readers that may not store it.
+    QString ImageFile() const;
 
     QString imagePath;
     QStringList picturePaths;
     ToviNotCopied<bool, ToviCopyPolicy::Keep> fileExists;
     bool rebuilding = false;
+    bool pathsResolved = false;
     ToviItemArray items;
     int exifState = -1;
     ToviNotCopied<ToviExifInfo, ToviCopyPolicy::Keep> exif;

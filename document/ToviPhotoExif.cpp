@@ -136,8 +136,8 @@ const ToviExifInfo& ToviPhoto::GetExif() {
 
 void ToviPhoto::GetExifInfoFromTitle(const QString& title, QString& value) const {
     value.clear();
-    // The stored path as it stands, and no loading: the caller has called LoadExif.
-    if (!StillExists(imagePath)) {
+    // No loading: the caller has called LoadExif.
+    if (!StillExists(ImageFile())) {
         return;
     }
     const QHash<QString, Place>& titles = ExifTitles();
@@ -157,23 +157,24 @@ void ToviPhoto::GetExifInfoFromTitle(const QString& title, QString& value) const
 
 void ToviPhoto::GetFileInfoFromTitle(const QString& title, QString& value) const {
     value.clear();
-    if (imagePath.isEmpty()) {
+    const QString file = ImageFile();
+    if (file.isEmpty()) {
         return;
     }
-    const QFileInfo info(imagePath);
+    const QFileInfo info(file);
     if (!info.isFile()) {
         return;
     }
     if (title == QStringLiteral("幅×高さ")) {
         int width = 0;
         int height = 0;
-        if (LumImage::GetCommentImageSize(imagePath, width, height)) {
+        if (LumImage::GetCommentImageSize(file, width, height)) {
             value = QStringLiteral("%1×%2").arg(width).arg(height);
         }
     } else if (title == QStringLiteral("総画素数")) {
         int width = 0;
         int height = 0;
-        if (LumImage::GetCommentImageSize(imagePath, width, height)) {
+        if (LumImage::GetCommentImageSize(file, width, height)) {
             value = PixelCount(static_cast<qint64>(width) * height);
         }
     } else if (title == QStringLiteral("作成日時")) {

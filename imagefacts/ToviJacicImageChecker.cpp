@@ -50,7 +50,8 @@ void ToviJacicImageChecker::Terminate() {
 }
 
 ToviCheckProcessor::CheckStatus ToviJacicImageChecker::Check(const QString& path) {
-    if (path.isEmpty() || !Initiate()) {
+    // The library opens the file itself: a FIFO or device must not reach it.
+    if (!MibIsFileExist(path) || !Initiate()) {
         return StatusError;
     }
     if (MibGetExt(path).compare(QStringLiteral("svg"), Qt::CaseInsensitive) == 0) {

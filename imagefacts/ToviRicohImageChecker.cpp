@@ -1,6 +1,7 @@
 #include "imagefacts/ToviRicohImageChecker.h"
 
 #include "platform/LumImage.h"
+#include "platform/MibFile.h"
 
 #include <QFile>
 
@@ -72,8 +73,8 @@ ToviCheckProcessor::CheckStatus ToviRicohImageChecker::Check(const QString& path
         return StatusError;
     }
     // Other readers keep their access: the file is only read.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
         return StatusError;
     }
     const qint64 size = file.size();

@@ -53,7 +53,7 @@ std::unique_ptr<ToviData> ToviEnouDataFactory::OnNewDocumentInstance(
 
 bool ToviEnouDataFactory::OnLoad(ToviLoadCallback callback, void* arg) {
     loadError.clear();
-    const QString xmlPath = MibNormalDir(SrcPath()) + QStringLiteral("PHOTO.XML");
+    const QString xmlPath = MibResolveCase(SrcPath(), QStringLiteral("PHOTO.XML"));
     ToviData* document = GetDocument();
     if (!document) {
         loadError = QStringLiteral("文書が作られていません");

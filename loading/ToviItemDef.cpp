@@ -121,9 +121,9 @@ PhotoXMLReadErr ToviItemDef::ReadPhotoDef(const QString& dataPath) {
 }
 
 QString ToviItemDef::GetRootTagNamePhoto(const QString& dataPath) {
-    const QString xmlPath = MibNormalDir(dataPath) + QStringLiteral("PHOTO.XML");
-    QFile file(xmlPath);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const QString xmlPath = MibResolveCase(dataPath, QStringLiteral("PHOTO.XML"));
+    QFile file;
+    if (!MibOpenRegularFile(file, xmlPath)) {
         return QString();
     }
     // The DOCTYPE line is plain ASCII in every encoding a delivery uses, so the bytes are

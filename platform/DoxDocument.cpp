@@ -66,6 +66,24 @@ QByteArray IconvName(const QByteArray& declared) {
     return declared;
 }
 
+// A piece of the file quoted in an error line: a hostile declaration can run for kilobytes
+// and carry terminal control codes, so it is cut to a readable length and controls are
+// shown as '?'.
+QString Quoted(const QByteArray& input) {
+    constexpr qsizetype kMaxChars = 40;
+    QString text = QString::fromLatin1(input.left(kMaxChars));
+    for (QChar& c : text) {
+        if (c.unicode() < 0x20 || (c.unicode() >= 0x7F && c.unicode() < 0xA0)) {
+            c = QLatin1Char('?');
+        }
+    }
+    if (input.size() > kMaxChars) {
+        text.truncate(kMaxChars - 1);
+        text += QChar(0x2026);
+    }
+    return text;
+}
+
 bool Fail(QStringList* errors, const QString& why) {
     if (errors) {
         errors->append(why);
@@ -300,8 +318,8 @@ bool DoxDocument::IsLoaded() const {
 }
 
 bool DoxDocument::Load(const QString& path, bool, QStringList* errors) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
         return Fail(errors, QStringLiteral("%1 を開けません").arg(path));
     }
     const QByteArray head = file.peek(kHeadSize);
@@ -363,8 +381,8 @@ bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
             // A byte that isn't CP932 spoils its value only: it reads as U+FFFD.
             invalidSequences = Cp932::DecodeToUtf8(bytes.constData(), bytes.size(), utf8);
         } else if (!Cp932::ToUtf8(bytes, iconvName.constData(), utf8)) {
-            return Fail(errors, QStringLiteral("文字コード %1 として読めません")
-                                    .arg(QString::fromLatin1(declared)));
+            return Fail(errors,
+                        QStringLiteral("文字コード %1 として読めません").arg(Quoted(declared)));
         }
     }
     return Parse(std::move(utf8), errors);
@@ -372,8 +390,7 @@ bool DoxDocument::LoadFromBytes(const QByteArray& bytes, QStringList* errors) {
 
 bool DoxDocument::LoadStreamed(const QString& path, QStringList* errors) {
     auto next = std::make_unique<Stream>();
-    next->file.setFileName(path);
-    if (!next->file.open(QIODevice::ReadOnly)) {
+    if (!MibOpenRegularFile(next->file, path)) {
         return Fail(errors, QStringLiteral("%1 を開けません").arg(path));
     }
     const QByteArray head = next->file.peek(kHeadSize);

@@ -585,8 +585,8 @@ bool LumImage::GetCommentImageSize(const QString& path, int& width, int& height)
 }
 
 bool LumImage::GetMainImageFromSvg(const QString& svgPath, const QString& outPath) {
-    QFile file(svgPath);
-    if (outPath.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (outPath.isEmpty() || !MibOpenRegularFile(file, svgPath)) {
         return false;
     }
     QXmlStreamReader xml(&file);

@@ -1,5 +1,6 @@
 #include "platform/LumImage.h"
 #include "platform/LumExiv2Setup.h"
+#include "platform/MibFile.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -271,8 +272,8 @@ bool IsWellFormedSvg(const QByteArray& data) {
 
 // longSide 0 renders at the drawing's own size.
 QImage RenderSvg(const QString& path, int longSide) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
         return QImage();
     }
     const QByteArray data = file.readAll();
@@ -351,8 +352,8 @@ bool LumImage::Load(const QString& path) {
     if (IsSvgPath(path)) {
         return Assign(RenderSvg(path, 0));
     }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
         return false;
     }
     if (!IsJpegSignature(file.peek(3))) {
@@ -372,8 +373,8 @@ bool LumImage::LoadThumb(const QString& path) {
     if (IsSvgPath(path)) {
         return Assign(RenderSvg(path, ThumbTileSize));
     }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
         return false;
     }
     QByteArray data = file.read(kHeadBytes);

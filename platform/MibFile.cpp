@@ -1,11 +1,17 @@
 #include "platform/MibFile.h"
 
+#include "platform/MibPathResolver.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QThread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 QString MibNormalDir(const QString& path) {
     if (path.isEmpty() || path.endsWith(QLatin1Char('/'))) {
@@ -34,6 +40,50 @@ bool MibIsFileExist(const QString& path) {
     return info.exists() && info.isFile();
 }
 
+bool MibOpenRegularFile(QFile& file, const QString& path) {
+    if (file.isOpen()) {
+        file.close();
+    }
+    if (!MibIsFileExist(path)) {
+        return false;
+    }
+    // Opened without waiting, and asked again through the handle: a file swapped for a FIFO
+    // between the look and the open is still turned away, not waited on.
+    const QByteArray local = QFile::encodeName(path);
+    const int fd = ::open(local.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) {
+        return false;
+    }
+    struct stat st {};
+    const int flags = ::fcntl(fd, F_GETFL);
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || flags < 0 ||
+        ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) != 0 ||
+        !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        return false;
+    }
+    return true;
+}
+
+bool MibIsPlainFileName(const QString& value) {
+    if (value.isEmpty() || value == QLatin1String(".") || value.contains(QLatin1Char('/')) ||
+        value.contains(QLatin1Char('\\')) || value.contains(QLatin1String("..")) ||
+        value.contains(QChar(0))) {
+        return false;
+    }
+    const bool drive = value.size() >= 2 && value[1] == QLatin1Char(':') && value[0].isLetter();
+    return !drive;
+}
+
+QString MibResolveCase(const QString& folder, const QString& name) {
+    const QString dir = MibNormalDir(folder);
+    if (name.isEmpty() || QFileInfo::exists(dir + name)) {
+        return dir + name;
+    }
+    const QString found = MibListFoldedNames(dir).value(name.toCaseFolded());
+    return dir + (found.isEmpty() ? name : found);
+}
+
 bool MibIsFolderExist(const QString& path) {
     return !path.isEmpty() && QFileInfo(path).isDir();
 }
@@ -50,11 +100,11 @@ bool MibRemoveDirectory(const QString& path) {
 }
 
 bool MibCopyFileEx(const QString& from, const QString& to, bool overwrite) {
-    if (!MibIsFileExist(from) || (!overwrite && QFileInfo::exists(to))) {
+    if (!overwrite && QFileInfo::exists(to)) {
         return false;
     }
-    QFile source(from);
-    if (!source.open(QIODevice::ReadOnly)) {
+    QFile source;
+    if (!MibOpenRegularFile(source, from)) {
         return false;
     }
     QSaveFile target(to);

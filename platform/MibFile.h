@@ -3,13 +3,26 @@
 #include <QString>
 #include <QStringList>
 
+class QFile;
+
 // File and folder helpers. Paths use '/'; a folder path made by MibNormalDir ends in '/'.
 
 // The path with a trailing separator added when it has none (an empty path stays empty).
 QString MibNormalDir(const QString& path);
 // The folder above path, ending in a separator ("/a/b/c" and "/a/b/c/" both give "/a/b/").
 QString MibParentDir(const QString& path);
+// True when path names a regular file (through symbolic links); false for a folder, a FIFO,
+// a device or a socket, which no reader may open.
 bool MibIsFileExist(const QString& path);
+// Opens path for reading when it is a regular file. Anything else is refused before it is
+// opened, so that a FIFO or a device dressed up as a delivery file neither blocks nor is read.
+bool MibOpenRegularFile(QFile& file, const QString& path);
+// True when value is a bare file name that can only name a file inside the folder it is
+// joined to: not empty, no separator of either kind, no "..", no drive letter ("C:").
+bool MibIsPlainFileName(const QString& value);
+// The path of name in folder as the disc spells it: name itself when it is there, else an
+// entry whose name differs only in case (media written on Windows), else folder + name.
+QString MibResolveCase(const QString& folder, const QString& name);
 bool MibIsFolderExist(const QString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
 bool MibCreateDirectory(const QString& path);

@@ -108,6 +108,39 @@ private slots:
         QCOMPARE(photo.PicturePaths(), Expand(List(drawings), moved));
     }
 
+    // A value that could reach outside PIC/ or DRA/ names no file, even when the file it
+    // points at exists; a plain name beside it is still found.
+    void valueOutsideFolderNamesNoFile_data() {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("exists");
+        QTest::newRow("plain name") << "P.JPG" << true;
+        QTest::newRow("parent") << "../../outside.jpg" << false;
+        QTest::newRow("parent, backslash") << "..\\..\\outside.jpg" << false;
+        QTest::newRow("sub-folder") << "sub/P.JPG" << false;
+        QTest::newRow("absolute") << "{outside}" << false;
+        QTest::newRow("drive letter") << "C:P.JPG" << false;
+    }
+    void valueOutsideFolderNamesNoFile() {
+        QFETCH(QString, value);
+        QFETCH(bool, exists);
+        const QString folder = NewFolder("confine");
+        const QString root = folder + QLatin1Char('/');
+        const QString outside = temp.filePath(QStringLiteral("outside.jpg"));
+        QVERIFY(fixture::WriteJpeg(outside));
+        CreateFiles(root,
+                    "PIC/P.JPG;DRA/P.JPG;PIC/sub/P.JPG;DRA/sub/P.JPG;PIC/C:P.JPG;DRA/C:P.JPG");
+        value.replace(QStringLiteral("{outside}"), outside);
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        ToviPhoto photo(doc.get(),
+                        MakeItems(*doc->GetItemDef(), {QStringLiteral("写真ファイル名=") + value,
+                                                       QStringLiteral("参考図1=") + value}));
+        photo.UpdateImagePath();
+        QCOMPARE(photo.IsExistFile(), exists);
+        QCOMPARE(photo.GetImagePath().isEmpty(), !exists);
+        QCOMPARE(photo.PicturePaths().size(), 1);
+        QCOMPARE(photo.PicturePaths().first().isEmpty(), !exists);
+    }
+
     // After a change of media, a file found under the old root keeps its path; one not found
     // moves under the new root. {old} and {root} stand for the two roots.
     void updateWalkAfterRootChange_data() {

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -220,6 +221,9 @@ private slots:
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
         QTest::newRow("undecodable encoding")
             << head + good + "</photodata>" << QByteArray("X-NO-SUCH-CODE") << -1;
+        QTest::newRow("kilobytes of encoding name with terminal codes")
+            << head + good + "</photodata>"
+            << "\x1b]0;owned\x07" + QByteArray(4000, 'X') << -1;
         QTest::newRow("no photographs") << head + good + "</photodata>" << QByteArray("Shift_JIS")
                                         << static_cast<int>(ReadErrNoPhotos);
         QTest::newRow("no element the list names")
@@ -270,7 +274,15 @@ private slots:
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
         if (outcome < 0) {
             QVERIFY(!document);
-            QVERIFY(!factory.GetLoadError().isEmpty());
+            // One readable line: what it quotes of the file is cut short and has no controls.
+            const QString error = factory.GetLoadError();
+            QVERIFY(!error.isEmpty());
+            QVERIFY2(error.size() < 120, qPrintable(error));
+            QVERIFY(std::none_of(error.cbegin(), error.cend(),
+                                 [](QChar c) { return c.unicode() < 0x20; }));
+            if (encoding.startsWith("X-")) {
+                QVERIFY2(error.contains(QString::fromLatin1(encoding)), qPrintable(error));
+            }
             // The two bounds say which one stopped the load.
             const QByteArray tag = QTest::currentDataTag();
             QVERIFY(tag != "over 1 GB" ||

@@ -2,6 +2,7 @@
 #include "loading/ToviItemDef.h"
 #include "platform/MibFile.h"
 #include "platform/ToviProfile.h"
+#include "tests/support/FifoTrap.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -91,6 +92,32 @@ private slots:
                                                           QStringLiteral("Type"),
                                                           QStringLiteral("_未定義_")),
                  section);
+    }
+
+    // A FIFO named PHOTO.XML (or photo.xml) or READITEM.XML would block the first open for
+    // ever: it is refused unopened.
+    void fifoIsRefusedUnopened_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("result");
+        QTest::newRow("PHOTO.XML") << QStringLiteral("PHOTO.XML") << int(ReadErrUnknownPhotoXml);
+        QTest::newRow("lower case") << QStringLiteral("photo.xml") << int(ReadErrUnknownPhotoXml);
+        QTest::newRow("READITEM.XML") << QStringLiteral("READITEM.XML") << int(ReadErrNoItemFile);
+    }
+    void fifoIsRefusedUnopened() {
+        QFETCH(QString, name);
+        QFETCH(int, result);
+        const QString folder = temp.filePath(QStringLiteral("fifo-") + name);
+        QVERIFY(QDir().mkpath(folder));
+        const bool definitions = result == ReadErrNoItemFile;
+        if (definitions) {
+            WriteDoctype(folder, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
+            ToviItemDef::SetProgramPathOverride(folder);
+        }
+        const FifoTrap fifo(folder + QLatin1Char('/') + name);
+        QVERIFY(fifo.IsValid());
+        ToviItemDef def;
+        QCOMPARE(int(def.Load(folder, PhotoXMLMlit)), result);
+        QVERIFY(!fifo.Opened());
     }
 
     // The second opening of the same kind corresponds; a first run or another kind doesn't.

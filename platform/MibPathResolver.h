@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+// Finds the files a delivery names under its folder as they lie on the disc, and keeps them
+// inside it. A path that is not there as written is looked up again without regard to case
+// (media written on Windows), one listing per folder, kept until the root changes. A path
+// whose real place, symbolic links followed, is not inside the sub-folder of the root it
+// names (PIC/, DRA/) names no file. Nothing is asked of the file system before the first
+// Resolve.
+class MibPathResolver {
+public:
+    MibPathResolver() = default;
+    explicit MibPathResolver(const QString& root) { SetRoot(root); }
+
+    // The delivery's folder; forgets every listing.
+    void SetRoot(const QString& root);
+    const QString& Root() const { return root; }
+    // Forgets every listing (the disc may have changed).
+    void Clear();
+
+    // For root + "PIC/name" and the like: the path on the disc when the file is found inside
+    // its sub-folder; the path as given when nothing matches (a missing file); empty when the
+    // path leads outside, or does not lie under the root at all.
+    QString Resolve(const QString& path) const;
+
+private:
+    const QString& CanonicalRoot() const;
+    // The real place of a sub-folder of the root, ending in '/'; empty when it is missing or
+    // lies outside the root.
+    const QString& AreaOf(const QString& folder) const;
+
+    QString root;  // ends in '/'
+    mutable QString canonicalRoot;
+    mutable bool rootKnown = false;
+    mutable QHash<QString, QString> areas;
+    mutable QHash<QString, QHash<QString, QString>> listings;  // folder as resolved: names
+};
+
+// Every entry of folder by its case-folded name; of names that fold alike, the first in code
+// order, so that the choice does not depend on the order the file system lists them in.
+QHash<QString, QString> MibListFoldedNames(const QString& folder);
