@@ -5,7 +5,8 @@
 # Usage: scripts/sanitize.sh [seconds-per-target]   (default 30)
 # JOBS sets the build and test parallelism (default 2). A finding fails the script; the input
 # that caused it is kept in build-asan/fuzz-findings/. Nothing is written outside build-asan/:
-# the tests' and targets' temporary files go to build-asan/tmp/, which is emptied at the end.
+# the tests' temporary files go to build-asan/tmp/ and the targets' to build-asan/fuzz/work/,
+# both removed at the end.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 build=${ASAN_BUILD_DIR:-$here/build-asan}
@@ -24,7 +25,8 @@ echo "sanitize: build took $((SECONDS - start)) s"
 work="$build/tmp"
 rm -rf "$work"
 mkdir -p "$work"
-trap 'rm -rf "$work"' EXIT
+# A target stopped by a finding leaves its work folder in fuzz/work/; it goes too.
+trap 'rm -rf "$work" "$build/fuzz/work"' EXIT
 export TMPDIR="$work"
 export QT_QPA_PLATFORM=offscreen
 # Leaks stay on: the tests and targets run clean without suppressions.
