@@ -5,8 +5,10 @@
 #include <QList>
 #include <QString>
 
-// The delivery family the host names when it opens a delivery.
-enum PhotoXMLType {
+// The delivery family the host names when it opens a delivery. The underlying type is fixed
+// so that a number from outside (a profile, a caller's int) outside 0..3 is still a value
+// the reader can refuse, not undefined behaviour.
+enum PhotoXMLType : int {
     PhotoXMLMlit = 0,   // 国交省
     PhotoXMLKowan = 1,  // KOWAN: the 国交省 tables, stylesheets of its own
     PhotoXMLMaff = 2,   // 農水省

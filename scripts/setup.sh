@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the build needs from Debian's packages (quick when all is present),
-# then configures and builds. Usage: scripts/setup.sh [build-dir]
+# then configures and builds. Usage: scripts/setup.sh [build-dir | --packages-only]
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$here/build}
@@ -11,6 +11,7 @@ packages=(
     qt6-image-formats-plugins qt6-qpa-plugins
     libpugixml-dev libexiv2-dev
     libbenchmark-dev time
+    clang libclang-rt-14-dev # scripts/sanitize.sh: clang and its sanitizer and libFuzzer runtimes
     fontconfig fonts-ipafont-gothic
 )
 
@@ -26,6 +27,8 @@ if [ ${#missing[@]} -gt 0 ]; then
     $sudo apt-get update -qq
     $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
+
+[ "$build" = "--packages-only" ] && exit 0
 
 werror=OFF
 [ "${CI:-}" = "true" ] && werror=ON

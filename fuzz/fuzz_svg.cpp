@@ -1,0 +1,15 @@
+// SVG bytes in: the embedded main photograph is found and written out as a JPEG file.
+#include "FuzzSupport.h"
+
+#include "platform/LumImage.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const QString in = fuzz::WorkPath(QStringLiteral("drawing.svg"));
+    static const QString out = fuzz::WorkPath(QStringLiteral("main.jpg"));
+    if (!fuzz::WriteInput(in, data, size)) {
+        return 0;
+    }
+    LumImage::GetMainImageFromSvg(in, out);
+    QFile::remove(out);
+    return 0;
+}
