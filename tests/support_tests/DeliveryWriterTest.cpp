@@ -53,6 +53,7 @@ private slots:
             const WrittenPhoto& expected = written.photos[i];
             const QString path = document->GetPhotoActualPhotoArray(i)->GetImagePath();
             QCOMPARE(QFileInfo(path).fileName(), expected.fileName);
+            QVERIFY2(QFileInfo::exists(path), qPrintable(path));
             auto image = Exiv2::ImageFactory::open(path.toStdString());
             image->readMetadata();
             const auto date =
