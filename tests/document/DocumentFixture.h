@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QString>
 #include <QStringList>
 
@@ -26,14 +25,6 @@ inline bool WriteFile(const QString& path, const QByteArray& bytes) {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-// Big enough that a thumbnail decode comes out smaller than the full picture.
-inline bool WriteJpeg(const QString& path, int width = 1200) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QImage image(width, width * 3 / 4, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
-    return image.save(path, "JPG");
 }
 
 // One section of READITEM.XML from "title:表示;...".

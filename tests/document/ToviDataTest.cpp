@@ -23,8 +23,8 @@ private:
         const QString folder = temp.filePath(QStringLiteral("data-%1").arg(++serial));
         auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
         for (const QString& items : photos) {
-            doc->GetPhotoDataArray()->append(
-                std::make_unique<ToviPhoto>(doc.get(), MakeItems(*doc->GetItemDef(), fixture::List(items))));
+            doc->GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(
+                doc.get(), MakeItems(*doc->GetItemDef(), fixture::List(items))));
         }
         return doc;
     }
@@ -100,22 +100,6 @@ private slots:
         QStringList values = before;
         QTEST(doc->GetPhotoItemValue(title, values), "metEmpty");
         QTEST(values, "after");
-    }
-
-    // GetData matches image paths regardless of case; AllReleaseImage empties every slot.
-    void actualArrayLookUpAndRelease() {
-        auto doc = Document({"写真ファイル名=A.JPG", "写真ファイル名=B.JPG"});
-        ToviPhotoArray& actual = *doc->GetPhotoDataArray();
-        const QString root = doc->RootPath() + QLatin1Char('/');
-        QCOMPARE(actual.GetData(root + QStringLiteral("PIC/b.jpg")), actual[1]);
-        QCOMPARE(actual.GetData(QStringLiteral("B.JPG")), nullptr);
-        actual[1]->ClearImagePath();
-        QCOMPARE(actual.GetData(root + QStringLiteral("pic/B.JPG")), actual[1]);
-
-        QVERIFY(fixture::WriteJpeg(root + QStringLiteral("PIC/A.JPG"), 320));
-        QVERIFY(actual[0]->LoadImage());
-        actual.AllReleaseImage();
-        QVERIFY(!actual[0]->IsImageLoaded() && !actual[0]->GetImage().IsValid());
     }
 };
 
