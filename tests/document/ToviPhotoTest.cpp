@@ -155,6 +155,41 @@ private slots:
         QCOMPARE(photo.PicturePaths(), Expand(List(drawings), newRoot, oldRoot));
         QTEST(photo.IsExistFile(), "exists");
     }
+
+    // The names the user still has to bring, always by file name. Once any drawing of the
+    // photograph exists, none of its drawing names is reported.
+    void outputFilename_data() {
+        QTest::addColumn<bool>("standAlone");
+        QTest::addColumn<QString>("items");
+        QTest::addColumn<QString>("files");
+        QTest::addColumn<QString>("expected");
+        const QString mixed =
+            "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=;参考図ファイル名=D4.JPG";
+        const QString full =
+            "写真ファイル名=P1.JPG;写真ファイルパス={root}PIC/P1.JPG;参考図1=D1.JPG;"
+            "参考図ファイルパス1={root}DRA/D1.JPG";
+        // clang-format off
+        QTest::newRow("nothing exists") << true << mixed << "" << "P1.JPG;D1.JPG;D4.JPG";
+        QTest::newRow("one drawing hides the others") << true << mixed << "DRA/D1.JPG" << "P1.JPG";
+        QTest::newRow("empty photograph value")
+            << true << "写真ファイル名=;参考図1=D1.JPG" << "" << "D1.JPG";
+        // clang-format on
+    }
+    void outputFilename() {
+        QFETCH(bool, standAlone);
+        QFETCH(QString, items);
+        QFETCH(QString, files);
+        QFETCH(QString, expected);
+        const QString folder = NewFolder("output");
+        const QString root = folder + QLatin1Char('/');
+        CreateFiles(root, files);
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        doc->SetStandAlone(standAlone);
+        ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), Expand(List(items), root)));
+        QStringList names{"kept"};
+        photo.GetOutputFilename(names);
+        QCOMPARE(names, QStringList{"kept"} + List(expected));
+    }
 };
 
 QTEST_GUILESS_MAIN(ToviPhotoTest)

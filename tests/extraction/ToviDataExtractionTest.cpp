@@ -4,6 +4,7 @@
 #include "platform/ToviProfile.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/document/ReviewFixture.h"
+#include "tests/support/DeliveryWriter.h"
 #include "tests/support/ExifJpegWriter.h"
 #include "tests/support/ScriptedUi.h"
 
@@ -187,6 +188,42 @@ private slots:
         QVERIFY(source.told.isEmpty());
         // Filtering only: the photographs themselves are as they were.
         QCOMPARE(review::AllLabels(*doc), kLabels);
+    }
+
+    // The 代表写真 condition on a delivery that doesn't define that item never decides: AND
+    // lets the photographs through to the NG test, OR finds nothing with it.
+    void keyPhotoWithoutDefinition_data() {
+        QTest::addColumn<QString>("conditions");
+        QTest::newRow("AND") << "key;ng";
+        QTest::newRow("OR") << "key;ng;or";
+    }
+    void keyPhotoWithoutDefinition() {
+        QFETCH(QString, conditions);
+        const QString root = temp.filePath(QStringLiteral("mlit11"));
+        if (!QFile::exists(root)) {
+            DeliveryOptions options;
+            options.generation = Generation::Mlit11;
+            options.photoCount = 8;
+            options.images = DeliveryOptions::Images::None;
+            WrittenDelivery written;
+            QString error;
+            QVERIFY2(WriteDelivery(root, options, &written, &error), qPrintable(error));
+        }
+        std::unique_ptr<ToviData> doc =
+            review::Open(&host, root + QStringLiteral("/INDEX_C/PHOTO"));
+        QVERIFY(doc);
+        QVERIFY(doc->GetItemDef()->GetIndexFromTitle(QStringLiteral("代表写真")) < 0);
+        doc->GetPhotoActualPhotoArray(1)->PasteLabel(2);
+        doc->GetPhotoActualPhotoArray(5)->PasteLabel(3);
+        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        const QList<int> before = doc->CurrentArray().Indexes();
+        QCOMPARE(before.size(), 8);
+
+        ToviExtractionHolder holder;
+        holder.conditions = Conditions(conditions);
+        doc->SetExtractionData(&holder);
+        doc->ExecExtraction();
+        QCOMPARE(doc->CurrentArray().Indexes(), InOrder(before, {1, 5}));
     }
 
     // Cancel in the progress window at the first photograph: the node's whole content stays

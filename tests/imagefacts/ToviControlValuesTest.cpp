@@ -112,6 +112,21 @@ private slots:
         QCOMPARE(values.IsValid(), valid);
     }
 
+    // Parts are cut at every separator; a trailing empty part is dropped, no other.
+    void split_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("parts");
+        QTest::newRow("empty in the middle") << "a、、b" << QStringList{"a", "", "b"};
+        QTest::newRow("empty first") << "、a" << QStringList{"", "a"};
+        QTest::newRow("only the last empty is dropped") << "a、、" << QStringList{"a", ""};
+    }
+    void split() {
+        QFETCH(QString, text);
+        QStringList out{QStringLiteral("stale")};
+        ToviControlValueParser::Split(text, QStringLiteral("、"), out);
+        QTEST(out, "parts");
+    }
+
     // The photograph reads its own 施工管理値 item; an absent item reads as an empty text.
     void photoArray_data() {
         QTest::addColumn<QString>("dtd");

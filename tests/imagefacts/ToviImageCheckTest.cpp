@@ -59,6 +59,8 @@ private slots:
 
     void codes_data();
     void codes();
+    void makerTarget_data();
+    void makerTarget();
     void chainOrder_data();
     void chainOrder();
     void badLibraries_data();
@@ -214,6 +216,27 @@ void ToviImageCheckTest::codes() {
     }
 }
 
+// The maker's cameras by the Exif model, blanks of both widths around it trimmed.
+void ToviImageCheckTest::makerTarget_data() {
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<bool>("exif");
+    QTest::addColumn<bool>("target");
+    QTest::newRow("G700 SE") << QStringLiteral("G700 SE") << true << true;
+    QTest::newRow("blanks around") << QStringLiteral("\u3000 G800 \u3000") << true << true;
+    QTest::newRow("full-width inner blank") << QStringLiteral("G700\u3000SE") << true << false;
+    QTest::newRow("longer name") << QStringLiteral("G800 SE II") << true << false;
+    QTest::newRow("no Exif") << QStringLiteral("G800") << false << false;
+}
+
+void ToviImageCheckTest::makerTarget() {
+    QFETCH(QString, model);
+    QFETCH(bool, exif);
+    QFETCH(bool, target);
+    ToviRicohImageChecker checker;
+    QCOMPARE(checker.IsTarget(Jpeg(QStringLiteral("model.jpg"), model, QByteArray(), exif)),
+             target);
+}
+
 void ToviImageCheckTest::chainOrder_data() {
     QTest::addColumn<QString>("types");
     QTest::addColumn<QString>("model");
@@ -367,6 +390,10 @@ void ToviImageCheckTest::documentResults() {
     CallLines();
     QCOMPARE(checkAll(), QList<int>({0, 0, 0, 0}));
     QVERIFY(Calls().isEmpty());
+    // With the check off on both sides other types count for nothing.
+    document.GetPhotoActualPhotoArray(0)->SetEditChkResult(ToviPhoto::EditCheckAltered);
+    set(false, QStringLiteral("2,0"));
+    QCOMPARE(results(), QList<int>({2, 0, 0, 0}));
 
     // Type 1 chosen, its library gone: an empty chain and the result 3, nothing asked.
     UseProgramFolder(Lib::Full, Lib::Missing);

@@ -37,6 +37,12 @@ Pairs Filled(const Pairs& written) {
     return pairs;
 }
 
+// Records each progress text; its answer asks the load to stop, which a load ignores.
+bool RecordProgress(const ToviDataFactory*, const ToviData*, const QString& text, void* arg) {
+    static_cast<QStringList*>(arg)->append(text);
+    return false;
+}
+
 void WritePhotoXml(const QString& folder, const QByteArray& utf8Body,
                    const char* encoding = "Shift_JIS") {
     QDir().mkpath(folder);
@@ -120,6 +126,32 @@ private slots:
         const int serial = def->GetIndexFromTitle(QStringLiteral("シリアル番号"));
         QVERIFY(serial >= 0);
         QCOMPARE(document->GetPhotoActualPhotoArray(0)->GetTitle(serial), QStringLiteral("1"));
+    }
+
+    // Progress comes every 50 photographs, never at the end, and its answer can't stop a load.
+    void progressEveryFiftyPhotographs_data() {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QStringList>("reports");
+        QTest::newRow("49") << 49 << QStringList{};
+        QTest::newRow("120") << 120
+                             << QStringList{"写真データの読み込み　50枚完了",
+                                            "写真データの読み込み　100枚完了"};
+    }
+    void progressEveryFiftyPhotographs() {
+        QFETCH(int, count);
+        DeliveryOptions options;
+        options.photoCount = count;
+        options.images = DeliveryOptions::Images::None;
+        WrittenDelivery written;
+        QVERIFY(WriteDelivery(temp.filePath(QStringLiteral("progress-%1").arg(count)), options,
+                              &written, nullptr));
+        QStringList texts;
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document(
+            factory.Create(nullptr, written.photoFolder, PhotoXMLMlit, RecordProgress, &texts));
+        QVERIFY(document);
+        QCOMPARE(document->GetTotalCountPhoto(), count);
+        QTEST(texts, "reports");
     }
 
     // Broken or hostile PHOTO.XML: each gives a null document or an error type, never a

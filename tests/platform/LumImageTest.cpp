@@ -211,6 +211,21 @@ private slots:
         QVERIFY(image.Load(path));
         QCOMPARE(image.Image().size(), QSize(800, 600));
     }
+    // A one-bit drawing becomes grey levels, pixel for pixel; anything else is left alone.
+    void monoBecomesGrey() {
+        QImage mono(40, 20, QImage::Format_Mono);
+        mono.fill(1);
+        mono.setPixel(0, 5, 0);
+        const QString path = dir->filePath(QStringLiteral("LINE.TIF"));
+        QVERIFY(mono.save(path, "TIFF"));
+        LumImage image;
+        QVERIFY(image.Load(path));
+        QVERIFY(image.ConvGrayScaleFromMono());
+        QCOMPARE(image.Image().format(), QImage::Format_Grayscale8);
+        QCOMPARE(qGray(image.Image().pixel(0, 5)), qGray(mono.pixel(0, 5)));
+        QCOMPARE(qGray(image.Image().pixel(1, 5)), qGray(mono.pixel(1, 5)));
+        QVERIFY(!image.ConvGrayScaleFromMono());  // already grey
+    }
 
 private:
     std::unique_ptr<QTemporaryDir> dir;

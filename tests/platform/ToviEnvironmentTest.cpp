@@ -149,6 +149,40 @@ private slots:
         }
         QVERIFY(!QFileInfo::exists(Path(QStringLiteral("no"))));
     }
+    // Without a usable location the newest installed product's folder, two levels above its
+    // program folder, takes the work folder.
+    void productFallback_data() {
+        QTest::addColumn<QStringList>("entries");  // "product/version=program folder"
+        QTest::addColumn<QString>("expected");
+
+        QTest::newRow("two levels removed")
+            << QStringList{"QVPhotoViewer/1.0=%1/opt/orvane/viewer/bin/"}
+            << "%1/opt/orvane/QVScratch";
+        QTest::newRow("newest version first")
+            << QStringList{"QVPhotoViewer/1.0=%1/old/a/b", "QVPhotoViewer/2.0=%1/new/a/b"}
+            << "%1/new/QVScratch";
+        QTest::newRow("missing program folder skipped")
+            << QStringList{"QVPhotoViewer/1.0=%1/old/a/b", "QVPhotoViewer/2.0=%1/gone/a/b"}
+            << "%1/old/QVScratch";
+    }
+    void productFallback() {
+        QFETCH(QStringList, entries);
+        QFETCH(QString, expected);
+        SetUser(Path(QStringLiteral("no/such/place")));
+        for (const QString& entry : entries) {
+            const QString key = entry.section(QLatin1Char('='), 0, 0);
+            const QString program = Fill(entry.section(QLatin1Char('='), 1));
+            if (!program.contains(QLatin1String("/gone/"))) {
+                QVERIFY(QDir().mkpath(program));
+            }
+            SetSystem(QStringLiteral("Software/Orvane Systems/%1/Common/Path/Program").arg(key),
+                      program);
+        }
+
+        QString folder;
+        QVERIFY(ToviEnvironment::GetWorkFolder(folder));
+        QCOMPARE(folder, Fill(expected));
+    }
     void driveType_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<uint>("type");

@@ -57,6 +57,22 @@ private slots:
         QCOMPARE(view->percents.last(), QStringLiteral("100%"));
     }
 
+    // Unthrottled, StepIt moves by the step and stops at the upper end.
+    void stepItUsesTheStep() {
+        ToviProgressDlg dlg(false);
+        QVERIFY(dlg.Create());
+        dlg.SetRange(0, 100);
+        dlg.SetStep(7);
+        for (int i = 0; i < 2; ++i) {
+            dlg.StepIt();
+        }
+        QCOMPARE(dlg.Position(), 14);
+        for (int i = 0; i < 20; ++i) {
+            dlg.StepIt();
+        }
+        QCOMPARE(dlg.Position(), 100);
+    }
+
     void percentage_data() {
         QTest::addColumn<int>("lower");
         QTest::addColumn<int>("upper");

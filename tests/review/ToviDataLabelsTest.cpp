@@ -137,6 +137,33 @@ private slots:
         QCOMPARE(empty.IsLabeled(), 0);
     }
 
+    // HasComment looks at comment text in the current array only; an empty current array
+    // leaves it as it was, and a new document says true until the first look.
+    void updateHasComment_data() {
+        QTest::addColumn<QStringList>("views");  // current arrays, each followed by an update
+        QTest::addColumn<bool>("hasComment");
+        QTest::newRow("comment label without text") << QStringList{"0,3"} << false;
+        QTest::newRow("comment last in view") << QStringList{"0,2,1"} << true;
+        QTest::newRow("comment only outside the view") << QStringList{"0,2,3,4"} << false;
+        QTest::newRow("nothing after a comment") << QStringList{"1", ""} << true;
+    }
+    void updateHasComment() {
+        QFETCH(QStringList, views);
+        QFETCH(bool, hasComment);
+        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        QVERIFY(doc);
+        SetAllLabels(*doc, {"", "c", "", "4", ""});
+        for (const QString& view : views) {
+            QList<int> indexes;
+            for (const QString& number : view.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+                indexes.append(number.toInt());
+            }
+            doc->CurrentArray().Assign(indexes);
+            doc->UpdateHasComment();
+        }
+        QCOMPARE(doc->HasComment(), hasComment);
+    }
+
     // The batch correction over the current array, with the dialog's and the question's
     // answers scripted. Labels before: "", "0", "15", "4c", "2".
     void batchCorrection_data() {

@@ -1,6 +1,7 @@
 #include "extraction/ToviSortCondition.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
+#include "settings/ToviItemManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 
 #include <QHash>
@@ -197,6 +198,30 @@ private slots:
         ToviLabelManager next;
         next.Load();
         QCOMPARE(Names(next), expected);
+    }
+
+    // The hidden titles of the information list: cut at every comma, an empty piece between
+    // two commas is a title of its own, a trailing comma adds none; what the caller held stays
+    // in front.
+    void hiddenTitles_data() {
+        QTest::addColumn<QString>("stored");  // null: not stored
+        QTest::addColumn<bool>("result");
+        QTest::addColumn<QStringList>("hidden");
+        QTest::newRow("nothing stored") << QString() << false << QStringList{"前"};
+        QTest::newRow("two commas in a row")
+            << "工種,,緯度" << true << QStringList{"前", "工種", "", "緯度"};
+        QTest::newRow("trailing comma")
+            << "工種,緯度," << true << QStringList{"前", "工種", "緯度"};
+        QTest::newRow("a comma alone") << "," << true << QStringList{"前", ""};
+    }
+    void hiddenTitles() {
+        QFETCH(QString, stored);
+        if (!stored.isNull()) {
+            Profile().WriteProfileString(QStringLiteral("ShowSetting"), "Items", stored);
+        }
+        QStringList hidden{QStringLiteral("前")};
+        QTEST(ToviItemManager().Load(hidden), "result");
+        QTEST(hidden, "hidden");
     }
 
 private:

@@ -197,6 +197,22 @@ private slots:
                      .contains(QStringLiteral("写真タイトル")));
     }
 
+    // Load also reads the label names, the visual setting and the sort condition.
+    void loadReadsTheOtherSettings() {
+        Profile().WriteProfileString(QStringLiteral("Label"), QStringLiteral("Label2"),
+                                     QStringLiteral("要確認"));
+        Profile().WriteProfileString(QStringLiteral("VisualSetting"), QStringLiteral("DivideType"),
+                                     QStringLiteral("103"));
+        Profile().WriteProfileString(QStringLiteral("Sort"), QStringLiteral("KeyItem"),
+                                     QStringLiteral("工種"));
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        QCOMPARE(doc.GetVisualSetting().GetDivType(), ToviPhotoCtrlVisualSetting::DivideThumbList);
+        doc.Load();
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(1).GetName(), QStringLiteral("要確認"));
+        QCOMPARE(doc.GetVisualSetting().GetDivType(), ToviPhotoCtrlVisualSetting::Divide4);
+        QCOMPARE(doc.GetSortCondition().GetKeyItem(), QStringLiteral("工種"));
+    }
+
     // The first 19 characters, cut at commas, each read like atoi and kept to eight bits.
     void parseEditCheckTypes_data() {
         QTest::addColumn<QString>("text");
