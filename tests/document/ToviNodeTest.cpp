@@ -127,6 +127,10 @@ private slots:
         QVERIFY(!empty.GetAllUnder(none));
         QList<int> prefilled{8};
         QVERIFY(empty.GetAllUnder(prefilled));
+        // From the root down, each non-empty title followed by the separator.
+        ToviNode* d = root.GetNode(0)->GetNode(0)->GetNode(0);
+        root.GetNode(0)->GetNode(0)->Title(QString());
+        QCOMPARE(d->GetFullTitlePath(QStringLiteral(" > ")), QStringLiteral("R > A > D > "));
     }
 };
 

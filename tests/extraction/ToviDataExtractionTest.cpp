@@ -255,6 +255,9 @@ private slots:
         QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
         QCOMPARE(ui.ProgressViews().size(), 1);
         QCOMPARE(source.told.size(), 1);
+        // Off already: a cancel with a value tells the source nothing.
+        doc->CancelExtraction(ToviExtractionSource::CancelButtonOnly);
+        QCOMPARE(source.told.size(), 1);
     }
 
     // Extraction always starts from a node's whole content: on every node selection, on a

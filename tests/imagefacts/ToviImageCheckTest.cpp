@@ -61,6 +61,7 @@ private slots:
     void codes();
     void makerTarget_data();
     void makerTarget();
+    void setFileKeepsStoredCase();
     void chainOrder_data();
     void chainOrder();
     void badLibraries_data();
@@ -237,6 +238,14 @@ void ToviImageCheckTest::makerTarget() {
              target);
 }
 
+// The file name keeps the case it was first given in.
+void ToviImageCheckTest::setFileKeepsStoredCase() {
+    ToviImageCheckCommon check;
+    check.SetFile(QStringLiteral("/d/PIC/P0000001.JPG"));
+    check.SetFile(QStringLiteral("/d/pic/p0000001.jpg"));
+    QCOMPARE(check.GetFile(), QStringLiteral("/d/PIC/P0000001.JPG"));
+}
+
 void ToviImageCheckTest::chainOrder_data() {
     QTest::addColumn<QString>("types");
     QTest::addColumn<QString>("model");
@@ -381,6 +390,8 @@ void ToviImageCheckTest::documentResults() {
     QCOMPARE(checkAll(), QList<int>({1, 2, 3, 3}));
     set(true, QStringLiteral("1"));  // the same terms keep the results
     QCOMPARE(results(), QList<int>({1, 2, 3, 3}));
+    document.SetVisualSetting(document.GetVisualSetting(), true);  // unless forced
+    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
     set(true, QStringLiteral("0"));
     QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
     // Only the maker's verifier, and these photographs aren't its cameras.

@@ -100,6 +100,15 @@ private slots:
         QCOMPARE(ui->LastProgress()->percents.last(), percent);
     }
 
+    // A click during the pump of GetCancel is answered by that same GetCancel, and once only.
+    void cancelIsReportedOnce() {
+        ToviProgressDlg dlg(false);
+        QVERIFY(dlg.Create());
+        ui->PressCancelAtPump(1);
+        QVERIFY(dlg.GetCancel());
+        QVERIFY(!dlg.GetCancel());
+    }
+
     // A window lost during a pump is never touched again; the loop runs on to its end
     // and keeps its positions and percentage.
     void viewDyingMidLoop_data() {

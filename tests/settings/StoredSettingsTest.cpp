@@ -188,7 +188,7 @@ private slots:
         expected[3] = stored[3];
         {
             ToviLabelManager manager;
-            manager.GetLabelAttribute(2).SetColorValue(0x123456);
+            manager.GetLabelAttribute(2).SetColor(QColor(0x56, 0x34, 0x12));  // kept as BGR
             manager.Load();
             QCOMPARE(Names(manager), expected);
             QCOMPARE(manager.GetLabelAttribute(2).GetColorValue(), quint32(0x123456));
