@@ -156,6 +156,23 @@ private slots:
         QTEST(photo.IsExistFile(), "exists");
     }
 
+    // A failed thumbnail is tried once per release, while the full picture is tried anew.
+    void imageLoadingState() {
+        const QString folder = NewFolder("images");
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        ToviPhoto late(doc.get(), MakeItems(*doc->GetItemDef(), {"写真ファイル名=LATE.JPG"}));
+        QVERIFY(!late.LoadThumb());
+        QImage picture(320, 240, QImage::Format_RGB32);
+        picture.fill(Qt::darkCyan);
+        QVERIFY(QDir().mkpath(folder + QStringLiteral("/PIC")));
+        QVERIFY(picture.save(folder + QStringLiteral("/PIC/LATE.JPG"), "JPG"));
+        QVERIFY(late.LoadThumb());  // already tried: not read again
+        QVERIFY(!late.GetImage().IsValid());
+        QVERIFY(late.LoadImage());
+        late.ReleaseImage();
+        QVERIFY(late.LoadThumb() && late.GetImage().IsValid());
+    }
+
     // The names the user still has to bring, always by file name. Once any drawing of the
     // photograph exists, none of its drawing names is reported.
     void outputFilename_data() {

@@ -152,6 +152,16 @@ private slots:
         QVERIFY(document);
         QCOMPARE(document->GetTotalCountPhoto(), count);
         QTEST(texts, "reports");
+        QVERIFY(!factory.Load(RecordProgress, &texts));  // only an asynchronous factory loads
+
+        // Asynchronous, Create only opens the document and Load reads the photographs.
+        ToviEnouDataFactory async;
+        async.Async(true);
+        document = async.Create(nullptr, written.photoFolder, PhotoXMLMlit);
+        QVERIFY(document);
+        QCOMPARE(document->GetTotalCountPhoto(), 0);
+        QVERIFY(async.Load(nullptr, nullptr));
+        QCOMPARE(document->GetTotalCountPhoto(), count);
     }
 
     // Broken or hostile PHOTO.XML: each gives a null document or an error type, never a

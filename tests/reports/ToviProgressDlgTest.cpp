@@ -109,6 +109,16 @@ private slots:
         QVERIFY(!dlg.GetCancel());
     }
 
+    // An empty caption is the application's name, also when the window opens.
+    void captionDefaultsToTheApplicationName() {
+        ToviProgressDlg dlg(false);
+        QVERIFY(dlg.Create());
+        dlg.SetCaption(QStringLiteral("写真の出力"));
+        dlg.SetCaption(QString());
+        const QString name = ui->ApplicationName();
+        QCOMPARE(ui->LastProgress()->captions, (QStringList{name, "写真の出力", name}));
+    }
+
     // A window lost during a pump is never touched again; the loop runs on to its end
     // and keeps its positions and percentage.
     void viewDyingMidLoop_data() {

@@ -213,6 +213,21 @@ private slots:
         QCOMPARE(doc.GetSortCondition().GetKeyItem(), QStringLiteral("工種"));
     }
 
+    // SetManager copies the labels always and the items only when asked.
+    void setManager() {
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        doc.Load();
+        const ToviItemShowSettings loaded = doc.GetItemManager()->GetItemShowSettings();
+        ToviLabelManager labels;
+        labels.GetLabelAttribute(0).SetName(QStringLiteral("合格"));
+        ToviItemManager items;
+        doc.SetManager(labels, items, false);
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(0).GetName(), QStringLiteral("合格"));
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings() == loaded);
+        doc.SetManager(labels, items, true);
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings().isEmpty());
+    }
+
     // The first 19 characters, cut at commas, each read like atoi and kept to eight bits.
     void parseEditCheckTypes_data() {
         QTest::addColumn<QString>("text");

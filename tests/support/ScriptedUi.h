@@ -14,6 +14,7 @@
 // What a progress window was told, kept apart from the window so that a test can read it
 // after the dialog that owned the window is gone.
 struct ScriptedProgressRecord {
+    QStringList captions;
     QList<int> positions;
     QStringList messages;
     QStringList percents;
@@ -35,7 +36,7 @@ public:
     ~ScriptedProgressView() override { record->cancelHandler = nullptr; }
 
     bool IsAlive() const override { return record->alive; }
-    void SetCaption(const QString&) override { Touch(); }
+    void SetCaption(const QString& caption) override { Touch().captions.append(caption); }
     void SetRange(int, int) override { Touch(); }
     void SetPos(int pos) override { Touch().positions.append(pos); }
     void SetMessage(const QString& message) override { Touch().messages.append(message); }
