@@ -138,6 +138,17 @@ private slots:
         QCOMPARE(pos, current.isEmpty() ? 7 : -1);  // an empty array leaves pos alone
     }
 
+    // Selecting the selected photograph again tells no one.
+    void photoSelectedAgain() {
+        std::unique_ptr<ToviData> doc = OpenBuilt(&host);
+        QVERIFY(doc);
+        QVERIFY(doc->PhotoSelectSetting(1));
+        host.hints.clear();
+        QVERIFY(doc->PhotoSelectSetting(1));
+        QVERIFY(host.hints.isEmpty());
+        QVERIFY(doc->GetPhotoActualPhotoArray(1)->IsSelected());
+    }
+
     // SetSelected(): the node holding the selected photograph, else the root and the first
     // photograph on show; with nothing on show that is an invalid-argument failure.
     void selectFromPhotograph_data() {

@@ -156,6 +156,19 @@ private slots:
         QTEST(photo.IsExistFile(), "exists");
     }
 
+    // The first value of each index that has an item, in the order asked.
+    void titlesFromIndexes() {
+        auto doc = fixture::OpenDocument(NewFolder("items"), PhotoXMLMlit);
+        const ToviItemDef& def = *doc->GetItemDef();
+        ToviPhoto photo(doc.get(), MakeItems(def, {"工種=土工", "備考=first", "備考=second"}));
+        const QList<int> wanted{def.GetIndexFromTitle(QStringLiteral("備考")),
+                                def.GetIndexFromTitle(QStringLiteral("参考図3")),
+                                def.GetIndexFromTitle(QStringLiteral("工種"))};
+        QStringList values{"stale"};
+        photo.GetTitleFromIndex(wanted, values);
+        QCOMPARE(values, (QStringList{"first", "土工"}));
+    }
+
     // A failed thumbnail is tried once per release, while the full picture is tried anew.
     void imageLoadingState() {
         const QString folder = NewFolder("images");

@@ -226,6 +226,35 @@ private slots:
         QCOMPARE(doc->CurrentArray().Indexes(), InOrder(before, {1, 5}));
     }
 
+    // A photograph without a shooting date is passed over at once when the date decides: no
+    // progress text, no cancel test, no step for it. The root shows it first.
+    void emptyShootingDateSkipsProgress_data() {
+        QTest::addColumn<QString>("conditions");
+        QTest::addColumn<bool>("skipped");
+        QTest::newRow("the date decides") << "date:2024-01-01..2024-12-31" << true;
+        QTest::newRow("file date") << "filedate:2024-01-01..2024-12-31" << false;
+    }
+    void emptyShootingDateSkipsProgress() {
+        QFETCH(QString, conditions);
+        QFETCH(bool, skipped);
+        ScriptedUi ui;
+        ScopedUi scope(ui);
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        QCOMPARE(doc->CurrentArray().GetAt(0), 4);
+        ToviExtractionHolder holder;
+        holder.conditions = Conditions(conditions);
+        doc->SetExtractionData(&holder);
+        doc->ExecExtraction();
+        const int count = static_cast<int>(kRootOrder.size());
+        QStringList messages;
+        for (int n = skipped ? 2 : 1; n <= count; ++n) {
+            messages.append(Message(n, count));
+        }
+        QCOMPARE(ui.LastProgress()->messages, messages);
+        QCOMPARE(ui.LastProgress()->positions.last(), static_cast<int>(messages.size()));
+    }
+
     // Cancel in the progress window at the first photograph: the node's whole content stays
     // on show in node order, extraction is off, the source is told with 0, and the next
     // selection is not filtered.

@@ -419,6 +419,19 @@ private slots:
                                         << "9999画素";
     }
 
+    void fileSize_data() {
+        QTest::addColumn<qsizetype>("bytes");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("1,023 bytes") << qsizetype(1023) << "0 KB";
+        QTest::newRow("just under 1 MB") << qsizetype(1048575) << "1023 KB";
+    }
+    void fileSize() {
+        QFETCH(qsizetype, bytes);
+        const QString path = Path(QStringLiteral("P0000001.JPG"));
+        QVERIFY(WriteBytes(path, QByteArray(bytes, 'x')));
+        QTEST(FileValue(ToviPhoto(path), QStringLiteral("ファイルサイズ")), "shown");
+    }
+
     void pixelCount() {
         QFETCH(QSize, size);
         QFETCH(QString, dimensions);

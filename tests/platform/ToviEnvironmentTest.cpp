@@ -149,6 +149,20 @@ private slots:
         }
         QVERIFY(!QFileInfo::exists(Path(QStringLiteral("no"))));
     }
+    // The suite folder handed out through a buffer: the size needed, terminator included,
+    // until the buffer holds it; the sizes count UTF-8 bytes.
+    void suiteFolderBuffer() {
+        const QString location = Path(QStringLiteral("作業"));
+        SetUser(location);
+        const QByteArray expected = (location + QStringLiteral("/QVScratch/QV-SUITE/")).toUtf8();
+        const int needed = static_cast<int>(expected.size()) + 1;
+        std::vector<char> buffer(needed + 4, '#');
+        QCOMPARE(ToviEnvironment::GetSuiteFolder(needed - 1, buffer.data()), needed);
+        QCOMPARE(buffer[0], '#');
+        QCOMPARE(ToviEnvironment::GetSuiteFolder(needed, buffer.data()), needed - 1);
+        QCOMPARE(QByteArray(buffer.data()), expected);
+    }
+
     // Without a usable location the newest installed product's folder, two levels above its
     // program folder, takes the work folder.
     void productFallback_data() {

@@ -109,6 +109,16 @@ private slots:
         QVERIFY(!dlg.GetCancel());
     }
 
+    // The message reaches the window only when it changes; an empty one is ignored.
+    void messageOnlyWhenItChanges() {
+        ToviProgressDlg dlg(false);
+        QVERIFY(dlg.Create());
+        for (const char* text : {"抽出", "抽出", "", "並べ替え"}) {
+            dlg.SetMessage(QString::fromUtf8(text));
+        }
+        QCOMPARE(ui->LastProgress()->messages, (QStringList{"抽出", "並べ替え"}));
+    }
+
     // An empty caption is the application's name, also when the window opens.
     void captionDefaultsToTheApplicationName() {
         ToviProgressDlg dlg(false);
