@@ -94,6 +94,14 @@ private slots:
         }
     }
 
+    // Photographs are named by their photo index, as list and check name them.
+    void infoTextNamesPhotoIndexes() {
+        const Run run = Tovi({QStringLiteral("info"), written.photoFolder});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(QString::fromUtf8(run.out).contains(QStringLiteral("      0  ") +
+                                                    written.photos.first().fileName));
+    }
+
     void infoJsonDescribesTheDelivery() {
         const Run run =
             Tovi({QStringLiteral("info"), written.photoFolder, QStringLiteral("--json")});
@@ -391,6 +399,20 @@ private slots:
         const QJsonObject first = json[QStringLiteral("results")].toArray()[0].toObject();
         QVERIFY(first[QStringLiteral("imagePath")].toString().endsWith(QStringLiteral("/PIC/") +
                                                                        checked.photos[0].fileName));
+    }
+
+    // A hash library that does not load: the maker's verifier still answers for its cameras.
+    void checkWithALibraryThatDoesNotLoad() {
+        const QString program = ProgramFolder(QStringLiteral("junk"), {"RVRFYJPG"});
+        QVERIFY(WriteBytes(program + QLatin1Char('/') + ToviVerifierLibrary::FileName("JACICCHS"),
+                           "not a library"));
+        const Run run = Tovi({"check", checked.photoFolder, "--types", "1,0", "--json"}, program);
+        QCOMPARE(run.exitCode, 0);
+        const QJsonObject json = QJsonDocument::fromJson(run.out).object();
+        QCOMPARE(Results(json), QList<int>({1, 3, 3, 3, 3}));
+        QCOMPARE(json[QStringLiteral("verifiers")].toArray()[0].toObject()[QStringLiteral("state")],
+                 QStringLiteral("unloadable"));
+        QCOMPARE(run.err.count(QLatin1Char('\n')), 1);
     }
 
     void checkWithoutVerifierLibraries() {

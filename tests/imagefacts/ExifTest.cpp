@@ -351,6 +351,17 @@ private slots:
         QCOMPARE(info.GetImage()[0].GetValue(), QStringLiteral("64 x 48"));
     }
 
+    // The extension is compared case included: a lower-case .svg is read as it stands.
+    void lowerCaseSvgIsReadAsItStands() {
+        const QString svg = Path(QStringLiteral("P0000002.svg"));
+        QVERIFY(WriteBytes(svg, SvgWithJpeg(ExifFacts())));
+        ToviExifInfo info;
+        info.MakeMainImageFromSvg(svg);
+        QVERIFY(info.GetMainImagePath().isEmpty());
+        info.Load(svg);
+        QCOMPARE(info.GetPath(), svg);
+    }
+
     void svgWithoutMainImageLeavesNoStaleWorkFile() {
         // Two SVG photographs of one file title share the work file. The second has no main
         // image: it must read as unknown, not as the first one's camera.
@@ -430,6 +441,24 @@ private slots:
         const QString path = Path(QStringLiteral("P0000001.JPG"));
         QVERIFY(WriteBytes(path, QByteArray(bytes, 'x')));
         QTEST(FileValue(ToviPhoto(path), QStringLiteral("ファイルサイズ")), "shown");
+    }
+
+    // 読み取り専用 is Yes for a read-only file, but not for a hidden one.
+    void readOnly_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("read-only") << "P1.JPG"
+                                   << "Yes";
+        QTest::newRow("read-only and hidden") << ".P1.JPG"
+                                              << "No";
+    }
+    void readOnly() {
+        QFETCH(QString, name);
+        const QString path = Path(name);
+        QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner));
+        QTEST(FileValue(ToviPhoto(path), QStringLiteral("読み取り専用")), "shown");
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
     }
 
     void pixelCount() {

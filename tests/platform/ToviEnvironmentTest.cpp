@@ -197,6 +197,15 @@ private slots:
         QVERIFY(ToviEnvironment::GetWorkFolder(folder));
         QCOMPARE(folder, Fill(expected));
     }
+    // No table: unknown (0); a table that does not cover the path: no mount point (1).
+    void driveTypeWithoutUsableTable() {
+        ToviEnvironment::SetMountTableForTesting(Path(QStringLiteral("missing")));
+        QCOMPARE(ToviGetDriveType(QStringLiteral("/home")), 0u);
+        WriteText(Path(QStringLiteral("mounts")), "tmpfs /tmp tmpfs rw 0 0\nbroken line\n");
+        ToviEnvironment::SetMountTableForTesting(Path(QStringLiteral("mounts")));
+        QCOMPARE(ToviGetDriveType(QStringLiteral("/home")), 1u);
+    }
+
     void driveType_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<uint>("type");

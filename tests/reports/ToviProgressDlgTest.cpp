@@ -131,6 +131,20 @@ private slots:
 
     // A window lost during a pump is never touched again; the loop runs on to its end
     // and keeps its positions and percentage.
+    // The owner is disabled while the window is up and enabled again when it closes.
+    void ownerIsEnabledAgainOnClose() {
+        std::shared_ptr<ScriptedProgressRecord> view;
+        {
+            ToviProgressDlg dlg(true);
+            QVERIFY(dlg.Create());
+            view = ui->LastProgress();
+            QVERIFY(dlg.DestroyWindow());
+            QVERIFY(!dlg.DestroyWindow());
+        }
+        QCOMPARE(view->ownerStates, (QList<bool>{false, true}));
+        QCOMPARE(view->closeCount, 1);
+    }
+
     void viewDyingMidLoop_data() {
         QTest::addColumn<bool>("throttled");
         QTest::addColumn<int>("deathPump");
