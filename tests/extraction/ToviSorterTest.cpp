@@ -140,6 +140,20 @@ private slots:
             QCOMPARE(Sorted(*document, key, true, start), ascending);
             QCOMPARE(Sorted(*document, key, false, start), Reversed(ascending));
         }
+
+        // The public comparisons agree with the sort, and descending mirrors them exactly.
+        document->CurrentArray().Assign(actual);
+        ToviSorter sorter(document.get());
+        sorter.PrepareSort(key, document->CurrentArray());
+        for (const ToviSorter::Data& a : sorter.Entries()) {
+            for (const ToviSorter::Data& b : sorter.Entries()) {
+                if (a.index != b.index) {
+                    const int up = ToviSorter::CompareUp(a, b);
+                    QCOMPARE(up < 0, ascending.indexOf(a.index) < ascending.indexOf(b.index));
+                    QCOMPARE(ToviSorter::CompareDown(a, b) < 0, up > 0);
+                }
+            }
+        }
     }
 
 private:

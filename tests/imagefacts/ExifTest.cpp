@@ -400,6 +400,19 @@ private slots:
         QTest::newRow("lower-case .svg") << "P1.svg" << SvgWithJpeg(ExifFacts()) << false;
     }
 
+    // Asked once: a later change of the file is not noticed; a copy carries the answer.
+    void checkExifIsAskedOnce() {
+        const QString path = Path(QStringLiteral("P1.JPG"));
+        QVERIFY(WriteExifJpeg(path, Picture({64, 48}),
+                              Facts([](ExifFacts& f) { f.writeExif = false; })));
+        ToviPhoto photo(path);
+        QVERIFY(!photo.CheckExif());
+        QVERIFY(WriteExifJpeg(path, Picture({64, 48}), ExifFacts()));
+        QVERIFY(!photo.CheckExif());
+        QVERIFY(!ToviPhoto(photo).CheckExif());
+        QVERIFY(ToviPhoto(path).CheckExif());
+    }
+
     void checkExif() {
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
