@@ -138,6 +138,16 @@ private slots:
         QCOMPARE(pos, current.isEmpty() ? 7 : -1);  // an empty array leaves pos alone
     }
 
+    // Without a host document the selected node changes, but nothing fills the current array.
+    void selectWithoutHost() {
+        std::unique_ptr<ToviData> doc = OpenBuilt(nullptr);
+        QVERIFY(doc);
+        ToviNode* a = NodeAt(doc.get(), QStringLiteral("A"));
+        doc->SetSelected(a, true);
+        QCOMPARE(doc->GetSelectedNode(), a);
+        QVERIFY(doc->CurrentArray().IsEmpty());
+    }
+
     // Selecting the selected photograph again tells no one.
     void photoSelectedAgain() {
         std::unique_ptr<ToviData> doc = OpenBuilt(&host);

@@ -301,6 +301,9 @@ private slots:
         }
         QTEST(got, "pairs");
         QTEST(result, "result");
+        // Without definitions there is nothing to show, and nothing is left of the old rows.
+        QVERIFY(!photo.GetTextPairs(nullptr, list, pairs));
+        QVERIFY(pairs.isEmpty());
     }
 
 private:
