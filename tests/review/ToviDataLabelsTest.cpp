@@ -164,6 +164,17 @@ private slots:
         QCOMPARE(doc->HasComment(), hasComment);
     }
 
+    // Every change of the current array looks again.
+    void hasCommentFollowsSelection() {
+        std::unique_ptr<ToviData> doc = Open();
+        QVERIFY(doc);
+        SetAllLabels(*doc, {"", "c", "", "4", ""});
+        doc->SetSelected(4);
+        QVERIFY(!doc->HasComment());
+        doc->SetSelected(review::NodeAt(doc.get(), QStringLiteral("A")), false);
+        QVERIFY(doc->HasComment());
+    }
+
     // The batch correction over the current array, with the dialog's and the question's
     // answers scripted. Labels before: "", "0", "15", "4c", "2".
     void batchCorrection_data() {
