@@ -477,10 +477,12 @@ private slots:
     }
 
 private:
-    // tovi with its own profile and configuration folder: nothing of the user's is touched.
+    // tovi with its own profile, configuration and home folders: nothing of the user's is
+    // touched.
     Run Tovi(const QStringList& args, const QString& program = QString()) {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), temp.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("HOME"), temp.path());
         return RunProgram(
             program.isEmpty() ? bin + QStringLiteral("/tovi") : program + QStringLiteral("/tovi"),
             QStringList{QStringLiteral("--profile"), temp.filePath(QStringLiteral("p.ini"))} + args,

@@ -58,6 +58,8 @@ private slots:
         QVERIFY(dir->isValid());
         ToviProfile::Instance().UseFile(Path(QStringLiteral("p.ini")));
         UseWorkFolder(dir->path());
+        // Should the work folder fall back to the documents folder, that is the test's too.
+        qputenv("HOME", QFile::encodeName(dir->path()));
         // Unreadable metadata is an ordinary outcome: nothing may be printed for it.
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
     }
