@@ -119,6 +119,15 @@ private slots:
         QCOMPARE(ui->LastProgress()->messages, (QStringList{"抽出", "並べ替え"}));
     }
 
+    // Without cancel neither the button nor the close box cancels.
+    void cancelCanBeDisabled() {
+        ToviProgressDlg dlg(false);
+        dlg.SetCancelBtnEnabled(false);
+        QVERIFY(dlg.Create());
+        ui->PressCancelAtPump(1);
+        QVERIFY(!dlg.GetCancel());
+    }
+
     // An empty caption is the application's name, also when the window opens.
     void captionDefaultsToTheApplicationName() {
         ToviProgressDlg dlg(false);
