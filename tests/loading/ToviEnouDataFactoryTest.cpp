@@ -179,6 +179,8 @@ private slots:
         QTest::newRow("unknown DOCTYPE")
             << QByteArray("<!DOCTYPE photodata SYSTEM \"PHOTO99.DTD\">\n") + good + "</photodata>"
             << QByteArray("Shift_JIS") << static_cast<int>(ReadErrUnknownPhotoXml);
+        QTest::newRow("undecodable encoding")
+            << head + good + "</photodata>" << QByteArray("X-NO-SUCH-CODE") << -1;
         QTest::newRow("no photographs") << head + good + "</photodata>" << QByteArray("Shift_JIS")
                                         << static_cast<int>(ReadErrNoPhotos);
         QByteArray deep = head + "<photodata>";

@@ -4,6 +4,7 @@
 #include "settings/ToviItemManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 
+#include <QFile>
 #include <QHash>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -198,6 +199,18 @@ private slots:
         ToviLabelManager next;
         next.Load();
         QCOMPARE(Names(next), expected);
+    }
+
+    // A store that refuses writes makes Save answer false; the objects still end quietly.
+    void refusedSave() {
+        const QString path = temp.filePath(QStringLiteral("broken.ini"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[Sort\nExecSort=101\n");
+        file.close();
+        Profile().UseFile(path);
+        QVERIFY(!Setting().Save());
+        QVERIFY(!ToviSortCondition().Save());
     }
 
     // The hidden titles of the information list: cut at every comma, an empty piece between
