@@ -28,15 +28,10 @@ public:
     QList<int> hints;
 };
 
-// "工種=A;種別=;!写真-大分類" as (tag, value) pairs: "種別=" writes an empty element, and
-// "!tag" leaves a required element out (value "!").
+// "工種=A;種別=" as (tag, value) pairs: "種別=" writes an empty element.
 inline QList<QPair<QString, QString>> ParseElements(const QString& text) {
     QList<QPair<QString, QString>> pairs;
     for (const QString& part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        if (part.startsWith(QLatin1Char('!'))) {
-            pairs.append({part.mid(1), QStringLiteral("!")});
-            continue;
-        }
         const qsizetype eq = part.indexOf(QLatin1Char('='));
         pairs.append({part.left(eq), eq < 0 ? QString() : part.mid(eq + 1)});
     }
@@ -75,9 +70,7 @@ inline QString PhotoXmlText(const QStringList& photos) {
                     continue;
                 }
                 written = true;
-                if (value != QLatin1String("!")) {
-                    xml += QStringLiteral("<%1>%2</%1>").arg(name, value.toHtmlEscaped());
-                }
+                xml += QStringLiteral("<%1>%2</%1>").arg(name, value.toHtmlEscaped());
             }
             if (!written && !fallback.isNull()) {
                 xml += QStringLiteral("<%1>%2</%1>").arg(name, fallback);

@@ -5,8 +5,6 @@
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/document/ReviewFixture.h"
 
-#include <QCoreApplication>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -25,34 +23,11 @@ private:
 
     QString NewFolder() { return temp.filePath(QStringLiteral("d%1").arg(++serial)); }
 
-    // The delivery's READITEM.XML without the two photo-class levels, in a folder of its own.
-    QString ReadItemWithoutClassLevels() {
-        QFile original(QCoreApplication::applicationDirPath() + QStringLiteral("/READITEM.XML"));
-        if (!original.open(QIODevice::ReadOnly)) {
-            return QString();
-        }
-        QByteArray kept;
-        for (const QByteArray& line : original.readAll().split('\n')) {
-            if (!line.contains("<タイトル>写真-大分類</タイトル>") &&
-                !line.contains("<タイトル>写真区分</タイトル>")) {
-                kept += line + '\n';
-            }
-        }
-        const QString folder = NewFolder();
-        QDir().mkpath(folder);
-        QFile reduced(folder + QStringLiteral("/READITEM.XML"));
-        if (!reduced.open(QIODevice::WriteOnly) || reduced.write(kept) != kept.size()) {
-            return QString();
-        }
-        return folder;
-    }
-
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
     }
-    void cleanup() { ToviItemDef::SetProgramPathOverride(QString()); }
 
     // Where each photograph lands, and the current array BuildTreeNode leaves with a host and
     // nothing selected: the root's own photographs, then each subtree in order.
@@ -72,9 +47,6 @@ private slots:
         QTest::newRow("【未記入】 stays last")
             << 2 << QStringList{"種別=B", "工種=Z", "工種=A", "工種=Z;種別=B"}
             << "[Z{1}[B{3}],A{2},【未記入】[B{0}]]" << QList<int>{1, 3, 2, 0};
-        QTest::newRow("titles compared exactly")
-            << 2 << QStringList{"工種=a", "工種=A", "工種=Ａ", "工種=A"} << "[a{0},A{1,3},Ａ{2}]"
-            << QList<int>{0, 1, 3, 2};
         QTest::newRow("a value spelled 【未記入】 joins that node")
             << 2 << QStringList{"種別=B", "工種=【未記入】"} << "[【未記入】{1}[B{0}]]"
             << QList<int>{1, 0};
@@ -86,9 +58,6 @@ private slots:
         QTest::newRow("type 1 by shooting place, blank at once")
             << 1 << QStringList{"撮影箇所=X;工種=A", "工種=B", "撮影箇所=X", "撮影箇所=Y"}
             << "[X{0,2},Y{3},【未記入】{1}]" << QList<int>{0, 2, 3, 1};
-        QTest::newRow("any other type is the shooting-place tree")
-            << 7 << QStringList{"撮影箇所=X;工種=A", "工種=B"} << "[X{0},【未記入】{1}]"
-            << QList<int>{0, 1};
     }
     void placements() {
         QFETCH(int, treeType);
@@ -112,81 +81,6 @@ private slots:
         QCOMPARE(Dump(*doc), tree);
     }
 
-    // A photograph with no item for any level lies in no node, yet it is part of the document.
-    void photographInNoNode_data() {
-        QTest::addColumn<int>("treeType");
-        QTest::newRow("type 0") << 0;
-        QTest::newRow("type 1") << 1;
-    }
-    void photographInNoNode() {
-        QFETCH(int, treeType);
-        const QString folder = NewFolder();
-        QVERIFY(review::WritePhotoXml(folder, {"工種=A;撮影箇所=X", "工種=B;撮影箇所=Y"}));
-        RecordingHost host;
-        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
-        QVERIFY(doc);
-        review::AppendBarePhoto(*doc);
-        doc->GetPhotoActualPhotoArray(2)->PasteLabel(1);
-
-        doc->BuildTreeNode(treeType);
-        QVERIFY(!Dump(*doc).contains(QLatin1Char('2')));
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 1}));
-        QCOMPARE(doc->GetTotalCountPhoto(), 3);
-        ToviPhotoRef found;
-        QCOMPARE(doc->CollectionLabel(1, found), 1);
-        QCOMPARE(found.Indexes(), QList<int>{2});
-        QCOMPARE(doc->IsLabeled(), 1);
-
-        // Selected, it has no node to lead to: the root is chosen, and with it the first
-        // photograph on show.
-        QVERIFY(doc->PhotoSelectSetting(2));
-        host.hints.clear();
-        doc->SetSelected();
-        QCOMPARE(doc->GetSelectedNode(), static_cast<ToviNode*>(doc.get()));
-        QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(0));
-        QVERIFY(!doc->GetPhotoActualPhotoArray(2)->IsSelected());
-        QCOMPARE(host.hints, QList<int>{ToviData::HintPhotoSelected});
-    }
-
-    // Type 0 on definitions without 写真-大分類 and 写真区分 builds the type 2 tree; with them,
-    // the two differ.
-    void type0WithoutClassLevels_data() {
-        QTest::addColumn<bool>("reduced");
-        QTest::addColumn<QStringList>("photos");
-        QTest::addColumn<QString>("type0");
-        QTest::addColumn<QString>("type2");
-        const QString type2 = QStringLiteral("{3}[A{1}[B{0}],【未記入】[C{2}]]");
-        QTest::newRow("full definitions")
-            << false << QStringList{"工種=A;種別=B", "工種=A", "種別=C", ""}
-            << "[工事{3}[【未記入】[A{1}[B{0}],【未記入】[C{2}]]]]" << type2;
-        QTest::newRow("no class levels")
-            << true
-            << QStringList{"!写真-大分類;工種=A;種別=B", "!写真-大分類;工種=A",
-                           "!写真-大分類;種別=C", "!写真-大分類"}
-            << type2 << type2;
-    }
-    void type0WithoutClassLevels() {
-        QFETCH(bool, reduced);
-        QFETCH(QStringList, photos);
-        if (reduced) {
-            const QString program = ReadItemWithoutClassLevels();
-            QVERIFY(!program.isEmpty());
-            ToviItemDef::SetProgramPathOverride(program);
-        }
-        const QString folder = NewFolder();
-        QVERIFY(review::WritePhotoXml(folder, photos));
-        RecordingHost host;
-        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
-        QVERIFY(doc);
-        QCOMPARE(doc->GetItemDef()->GetIndexFromTitle(QStringLiteral("写真-大分類")) < 0, reduced);
-        QCOMPARE(doc->GetTotalCountPhoto(), photos.size());
-
-        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyu);
-        QTEST(Dump(*doc), "type0");
-        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
-        QTEST(Dump(*doc), "type2");
-    }
-
     // Switching the classification keeps the selected photograph: the new selected node is the
     // one holding it in the new tree, else the root; the current array follows, unannounced.
     void switchingKeepsSelectedPhoto_data() {
@@ -196,10 +90,8 @@ private slots:
         QTest::addColumn<QString>("node");  // path of titles; empty for the root
         QTest::addColumn<QList<int>>("current");
         QTest::newRow("work type to place") << 2 << 1 << 1 << "Y" << QList<int>{1, 3};
-        QTest::newRow("place to work type") << 1 << 2 << 1 << "B/C" << QList<int>{1};
         QTest::newRow("blank place") << 2 << 1 << 2 << "【未記入】" << QList<int>{2};
         QTest::newRow("held by the root itself") << 1 << 2 << 3 << "" << QList<int>{3, 0, 2, 1};
-        QTest::newRow("nothing selected") << 1 << 2 << -1 << "" << QList<int>{3, 0, 2, 1};
         QTest::newRow("in no node") << 2 << 1 << 4 << "" << QList<int>{0, 1, 3, 2};
     }
     void switchingKeepsSelectedPhoto() {

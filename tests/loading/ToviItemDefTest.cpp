@@ -48,22 +48,14 @@ private slots:
         const auto line = [](const char* dtd) {
             return QByteArray("<!DOCTYPE photodata SYSTEM \"") + dtd + "\">";
         };
-        QTest::newRow("mlit 11") << line("PHOTO.DTD") << 0 << "国交省-11" << false;
-        QTest::newRow("mlit 14") << line("PHOTO02.DTD") << 0 << "国交省-14" << false;
         QTest::newRow("mlit 16") << line("PHOTO03.DTD") << 0 << "国交省-16" << true;
-        QTest::newRow("mlit 18") << line("PHOTO04.DTD") << 0 << "国交省-18" << true;
         QTest::newRow("mlit 20") << line("PHOTO05.DTD") << 0 << "国交省-20" << true;
         QTest::newRow("kowan shares the mlit table")
             << line("PHOTO05.DTD") << 1 << "国交省-20" << true;
-        QTest::newRow("maff 15") << line("PHOTO02N.DTD") << 2 << "農水省-15" << false;
-        QTest::newRow("maff 17") << line("PHOTO03.DTD") << 2 << "農水省-17" << true;
         QTest::newRow("maff 23") << line("PHOTO05.DTD") << 2 << "農水省-23" << true;
         QTest::newRow("maff without the N") << line("PHOTO02.DTD") << 2 << "" << false;
-        QTest::newRow("nexco 14") << line("PHOTO02.DTD") << 3 << "NEXCO-14" << false;
-        QTest::newRow("nexco 18") << line("PHOTO03.DTD") << 3 << "NEXCO-18" << false;
         QTest::newRow("nexco 24") << line("PHOTO04.DTD") << 3 << "NEXCO-24" << false;
         QTest::newRow("nexco 05 unknown") << line("PHOTO05.DTD") << 3 << "" << false;
-        QTest::newRow("family out of range") << line("PHOTO05.DTD") << 7 << "" << false;
         QTest::newRow("DTD on the next line")
             << QByteArray("<!DOCTYPE photodata SYSTEM\n \"PHOTO05.DTD\">") << 0 << "" << false;
     }
@@ -118,22 +110,6 @@ private slots:
         ToviItemDef def;
         QCOMPARE(int(def.Load(folder, PhotoXMLMlit)), result);
         QVERIFY(!fifo.Opened());
-    }
-
-    // The second opening of the same kind corresponds; a first run or another kind doesn't.
-    void typeCorrespondsAcrossOpenings() {
-        const QString mlit20 = temp.filePath(QStringLiteral("tc20"));
-        const QString mlit18 = temp.filePath(QStringLiteral("tc18"));
-        WriteDoctype(mlit20, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
-        WriteDoctype(mlit18, "<!DOCTYPE photodata SYSTEM \"PHOTO04.DTD\">");
-        ToviData first(nullptr, mlit20, PhotoXMLMlit);
-        QCOMPARE(first.GetItemDef()->OldType(), QString());
-        QVERIFY(!first.GetItemDef()->TypeIsCorresponding());
-        ToviData second(nullptr, mlit20, PhotoXMLMlit);
-        QVERIFY(second.GetItemDef()->TypeIsCorresponding());
-        ToviData other(nullptr, mlit18, PhotoXMLMlit);
-        QVERIFY(!other.GetItemDef()->TypeIsCorresponding());
-        QCOMPARE(other.GetItemDef()->OldType(), QStringLiteral("国交省-20"));
     }
 
     // A record that lacks a field inherits the record before it, and a word outside the

@@ -61,14 +61,8 @@ private slots:
                                            << "01" << true << true << false;
         QTest::newRow("comment label alone") << "+4"
                                              << "4" << false << false << true;
-        QTest::newRow("free label alone") << "+5"
-                                          << "5" << false << false << true;
-        QTest::newRow("slot 6 pasted") << "+6"
-                                       << "" << false << false << true;
         QTest::newRow("slot 6 removed") << "+3 -6"
                                         << "3" << false << true << false;
-        QTest::newRow("comment without its label") << "c"
-                                                   << "c" << false << false << true;
         QTest::newRow("remove all empties the comment") << "+0 +1 +4 +5 c x"
                                                         << "" << false << false << true;
         QTest::newRow("not checked keeps 4, 5 and the comment") << "+0 +3 +4 +5 c k"
@@ -117,7 +111,6 @@ private slots:
         QTest::addColumn<int>("label");
         QTest::addColumn<QList<int>>("found");
         QTest::newRow("NG1") << 1 << QList<int>{0, 2, 4};
-        QTest::newRow("comment") << 4 << QList<int>{2};
         QTest::newRow("nobody") << 0 << QList<int>{};
         QTest::newRow("no such slot") << 6 << QList<int>{};
     }
@@ -149,13 +142,10 @@ private slots:
     void updateHasComment_data() {
         QTest::addColumn<QStringList>("views");  // current arrays, each followed by an update
         QTest::addColumn<bool>("hasComment");
-        QTest::newRow("new document") << QStringList{} << true;
         QTest::newRow("comment label without text") << QStringList{"0,3"} << false;
-        QTest::newRow("comment in view") << QStringList{"0,1"} << true;
         QTest::newRow("comment last in view") << QStringList{"0,2,1"} << true;
         QTest::newRow("comment only outside the view") << QStringList{"0,2,3,4"} << false;
         QTest::newRow("nothing after a comment") << QStringList{"1", ""} << true;
-        QTest::newRow("nothing after no comment") << QStringList{"1", "0", ""} << false;
     }
     void updateHasComment() {
         QFETCH(QStringList, views);
@@ -176,19 +166,13 @@ private slots:
 
     // Every change of the current array looks again.
     void hasCommentFollowsSelection() {
-        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        std::unique_ptr<ToviData> doc = Open();
         QVERIFY(doc);
         SetAllLabels(*doc, {"", "c", "", "4", ""});
-        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
-        QVERIFY(doc->HasComment());
         doc->SetSelected(4);
         QVERIFY(!doc->HasComment());
         doc->SetSelected(review::NodeAt(doc.get(), QStringLiteral("A")), false);
         QVERIFY(doc->HasComment());
-        doc->SetSelected(review::NodeAt(doc.get(), QStringLiteral("C")), false);
-        QVERIFY(!doc->HasComment());
-        doc->SetSelected(-1);
-        QVERIFY(!doc->HasComment());
     }
 
     // The batch correction over the current array, with the dialog's and the question's
@@ -203,27 +187,18 @@ private slots:
         QTest::addColumn<QStringList>("after");
         const QStringList before{"", "0", "15", "4c", "2"};
         const int ok = ToviUi::AnswerOk;
-        const int cancel = ToviUi::AnswerCancel;
         QTest::newRow("cancel in the dialog")
             << false << ok << 2 << "all" << false << false << before;
-        QTest::newRow("cancel in the question")
-            << true << cancel << 2 << "all" << false << false << before;
         QTest::newRow("OK labels")
             << true << ok << 0 << "all" << true << true << QStringList{"0", "0", "15", "04c", "2"};
-        QTest::newRow("back to not checked")
-            << true << ok << 1 << "all" << true << true << QStringList{"", "", "5", "4c", ""};
         QTest::newRow("remove everything")
             << true << ok << 2 << "all" << true << true << QStringList{"", "", "", "", ""};
         QTest::newRow("OK labels, nothing on show")
             << true << ok << 0 << "nothing" << false << true << before;
         QTest::newRow("remove everything, nothing on show")
             << true << ok << 2 << "nothing" << true << true << before;
-        QTest::newRow("OK labels on the NG extraction")
-            << true << ok << 0 << "ng" << true << true << before;
         QTest::newRow("not checked on the NG extraction")
             << true << ok << 1 << "ng" << true << true << QStringList{"", "0", "5", "4c", ""};
-        QTest::newRow("remove everything on the NG extraction")
-            << true << ok << 2 << "ng" << true << true << QStringList{"", "0", "", "4c", ""};
     }
     void batchCorrection() {
         QFETCH(bool, dialogOk);

@@ -862,10 +862,6 @@ QString SectionName(Generation generation) {
     return Text(Info(generation).section);
 }
 
-QString DtdName(Generation generation) {
-    return Text(Info(generation).dtd);
-}
-
 int FamilyOf(Generation generation) {
     return Info(generation).family;
 }
@@ -939,9 +935,7 @@ bool WriteDelivery(const QString& root, const DeliveryOptions& options, WrittenD
 
     if (written) {
         *written = WrittenDelivery();
-        written->indexFolder = indexFolder;
         written->photoFolder = photoFolder;
-        written->doctypeDtd = Text(info.dtd);
         written->family = info.family;
         written->photos.reserve(options.photoCount);
     }

@@ -50,9 +50,7 @@ struct WrittenPhoto {
 };
 
 struct WrittenDelivery {
-    QString indexFolder;  // root/INDEX_C, holding INDEX_C.XML
     QString photoFolder;  // root/INDEX_C/PHOTO, holding PHOTO.XML, PIC/ and DRA/
-    QString doctypeDtd;   // the DTD file name on the DOCTYPE line
     int family = 0;       // 0 国交省, 2 農水省, 3 NEXCO
     // Every leaf element of PHOTO.XML outside 写真情報 as (tag, text), in file order.
     QList<QPair<QString, QString>> managementElements;
@@ -66,8 +64,6 @@ bool WriteDelivery(const QString& root, const DeliveryOptions& options, WrittenD
 
 // The item-definition section name, e.g. "国交省-20".
 QString SectionName(Generation generation);
-// The DTD file name on the DOCTYPE line, e.g. "PHOTO05.DTD".
-QString DtdName(Generation generation);
 // 0 for the 国交省 generations, 2 for 農水省, 3 for NEXCO.
 int FamilyOf(Generation generation);
 // All eleven generations, oldest first within each family.

@@ -3,7 +3,7 @@
 #   verifiers/full/     RVRFYJPG with RVJ_Verify; JACICCHS with both hash functions
 #   verifiers/partial/  RVRFYJPG without RVJ_Verify; JACICCHS without the SVG function
 # They lie apart from the executables on purpose: a test copies the ones it wants into a
-# folder it uses as the program folder. Included by tests/imagefacts/CMakeLists.txt.
+# folder it uses as the program folder. Included by the test folders that use them.
 
 set(TOVI_STANDIN_DIR ${CMAKE_BINARY_DIR}/verifiers)
 
