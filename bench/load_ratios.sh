@@ -37,8 +37,8 @@ measure() {
 
 floor="$(measure "$bin/bench_load" --floor "$work/utf8.xml")"
 floorSjis="$(measure "$bin/bench_load" --floor "$folder/PHOTO.XML" --convert)"
-info="$(measure "$bin/tovi" info "$folder")"
-json="$(measure "$bin/tovi" info --json "$folder")"
+info="$(measure "$bin/tovi" --profile "$work/p.ini" info "$folder")"
+json="$(measure "$bin/tovi" --profile "$work/p.ini" info --json "$folder")"
 
 awk -v f="$floor" -v fs="$floorSjis" -v i="$info" -v j="$json" 'BEGIN {
     split(f, F, " "); split(fs, S, " "); split(i, I, " "); split(j, J, " ");

@@ -125,3 +125,31 @@ void ToviData::Broadcast(QWidget* sender, UpdateHint hint, QObject* object) cons
 void ToviPhotoArrayFactory::ClearAway(ToviPhotoArray& photos) {
     photos.clear();
 }
+
+const ToviPathTitles& ToviData::GetPathTitles(bool standAlone) const {
+    std::optional<ToviPathTitles>& cached = pathTitles[standAlone ? 1 : 0];
+    if (cached) {
+        return *cached;
+    }
+    ToviPathTitles& titles = cached.emplace();
+    const bool mlit = itemDef.GetXMLType() == PhotoXMLMlit;
+    static const QStringList kRelativeMlit{QStringLiteral("参考図1"), QStringLiteral("参考図2"),
+                                           QStringLiteral("参考図3"),
+                                           QStringLiteral("参考図ファイル名")};
+    static const QStringList kRelativeOther{QStringLiteral("参考図ファイル名")};
+    static const QStringList kFullMlit{
+        QStringLiteral("参考図ファイルパス1"), QStringLiteral("参考図ファイルパス2"),
+        QStringLiteral("参考図ファイルパス3"), QStringLiteral("参考図ファイルパス")};
+    static const QStringList kFullOther{QStringLiteral("参考図ファイルパス")};
+    const QStringList& names =
+        standAlone ? (mlit ? kRelativeMlit : kRelativeOther) : (mlit ? kFullMlit : kFullOther);
+    for (const QString& name : names) {
+        const int index = itemDef.GetIndexFromTitle(name);
+        if (index >= 0) {
+            titles.drawings.append(index);
+        }
+    }
+    titles.photo = itemDef.GetIndexFromTitle(standAlone ? QStringLiteral("写真ファイル名")
+                                                        : QStringLiteral("写真ファイルパス"));
+    return titles;
+}

@@ -3,6 +3,7 @@
 #include "document/ToviItemArray.h"
 #include "document/ToviNode.h"
 #include "document/ToviPhotoArray.h"
+#include "document/ToviPathTitles.h"
 #include "document/ToviPhotoRef.h"
 #include "extraction/ToviExtractionConditions.h"
 #include "loading/ToviItemDef.h"
@@ -11,7 +12,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <memory>
+#include <optional>
 
 class QObject;
 class QWidget;
@@ -65,6 +68,9 @@ public:
     ToviHostDocument* GetHostDocument() const { return hostDocument; }
     // ToviPhoto::MakePath on every photograph, in order.
     void MakePath();
+    // The definitions photographs' paths are made from, for the stand-alone (relative file
+    // names) or the full-path mode; found by title on first use and kept.
+    const ToviPathTitles& GetPathTitles(bool standAlone) const;
     bool IsStandAlone() const { return standAlone; }
     void SetStandAlone(bool on) { standAlone = on; }
     PhotoXMLReadErr GetErrorType() const { return errorType; }
@@ -259,6 +265,7 @@ private:
     QString indexPath;
     PhotoXMLReadErr errorType = ReadErrNone;
     LoadFaults loadFaults;
+    mutable std::array<std::optional<ToviPathTitles>, 2> pathTitles;  // by stand-alone
     bool extractionOn = false;
     bool hasComment = true;
     std::unique_ptr<ToviImageCheckCommon> imageCheck;  // the tamper-check chain

@@ -29,32 +29,9 @@ ToviPhoto::ToviPhoto(ToviData* document, const ToviItemArray& items)
     MakePath();
 }
 
-ToviPhoto::PathTitles ToviPhoto::TitlesForPaths(bool standAlone) const {
-    PathTitles titles;
-    if (!document) {
-        return titles;
-    }
-    const ToviItemDef* def = document->GetItemDef();
-    const bool mlit = def->GetXMLType() == PhotoXMLMlit;
-    static const QStringList kRelativeMlit{QStringLiteral("参考図1"), QStringLiteral("参考図2"),
-                                           QStringLiteral("参考図3"),
-                                           QStringLiteral("参考図ファイル名")};
-    static const QStringList kRelativeOther{QStringLiteral("参考図ファイル名")};
-    static const QStringList kFullMlit{
-        QStringLiteral("参考図ファイルパス1"), QStringLiteral("参考図ファイルパス2"),
-        QStringLiteral("参考図ファイルパス3"), QStringLiteral("参考図ファイルパス")};
-    static const QStringList kFullOther{QStringLiteral("参考図ファイルパス")};
-    const QStringList& names =
-        standAlone ? (mlit ? kRelativeMlit : kRelativeOther) : (mlit ? kFullMlit : kFullOther);
-    for (const QString& name : names) {
-        const int index = def->GetIndexFromTitle(name);
-        if (index >= 0) {
-            titles.drawings.append(index);
-        }
-    }
-    titles.photo = def->GetIndexFromTitle(standAlone ? QStringLiteral("写真ファイル名")
-                                                     : QStringLiteral("写真ファイルパス"));
-    return titles;
+const ToviPhoto::PathTitles& ToviPhoto::TitlesForPaths(bool standAlone) const {
+    static const PathTitles none;
+    return document ? document->GetPathTitles(standAlone) : none;
 }
 
 void ToviPhoto::MakePath() {
@@ -62,7 +39,7 @@ void ToviPhoto::MakePath() {
         return;  // a loose image keeps the path it was made with
     }
     const bool standAlone = document->IsStandAlone();
-    const PathTitles titles = TitlesForPaths(standAlone);
+    const PathTitles& titles = TitlesForPaths(standAlone);
     if (!standAlone) {
         FullPathWalk(titles);
         return;
@@ -216,7 +193,7 @@ void ToviPhoto::GetOutputFilename(QStringList& names) {
         return;
     }
     // Always the stand-alone titles: the question is which file names are missing.
-    const PathTitles titles = TitlesForPaths(true);
+    const PathTitles& titles = TitlesForPaths(true);
     ResolvePaths();
     QStringList collected;
     for (const QString& path : picturePaths) {

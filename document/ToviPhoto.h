@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/ToviPathTitles.h"
 #include "document/ToviNotCopied.h"
 #include "document/ToviItemArray.h"
 #include "document/ToviTextPairArray.h"
@@ -136,11 +137,8 @@ protected:
     std::array<bool, kLabelCount> labels{};
 
 private:
-    struct PathTitles {
-        QList<int> drawings;  // definition indexes of the reference-drawing titles
-        int photo = -1;
-    };
-    PathTitles TitlesForPaths(bool standAlone) const;
+    using PathTitles = ToviPathTitles;
+    const PathTitles& TitlesForPaths(bool standAlone) const;
     void FullPathWalk(const PathTitles& titles);
     void RelativeWalk(const PathTitles& titles, const QString& root);
     void UpdateWalk(const PathTitles& titles, const QString& root);
