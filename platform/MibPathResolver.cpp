@@ -4,7 +4,10 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
+
+#include <sys/stat.h>
 #include <QStringList>
 
 QHash<QString, QString> MibListFoldedNames(const QString& folder) {
@@ -71,9 +74,18 @@ QString MibPathResolver::Resolve(const QString& path) const {
             return QString();
         }
     }
-    // The path as written costs one look at the disc; only a miss lists folders.
+    // The path as written costs one look at the disc; only a miss lists folders. A file that
+    // is no link, straight in its sub-folder, lies where that sub-folder really is; anything
+    // else has its real place worked out.
+    const QString& area = AreaOf(root + parts[0]);
     QString actual = path;
-    QString canonical = QFileInfo(path).canonicalFilePath();
+    QString canonical;
+    struct stat status;
+    if (::lstat(QFile::encodeName(path).constData(), &status) == 0) {
+        canonical = !S_ISLNK(status.st_mode) && parts.size() == 2 && !area.isEmpty()
+                        ? area + parts[1]
+                        : QFileInfo(path).canonicalFilePath();
+    }
     if (canonical.isEmpty()) {
         actual = root;
         for (qsizetype i = 0; i < parts.size(); ++i) {
@@ -95,8 +107,9 @@ QString MibPathResolver::Resolve(const QString& path) const {
             return path;  // a link that leads nowhere
         }
     }
-    const QString& area = AreaOf(root + actual.mid(root.size()).section(QLatin1Char('/'), 0, 0));
-    if (area.isEmpty() || !canonical.startsWith(area)) {
+    const QString& actualArea =
+        AreaOf(root + actual.mid(root.size()).section(QLatin1Char('/'), 0, 0));
+    if (actualArea.isEmpty() || !canonical.startsWith(actualArea)) {
         return QString();
     }
     return actual;
