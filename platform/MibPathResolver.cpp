@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <sys/stat.h>
 #include <QStringList>
 
 QHash<QString, QString> MibListFoldedNames(const QString& folder) {
@@ -22,6 +21,26 @@ QHash<QString, QString> MibListFoldedNames(const QString& folder) {
         }
     }
     return names;
+}
+
+const MibPathResolver::Listing& MibPathResolver::ListingOf(const QString& folder) const {
+    const auto found = listings.constFind(folder);
+    if (found != listings.cend()) {
+        return *found;
+    }
+    Listing listing;
+    // The directory's own record tells a link from a file; no entry is looked at again.
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    while (it.hasNext()) {
+        it.next();
+        const QString name = it.fileName();
+        listing.links.insert(name, it.fileInfo().isSymLink());
+        QString& kept = listing.folded[name.toCaseFolded()];
+        if (kept.isEmpty() || name < kept) {
+            kept = name;
+        }
+    }
+    return *listings.insert(folder, std::move(listing));
 }
 
 void MibPathResolver::SetRoot(const QString& path) {
@@ -74,26 +93,29 @@ QString MibPathResolver::Resolve(const QString& path) const {
             return QString();
         }
     }
-    // The path as written costs one look at the disc; only a miss lists folders. A file that
-    // is no link, straight in its sub-folder, lies where that sub-folder really is; anything
-    // else has its real place worked out.
-    const QString& area = AreaOf(root + parts[0]);
-    QString actual = path;
-    QString canonical;
-    struct stat status;
-    if (::lstat(QFile::encodeName(path).constData(), &status) == 0) {
-        canonical = !S_ISLNK(status.st_mode) && parts.size() == 2 && !area.isEmpty()
-                        ? area + parts[1]
-                        : QFileInfo(path).canonicalFilePath();
+    // The sub-folder's and then the file's entry in listings made once per folder: a name
+    // found as written that is no link lies where its sub-folder really is, without asking
+    // the disc again. Links, other spellings and deeper paths have their real place worked
+    // out. A sub-folder missing in every spelling has nothing under it.
+    const Listing& top = ListingOf(root);
+    const auto sub = top.links.constFind(parts[0]);
+    if (sub == top.links.cend() && !top.folded.contains(parts[0].toCaseFolded())) {
+        return path;
     }
+    if (parts.size() == 2 && sub != top.links.cend() && !sub.value()) {
+        const QString& area = AreaOf(root + parts[0]);
+        const Listing& files = ListingOf(root + parts[0] + QLatin1Char('/'));
+        const auto file = files.links.constFind(parts[1]);
+        if (!area.isEmpty() && file != files.links.cend() && !file.value()) {
+            return path;
+        }
+    }
+    QString actual = path;
+    QString canonical = QFileInfo(path).canonicalFilePath();
     if (canonical.isEmpty()) {
         actual = root;
         for (qsizetype i = 0; i < parts.size(); ++i) {
-            auto listing = listings.find(actual);
-            if (listing == listings.end()) {
-                listing = listings.insert(actual, MibListFoldedNames(actual));
-            }
-            const QString found = listing->value(parts[i].toCaseFolded());
+            const QString found = ListingOf(actual).folded.value(parts[i].toCaseFolded());
             if (found.isEmpty()) {
                 return path;
             }

@@ -35,7 +35,14 @@ private:
     mutable QString canonicalRoot;
     mutable bool rootKnown = false;
     mutable QHash<QString, QString> areas;
-    mutable QHash<QString, QHash<QString, QString>> listings;  // folder as resolved: names
+    // A folder's entries: each name as written with whether it is a symbolic link, and the
+    // names by case-folded form (MibListFoldedNames's choice).
+    struct Listing {
+        QHash<QString, bool> links;
+        QHash<QString, QString> folded;
+    };
+    const Listing& ListingOf(const QString& folder) const;
+    mutable QHash<QString, Listing> listings;  // by folder as resolved, ending in '/'
 };
 
 // Every entry of folder by its case-folded name; of names that fold alike, the first in code
