@@ -50,6 +50,5 @@ protected:
 
 private:
     QString file;
-    int reserved = 0;  // nothing reads it
     std::vector<std::unique_ptr<ToviCheckProcessor>> processors;
 };

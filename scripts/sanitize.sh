@@ -18,7 +18,7 @@ targets=(photoxml readitem exif svg controlvalue)
 
 start=$SECONDS
 CC=clang CXX=clang++ cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DTOVI_FUZZ=ON -DTOVI_BUILD_BENCH=OFF >/dev/null
+    -DTOVI_FUZZ=ON -DTOVI_BUILD_BENCH=OFF -DTOVI_WERROR=ON >/dev/null
 cmake --build "$build" -j"$jobs"
 echo "sanitize: build took $((SECONDS - start)) s"
 
