@@ -68,12 +68,7 @@ bool ToviData::RunExtraction(bool orMode) {
     const int count = curPhotos.GetSize();
 
     ToviProgressDlg progress(true, nullptr);
-    progress.SetCancelBtnEnabled(true);
-    progress.Create(nullptr);
-    progress.SetCaption(QString());
-    progress.SetRange(0, count);
-    progress.SetStep(1);
-    progress.SetPos(0);
+    progress.OpenForLoop(count, true);
 
     const QString messageHead = QStringLiteral("写真データ抽出中　");
     const QString messageTail = QStringLiteral(" / ") + QString::number(count);

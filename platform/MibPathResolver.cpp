@@ -10,24 +10,10 @@
 #include <QStringList>
 
 QHash<QString, QString> MibListFoldedNames(const QString& folder) {
-    QHash<QString, QString> names;
-    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    while (it.hasNext()) {
-        it.next();
-        const QString name = it.fileName();
-        QString& kept = names[name.toCaseFolded()];
-        if (kept.isEmpty() || name < kept) {
-            kept = name;
-        }
-    }
-    return names;
+    return MibPathResolver::List(folder).folded;
 }
 
-const MibPathResolver::Listing& MibPathResolver::ListingOf(const QString& folder) const {
-    const auto found = listings.constFind(folder);
-    if (found != listings.cend()) {
-        return *found;
-    }
+MibPathResolver::Listing MibPathResolver::List(const QString& folder) {
     Listing listing;
     // The directory's own record tells a link from a file; no entry is looked at again.
     QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
@@ -40,7 +26,15 @@ const MibPathResolver::Listing& MibPathResolver::ListingOf(const QString& folder
             kept = name;
         }
     }
-    return *listings.insert(folder, std::move(listing));
+    return listing;
+}
+
+const MibPathResolver::Listing& MibPathResolver::ListingOf(const QString& folder) const {
+    const auto found = listings.constFind(folder);
+    if (found != listings.cend()) {
+        return *found;
+    }
+    return *listings.insert(folder, List(folder));
 }
 
 void MibPathResolver::SetRoot(const QString& path) {

@@ -25,6 +25,14 @@ public:
     // path leads outside, or does not lie under the root at all.
     QString Resolve(const QString& path) const;
 
+    // A folder's entries: each name as written with whether it is a symbolic link, and the
+    // names by case-folded form; of names that fold alike, the first in code order.
+    struct Listing {
+        QHash<QString, bool> links;
+        QHash<QString, QString> folded;
+    };
+    static Listing List(const QString& folder);
+
 private:
     const QString& CanonicalRoot() const;
     // The real place of a sub-folder of the root, ending in '/'; empty when it is missing or
@@ -35,12 +43,6 @@ private:
     mutable QString canonicalRoot;
     mutable bool rootKnown = false;
     mutable QHash<QString, QString> areas;
-    // A folder's entries: each name as written with whether it is a symbolic link, and the
-    // names by case-folded form (MibListFoldedNames's choice).
-    struct Listing {
-        QHash<QString, bool> links;
-        QHash<QString, QString> folded;
-    };
     const Listing& ListingOf(const QString& folder) const;
     mutable QHash<QString, Listing> listings;  // by folder as resolved, ending in '/'
 };

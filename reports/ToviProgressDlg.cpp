@@ -208,3 +208,12 @@ void ToviProgressDlg::OnCancel() {
         cancelled = true;
     }
 }
+
+void ToviProgressDlg::OpenForLoop(int count, bool cancelEnabled) {
+    SetCancelBtnEnabled(cancelEnabled);
+    Create(nullptr);
+    SetCaption(QString());
+    SetRange(0, count);
+    SetStep(1);
+    SetPos(0);
+}

@@ -41,6 +41,10 @@ public:
     void SetMessage(const QString& message);
     // True once per cancel; while throttled, a cancel is noticed only at an update position.
     bool GetCancel();
+    // The usual opening for a loop over count items: cancel as given, the window created
+    // without an owner, the application's name as caption, range 0 to count, step 1,
+    // position 0.
+    void OpenForLoop(int count, bool cancelEnabled);
     // Re-enables the owner and closes the window; false when there was no window to close.
     virtual bool DestroyWindow();
 

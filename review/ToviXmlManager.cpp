@@ -140,12 +140,7 @@ bool ToviXmlSaveManager::Save(ToviPhotoArray& photos, int* result) {
     }
 
     ToviProgressDlg progress(true, nullptr);
-    progress.SetCancelBtnEnabled(true);
-    progress.Create(nullptr);
-    progress.SetCaption(QString());
-    progress.SetRange(0, count);
-    progress.SetStep(1);
-    progress.SetPos(0);
+    progress.OpenForLoop(count, true);
     const QString messageHead = QStringLiteral("検査状況出力中　");
     const QString messageTail = QStringLiteral(" / ") + QString::number(count);
     const QString photoTag = QStringLiteral("写真");
@@ -227,12 +222,7 @@ bool ToviXmlLoadManager::Load(ToviPhotoArray& photos, int* result) {
     }
 
     ToviProgressDlg progress(true, nullptr);
-    progress.SetCancelBtnEnabled(false);
-    progress.Create(nullptr);
-    progress.SetCaption(QString());
-    progress.SetRange(0, count);
-    progress.SetStep(1);
-    progress.SetPos(0);
+    progress.OpenForLoop(count, false);
     const QString messageHead = QStringLiteral("検査状況読み込み中　");
     const QString messageTail = QStringLiteral(" / ") + QString::number(count);
     std::array<QByteArray, ToviPhoto::kLabelCount> labelTags;
