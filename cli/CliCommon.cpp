@@ -128,3 +128,17 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
     document->Load();
     return document;
 }
+
+CliUi::CliUi(const QString& saveFileName) : saveFileName(saveFileName) {
+    ToviUi::Install(this);
+}
+
+CliUi::~CliUi() {
+    ToviUi::Install(nullptr);
+}
+
+int CliUi::MessageBox(QWidget* parent, const QString& text, const QString& caption,
+                      Buttons buttons, Icon icon) {
+    PrintError(text);
+    return ToviNonInteractiveUi::MessageBox(parent, text, caption, buttons, icon);
+}

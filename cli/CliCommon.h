@@ -1,6 +1,7 @@
 #pragma once
 
 #include "loading/ToviItemDef.h"
+#include "platform/ToviUi.h"
 
 #include <QString>
 #include <QStringList>
@@ -37,3 +38,23 @@ bool ParseIntOption(const QString& command, const QString& option, const QString
 // says why when no document came back or its error type is other than none or "no
 // photographs" (an empty delivery opens).
 std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options);
+
+// What the model asks of a user, answered from a command's options: a file name to save to is
+// the one given, the text of a message box is printed on standard error, and every other
+// question gets the non-interactive answer. Installed for as long as it lives.
+class CliUi : public ToviNonInteractiveUi {
+public:
+    explicit CliUi(const QString& saveFileName = QString());
+    ~CliUi() override;
+    CliUi(const CliUi&) = delete;
+    CliUi& operator=(const CliUi&) = delete;
+
+    int MessageBox(QWidget* parent, const QString& text, const QString& caption, Buttons buttons,
+                   Icon icon) override;
+    QString GetSaveFileName(QWidget*, const QString&, const QString&, const QString&) override {
+        return saveFileName;
+    }
+
+private:
+    QString saveFileName;
+};

@@ -1,4 +1,5 @@
 #include "cli/CliCommon.h"
+#include "cli/CliSelection.h"
 #include "cli/JsonWriter.h"
 
 #include "document/ToviData.h"

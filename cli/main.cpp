@@ -12,6 +12,7 @@ int RunExif(QStringList args);
 int RunCheck(QStringList args);
 int RunExam(QStringList args);
 int RunLabel(QStringList args);
+int RunReport(QStringList args);
 
 namespace {
 
@@ -45,6 +46,10 @@ const char kUsage[] =
     "  tovi label DIR --record FILE [--paste I:L]... [--remove I:L]... [--comment I=TEXT]...\n"
     "             [--with-paths] [--family N]   検査状況ファイルがあれば読み込み、写真番号 I に\n"
     "    付箋 L (0-5) を貼る・はがす、コメントを設定して保存する (--with-paths: 写真ファイルパスも書く)\n"
+    "  tovi report DIR --out FILE.xlsx [--record FILE] [--type T] [--node P | --label N]\n"
+    "             [抽出条件...] [--sort KEY [--desc]] [--family N]   選んだ写真の検査結果を\n"
+    "    印刷用の EXCEL ファイルに書き出す (--record: 付箋とコメントを検査状況ファイルから読む)。\n"
+    "    書き出せなかったときは既存のファイルをそのまま残し、終了コード 1 で終わる\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -83,6 +88,9 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("label")) {
         return RunLabel(args);
+    }
+    if (command == QLatin1String("report")) {
+        return RunReport(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

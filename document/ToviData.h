@@ -162,6 +162,12 @@ public:
     // ignores both; the command line reports them).
     bool ReturnExam(const QString& path, int* result = nullptr);
 
+    // ---- reports (ToviDataReports.cpp) ---------------------------------------------------------
+    // The check report of the current view: asks the file name, writes the workbook and tells
+    // the outcome, with caption as the title of its progress window and messages. True when
+    // the report was written.
+    bool FileOutCheckStatus(const QString& caption);
+
     // ---- sort (ToviDataExtraction.cpp) ---------------------------------------------------------
     // Orders the current array by the sort condition's key and direction.
     virtual void Sort();

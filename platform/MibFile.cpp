@@ -9,6 +9,9 @@
 #include <QSaveFile>
 #include <QThread>
 
+#include <cerrno>
+#include <cstdio>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -127,6 +130,17 @@ bool MibCopyFileEx(const QString& from, const QString& to, bool overwrite) {
         }
     }
     return target.commit();
+}
+
+bool MibMoveFileReplacing(const QString& from, const QString& to) {
+    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0) {
+        return true;
+    }
+    if (errno != EXDEV || !MibCopyFileEx(from, to, true)) {
+        return false;
+    }
+    QFile::remove(from);
+    return true;
 }
 
 QString MibGetExt(const QString& path) {

@@ -31,6 +31,10 @@ bool MibRemoveDirectory(const QString& path);
 // Copies a file, replacing the target when overwrite is set; the copy is written to a
 // temporary file beside the target and renamed into place.
 bool MibCopyFileEx(const QString& from, const QString& to, bool overwrite);
+// Moves a file onto to in one step, replacing what was there: a rename within one file
+// system, else a copy into a temporary file beside to that is renamed into place. On failure
+// an existing file at to is as it was.
+bool MibMoveFileReplacing(const QString& from, const QString& to);
 // The extension without the dot ("a/b.JPG" gives "JPG"), empty when there is none.
 QString MibGetExt(const QString& path);
 // The file name without folder and extension.

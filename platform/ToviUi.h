@@ -68,6 +68,9 @@ public:
                                     const QString& filter) = 0;
     // Runs the pending UI events once, during a long loop on the UI thread.
     virtual void Pump() = 0;
+    // Opens a file written for the user with the desktop's default application for it (a
+    // finished report, say). Nothing by default: batch use opens nothing.
+    virtual void OpenWithDefaultApplication(const QString& path) { (void)path; }
     // A progress window owned by parent; null when nothing is to be shown.
     virtual std::unique_ptr<ToviProgressView> CreateProgressView(QWidget* parent) = 0;
 

@@ -10,6 +10,7 @@ packages=(
     qt6-base-dev qt6-svg-dev libqt6svg6 libgl-dev
     qt6-image-formats-plugins qt6-qpa-plugins
     libpugixml-dev libexiv2-dev
+    libxlsxwriter-dev libminizip-dev # the check report's workbook, and reading it back
     libbenchmark-dev time
     clang libclang-rt-14-dev # scripts/sanitize.sh: clang and its sanitizer and libFuzzer runtimes
     fontconfig fonts-ipafont-gothic
