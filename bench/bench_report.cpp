@@ -1,0 +1,112 @@
+// The check report of 100,000 photographs (国交省-20, no images), every photograph carrying a
+// label and every third a comment, written through the report's write step with the progress
+// window's logic on (the command line's presenter). Reports the workbook's size and how far
+// the process's peak memory rose while the report was written.
+
+#include "document/ToviData.h"
+#include "document/ToviHostDocument.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/ToviEnvironment.h"
+#include "platform/ToviProfile.h"
+#include "reports/ToviCheckStatusFileOut.h"
+#include "tests/support/DeliveryWriter.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <memory>
+
+#include <sys/resource.h>
+
+namespace {
+
+class NoViews : public ToviHostDocument {
+public:
+    void UpdateAllViews(QWidget*, int, QObject*) override {}
+};
+
+QTemporaryDir& Temp() {
+    static QTemporaryDir dir;
+    return dir;
+}
+
+double PeakMB() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+ToviData& Document() {
+    static NoViews host;
+    static std::unique_ptr<ToviData> document = [] {
+        DeliveryOptions options;
+        options.photoCount = 100000;
+        options.images = DeliveryOptions::Images::None;
+        options.seed = 42;
+        QString error;
+        if (!WriteDelivery(Temp().filePath(QStringLiteral("d")), options, nullptr, &error)) {
+            qFatal("cannot write the delivery: %s", qPrintable(error));
+        }
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> loaded = factory.Create(
+            &host, Temp().filePath(QStringLiteral("d/INDEX_C/PHOTO")), PhotoXMLMlit);
+        if (!loaded) {
+            qFatal("the delivery did not load");
+        }
+        loaded->BuildTreeNode(0);
+        loaded->SetSelected(loaded.get(), true);
+        for (int i = 0; i < loaded->GetTotalCountPhoto(); ++i) {
+            ToviPhoto* photo = loaded->GetPhotoActualPhotoArray(i);
+            photo->PasteLabel(static_cast<unsigned>(i % 4));
+            if (i % 3 == 0) {
+                photo->SetComment(QStringLiteral("再撮影のこと %1").arg(i));
+            }
+        }
+        return loaded;
+    }();
+    return *document;
+}
+
+void BM_CheckReport(benchmark::State& state) {
+    ToviData& document = Document();
+    const QString out = Temp().filePath(QStringLiteral("report.xlsx"));
+    const double before = PeakMB();
+    for (auto _ : state) {
+        ToviCheckStatusFileOut report(document, *document.GetLabelManager());
+        if (report.Write(QStringLiteral("検査結果出力"), out) != ToviCheckStatusFileOut::Written) {
+            state.SkipWithError("the report was not written");
+            return;
+        }
+    }
+    state.counters["photos"] = document.GetCurrentPhotoCount();
+    state.counters["workbook_MB"] = static_cast<double>(QFile(out).size()) / (1 << 20);
+    state.counters["peak_MB"] = PeakMB();
+    state.counters["peak_rise_MB"] = PeakMB() - before;
+}
+BENCHMARK(BM_CheckReport)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ToviTuneAllocator();
+    QCoreApplication app(argc, argv);
+    ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
+    // The work folder inside the benchmark's own temporary folder.
+    const QString user = Temp().filePath(QStringLiteral("user.ini"));
+    {
+        QSettings settings(user, QSettings::IniFormat);
+        settings.setValue(QStringLiteral("QVScratch"), Temp().path());
+    }
+    ToviEnvironment::SetSettingsPathsForTesting(user, Temp().filePath(QStringLiteral("system.ini")));
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+    return 0;
+}
