@@ -129,7 +129,8 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
     return document;
 }
 
-CliUi::CliUi(const QString& saveFileName) : saveFileName(saveFileName) {
+CliUi::CliUi(const QString& saveFileName, const QString& folder)
+    : saveFileName(saveFileName), folder(folder) {
     ToviUi::Install(this);
 }
 
@@ -141,4 +142,13 @@ int CliUi::MessageBox(QWidget* parent, const QString& text, const QString& capti
                       Buttons buttons, Icon icon) {
     PrintError(text);
     return ToviNonInteractiveUi::MessageBox(parent, text, caption, buttons, icon);
+}
+
+bool CliUi::BrowseForFolder(QWidget*, const QString&, QString& chosen) {
+    if (folderGiven || folder.isEmpty()) {
+        return false;
+    }
+    folderGiven = true;
+    chosen = folder;
+    return true;
 }

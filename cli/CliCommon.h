@@ -40,11 +40,13 @@ bool ParseIntOption(const QString& command, const QString& option, const QString
 std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options);
 
 // What the model asks of a user, answered from a command's options: a file name to save to is
-// the one given, the text of a message box is printed on standard error, and every other
-// question gets the non-interactive answer. Installed for as long as it lives.
+// the one given, a folder is the one given the first time it is asked and refused after
+// (a question asked again would loop), the text of a message box is printed on standard
+// error, and every other question gets the non-interactive answer. Installed for as long as
+// it lives.
 class CliUi : public ToviNonInteractiveUi {
 public:
-    explicit CliUi(const QString& saveFileName = QString());
+    explicit CliUi(const QString& saveFileName = QString(), const QString& folder = QString());
     ~CliUi() override;
     CliUi(const CliUi&) = delete;
     CliUi& operator=(const CliUi&) = delete;
@@ -54,7 +56,10 @@ public:
     QString GetSaveFileName(QWidget*, const QString&, const QString&, const QString&) override {
         return saveFileName;
     }
+    bool BrowseForFolder(QWidget*, const QString&, QString& chosen) override;
 
 private:
     QString saveFileName;
+    QString folder;
+    bool folderGiven = false;
 };

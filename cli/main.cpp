@@ -13,6 +13,7 @@ int RunCheck(QStringList args);
 int RunExam(QStringList args);
 int RunLabel(QStringList args);
 int RunReport(QStringList args);
+int RunExport(QStringList args);
 
 namespace {
 
@@ -50,6 +51,10 @@ const char kUsage[] =
     "             [抽出条件...] [--sort KEY [--desc]] [--family N]   選んだ写真の検査結果を\n"
     "    印刷用の EXCEL ファイルに書き出す (--record: 付箋とコメントを検査状況ファイルから読む)。\n"
     "    書き出せなかったときは既存のファイルをそのまま残し、終了コード 1 で終わる\n"
+    "  tovi export DIR --out FOLDER [--record FILE] [選択と抽出の指定...] [--json]   選んだ写真を\n"
+    "    ファイルの日時と属性ごとフォルダにコピーし、対象・コピー・失敗の枚数を表示する\n"
+    "    (--json: {\"count\", \"copied\", \"failed\"})。同名のファイルがフォルダにあれば何も\n"
+    "    コピーせず、終了コード 1 で終わる\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -91,6 +96,9 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("report")) {
         return RunReport(args);
+    }
+    if (command == QLatin1String("export")) {
+        return RunExport(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

@@ -12,6 +12,7 @@
 
 #include <exiv2/exiv2.hpp>
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <mutex>
@@ -431,6 +432,42 @@ bool LumImage::LoadThumb(const QString& path) {
 
 void LumImage::Clear() {
     image = QImage();
+}
+
+bool LumImage::Save(const QString& path, LumImageType type, unsigned quality) const {
+    if (image.isNull()) {
+        return false;
+    }
+    static const char* const kFormats[] = {"BMP", "PNG", "JPG"};
+    static const int kJpegQuality[] = {50, 75, 90};
+    const int t = static_cast<int>(type);
+    if (t < 0 || t > 2) {
+        return false;
+    }
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    const int jpegQuality = kJpegQuality[std::min(quality, 2u)];
+    if (!image.save(&buffer, kFormats[t], type == LumImageJpeg ? jpegQuality : -1)) {
+        return false;
+    }
+    return MibWriteFileAtomic(path, bytes);
+}
+
+bool LumImage::SaveSvgAsJpeg(const QString& svgPath, const QString& outPath, int width,
+                             int height) {
+    if (width <= 0 || height <= 0) {
+        return false;
+    }
+    LumImage drawing;
+    if (!drawing.Assign(RenderSvg(svgPath, std::max(width, height)))) {
+        return false;
+    }
+    if (drawing.Width() > width || drawing.Height() > height) {
+        drawing.image = drawing.image.scaled(width, height, Qt::KeepAspectRatio,
+                                             Qt::SmoothTransformation);
+    }
+    return drawing.Save(outPath, LumImageJpeg, 1);
 }
 
 bool LumImage::IsValid() const {

@@ -35,6 +35,9 @@ enum LumCMNT : int {
     LumCmntCount = 33,
 };
 
+// The file formats LumImage::Save writes.
+enum LumImageType : int { LumImageBmp = 0, LumImagePng = 1, LumImageJpeg = 2 };
+
 // One picture in memory: a photograph, its thumbnail or a rendered SVG drawing. A value type;
 // copies share the pixels until one of them changes. Every failure (missing file, truncated
 // or unreadable data) answers false and leaves the object empty, without a message.
@@ -55,6 +58,16 @@ public:
     const QImage& Image() const;
     int Width() const;
     int Height() const;
+
+    // Writes the picture as type with quality 0 (small), 1 (normal) or 2 (fine) for JPEG,
+    // through a temporary file renamed into place; metadata such as Exif is not carried over.
+    // False when there is no picture or the file cannot be written (an old file then stays).
+    bool Save(const QString& path, LumImageType type, unsigned quality) const;
+    // Renders the SVG drawing at svgPath into a JPEG of at most width x height (its
+    // proportions kept) at outPath; false, and nothing written, when the drawing cannot be
+    // read or the file not written.
+    static bool SaveSvgAsJpeg(const QString& svgPath, const QString& outPath, int width,
+                              int height);
 
     // A 1-bit picture becomes 8-bit grey, so that it can be smoothed when scaled; false when
     // there is no picture or it is not 1-bit.

@@ -132,6 +132,23 @@ bool MibCopyFileEx(const QString& from, const QString& to, bool overwrite) {
     return target.commit();
 }
 
+bool MibCopyFileKeepStatus(const QString& from, const QString& to) {
+    if (!MibCopyFileEx(from, to, true)) {
+        return false;
+    }
+    struct stat source{};
+    const QByteArray target = QFile::encodeName(to);
+    if (::stat(QFile::encodeName(from).constData(), &source) != 0) {
+        return true;
+    }
+    // Writable first, as a copy over a read-only file would need, then the source's own.
+    ::chmod(target.constData(), (source.st_mode & 07777) | S_IWUSR);
+    const struct timespec times[2] = {source.st_atim, source.st_mtim};
+    ::utimensat(AT_FDCWD, target.constData(), times, 0);
+    ::chmod(target.constData(), source.st_mode & 07777);
+    return true;
+}
+
 bool MibMoveFileReplacing(const QString& from, const QString& to) {
     if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0) {
         return true;

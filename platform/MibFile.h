@@ -31,6 +31,11 @@ bool MibRemoveDirectory(const QString& path);
 // Copies a file, replacing the target when overwrite is set; the copy is written to a
 // temporary file beside the target and renamed into place.
 bool MibCopyFileEx(const QString& from, const QString& to, bool overwrite);
+// Copies a delivered file out: its bytes onto to (replacing a file there), then the source's
+// permissions and its access and modification times on the copy, so that the copy of a
+// read-only file is read-only too. True when the bytes were copied, whatever became of the
+// permissions and times.
+bool MibCopyFileKeepStatus(const QString& from, const QString& to);
 // Moves a file onto to in one step, replacing what was there: a rename within one file
 // system, else a copy into a temporary file beside to that is renamed into place. On failure
 // an existing file at to is as it was.
