@@ -195,6 +195,9 @@ void MibSheetWriter::SetPageSetup(const PageSetup& setup) {
         worksheet_set_portrait(book->sheet);
     }
     worksheet_set_print_scale(book->sheet, static_cast<uint16_t>(setup.scale));
+    if (setup.fitToWidth) {
+        worksheet_fit_to_pages(book->sheet, 1, 0);
+    }
     worksheet_set_margins(book->sheet, setup.marginLeft, setup.marginRight, setup.marginTop,
                           setup.marginBottom);
 }

@@ -17,7 +17,8 @@ public:
 
     struct PageSetup {
         bool a4Portrait = true;
-        int scale = 100;  // print scale in percent, 10 to 400
+        int scale = 100;  // print scale in percent, 10 to 400, when not fitted to the width
+        bool fitToWidth = false;  // as small as makes the columns fit one page wide
         double marginLeft = 0.5, marginRight = 0.5, marginTop = 0.75, marginBottom = 0.75;  // in
     };
 

@@ -268,9 +268,10 @@ ToviCheckStatusFileOut::WriteResult ToviCheckStatusFileOut::Write(const QString&
     }
     progress.DestroyWindow();
 
-    // Columns as wide as their texts, scaled so that the five fit one page wide, and rows as
-    // high as makes one block fill a page: the printer's own breaks then fall where the
-    // manual ones are, also past the number of manual breaks a sheet can hold.
+    // Columns as wide as their texts, fitted to one page wide, and rows as high as makes one
+    // block fill a page at the scale that fitting takes with the sheet's default font: an
+    // office program that lays pages out by itself then breaks them where the manual breaks
+    // are, also past the number of manual breaks a sheet can hold.
     double widthPx = 0;
     for (int column = 0; column < kColumns; ++column) {
         const double width =
@@ -280,6 +281,7 @@ ToviCheckStatusFileOut::WriteResult ToviCheckStatusFileOut::Write(const QString&
     }
     MibSheetWriter::PageSetup setup;
     setup.scale = std::clamp(static_cast<int>(kPrintableWidthPx * 100 / widthPx), 10, 100);
+    setup.fitToWidth = true;
     setup.marginLeft = setup.marginRight = kMarginSide;
     setup.marginTop = setup.marginBottom = kMarginEdge;
     sheet.SetPageSetup(setup);

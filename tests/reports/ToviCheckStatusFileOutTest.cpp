@@ -187,6 +187,8 @@ private slots:
         QVERIFY(sheet.contains("view=\"pageBreakPreview\""));
         QVERIFY(sheet.contains("paperSize=\"9\""));
         QVERIFY(sheet.contains("orientation=\"portrait\""));
+        QVERIFY(sheet.contains("<pageSetUpPr fitToPage=\"1\"/>"));
+        QVERIFY(sheet.contains("fitToHeight=\"0\""));
         QByteArray workbook;
         QVERIFY(MibReadZipEntry(out, QStringLiteral("xl/workbook.xml"), workbook));
         QVERIFY2(workbook.contains(QStringLiteral("$A$1:$E$%1<").arg(blocks * 32).toUtf8()),
