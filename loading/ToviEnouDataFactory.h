@@ -24,6 +24,11 @@ public:
     // that succeeded. The host words its own messages; the command line prints this one.
     const QString& GetLoadError() const { return loadError; }
 
+    // Copies the index file into the suite folder's "IndexCopy" with its stylesheet line
+    // pointing at stylesheetPath's file name, beside which the stylesheet and the index's DTD
+    // are copied too. Answers the copy's path, or empty when it could not be made.
+    QString GetNewIndexPath(const QString& indexPath, const QString& stylesheetPath);
+
 protected:
     std::unique_ptr<ToviData> OnNewDocumentInstance(ToviHostDocument* hostDocument) override;
     bool OnLoad(ToviLoadCallback callback, void* arg) override;

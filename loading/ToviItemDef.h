@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 // The delivery family the host names when it opens a delivery. The underlying type is fixed
 // so that a number from outside (a profile, a caller's int) outside 0..3 is still a value
@@ -94,6 +95,19 @@ public:
     // Where READITEM.XML is looked for instead of the program's folder (tests, tools);
     // empty returns to the program's folder.
     static void SetProgramPathOverride(const QString& folder);
+
+    // ---- the index file and its stylesheet (ToviItemDefIndex.cpp) ----
+    // Finds the delivery's index file in the parent folder (the last "INDEX_*.XML" by name,
+    // else the last "PHOTO_*.XML") and the stylesheet for its DOCTYPE line and this family:
+    // the program folder's "XSLPLATE/" and the table's path, or the program folder alone when
+    // the tables have no row for it. A file that cannot be read, or has no DOCTYPE line of an
+    // index, leaves stylesheetPath as it was.
+    void GetPathAndName(QString& indexPath, QString& stylesheetPath) const;
+    // The table path (such as "MLIT/INDE_C05.XSL") for a DOCTYPE line and a family; empty
+    // when the line is no index DOCTYPE or the tables have no row for it.
+    static QString StylesheetFor(const QByteArray& doctypeLine, PhotoXMLType family);
+    // Every path the tables name, and the one path of the families' lists that no DTD reaches.
+    static QStringList AllStylesheets();
 
 private:
     bool InitializeData(const QString& dataPath, PhotoXMLType type);

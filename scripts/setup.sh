@@ -11,6 +11,7 @@ packages=(
     qt6-image-formats-plugins qt6-qpa-plugins
     libpugixml-dev libexiv2-dev
     libxlsxwriter-dev libminizip-dev # the check report's workbook, and reading it back
+    libxslt1-dev # the index page: XSLT over the index copy
     libbenchmark-dev time
     clang libclang-rt-14-dev # scripts/sanitize.sh: clang and its sanitizer and libFuzzer runtimes
     fontconfig fonts-ipafont-gothic
