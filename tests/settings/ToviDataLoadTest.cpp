@@ -16,10 +16,13 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString kShowSection = QStringLiteral("ShowSetting");
-const QString kItems = QStringLiteral("Items");
+const QString kShowSection = u"ShowSetting"_s;
+const QString kItems = u"Items"_s;
+using Setting = ToviPhotoCtrlVisualSetting;
 
 ToviProfile& Profile() {
     return ToviProfile::Instance();
@@ -33,7 +36,7 @@ bool WriteFile(const QString& path, const QByteArray& bytes) {
 
 // One section of READITEM.XML from "title:表示:必要度;..." rows.
 QString Section(const QString& name, const QString& rows) {
-    QString xml = QStringLiteral("<%1>").arg(name);
+    QString xml = u"<%1>"_s.arg(name);
     for (const QString& row : rows.split(QLatin1Char(';'))) {
         const QStringList parts = row.split(QLatin1Char(':'));
         xml += QStringLiteral(
@@ -41,7 +44,7 @@ QString Section(const QString& name, const QString& rows) {
                    "<データ数>0+</データ数><操作>Next</操作></管理項目>")
                    .arg(parts[0], parts[1], parts[2]);
     }
-    return xml + QStringLiteral("</%1>").arg(name);
+    return xml + u"</%1>"_s.arg(name);
 }
 
 // 国交省-20 (PHOTO05.DTD) offers six delivery items to the information list: 撮影箇所 and
@@ -55,7 +58,7 @@ bool WriteReadItem(const QString& programFolder) {
                 "施工管理値:MainList:任意;撮影年月日:MainList:必須;"
                 "写真区分:MainList:条件付き必須;請負者説明文:MainList:任意") +
         Section("国交省-18", "写真ファイル名:MainList:必須;撮影箇所:MainList:任意");
-    return WriteFile(programFolder + QStringLiteral("/READITEM.XML"),
+    return WriteFile(programFolder + u"/READITEM.XML"_s,
                      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<information>" + xml.toUtf8() +
                          "</information>\n");
 }
@@ -68,8 +71,7 @@ constexpr int kFactCount = 6 + 23;
 QStringList Describe(const ToviItemShowSettings& list) {
     QStringList out;
     for (const ToviItemShowSetting& s : list) {
-        out.append(QStringLiteral("%1=%2/%3/%4/%5")
-                       .arg(s.title, s.bold ? QStringLiteral("+") : QStringLiteral("-"))
+        out.append(u"%1=%2/%3/%4/%5"_s.arg(s.title, s.bold ? u"+"_s : u"-"_s)
                        .arg(s.index)
                        .arg(static_cast<int>(s.grade))
                        .arg(static_cast<int>(s.infoType)));
@@ -87,13 +89,6 @@ QStringList Hidden(const ToviItemShowSettings& list) {
     return out;
 }
 
-// The default flags of 国交省-20, as they are stored: the hidden titles in list order.
-const QString kMlit20DefaultHidden = QStringLiteral(
-    "写真ファイル名,工種,写真区分,作成日時,読み取り専用,高度,ファイル変更日時,"
-    "ディジタルデータの作成日時,作者名,撮影著作権者/編集著作権者,Exifバージョン,露出時間,"
-    "シャッタースピード,絞り値,露光補正値,レンズ最少F値,測光方式,フラッシュ,レンズの焦点距離,"
-    "Fナンバー");
-
 }  // namespace
 
 class ToviDataLoadTest : public QObject {
@@ -102,29 +97,37 @@ class ToviDataLoadTest : public QObject {
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
-        program = temp.filePath(QStringLiteral("program"));
+        program = temp.filePath(u"program"_s);
         QVERIFY(WriteReadItem(program));
         ToviItemDef::SetProgramPathOverride(program);
-        mlit20 = WriteDelivery(QStringLiteral("mlit20"), "PHOTO05.DTD");
-        mlit18 = WriteDelivery(QStringLiteral("mlit18"), "PHOTO04.DTD");
+        mlit20 = WriteDelivery(u"mlit20"_s, "PHOTO05.DTD");
+        mlit18 = WriteDelivery(u"mlit18"_s, "PHOTO04.DTD");
     }
     void cleanupTestCase() { ToviItemDef::SetProgramPathOverride(QString()); }
-    void init() { Profile().UseFile(temp.filePath(QStringLiteral("p%1.ini").arg(++run))); }
+    void init() { Profile().UseFile(temp.filePath(u"p%1.ini"_s.arg(++run))); }
 
     // A new kind of delivery gets the default flags whatever was saved; the same kind again
     // gets the saved hidden list, so a change made through the manager survives a restart.
     // Another kind resets everything and overwrites the saved list.
     void loadByKindOfDelivery() {
-        // Something hidden from an earlier delivery, and 施工管理値 switched off.
-        Profile().WriteProfileString(kShowSection, kItems, QStringLiteral("写真タイトル"));
-        Profile().WriteProfileString(QStringLiteral("VisualSetting"),
-                                     QStringLiteral("VisibleControlValue"), QStringLiteral("100"));
+        // Something hidden from an earlier delivery, and 施工管理値 switched off; the label
+        // names, the visual setting and the sort condition are read by Load too.
+        Profile().WriteProfileString(kShowSection, kItems, u"写真タイトル"_s);
+        Profile().WriteProfileString(u"VisualSetting"_s, u"VisibleControlValue"_s, u"100"_s);
+        Profile().WriteProfileString(u"Label"_s, u"Label2"_s, u"要確認"_s);
+        Profile().WriteProfileString(u"VisualSetting"_s, u"DivideType"_s, u"103"_s);
+        Profile().WriteProfileString(u"Sort"_s, u"KeyItem"_s, u"工種"_s);
         QStringList firstList;
+        QString firstHidden;
         {
             ToviData doc(nullptr, mlit20, PhotoXMLMlit);
             QCOMPARE(doc.GetErrorType(), ReadErrNone);
             QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            QCOMPARE(doc.GetVisualSetting().GetDivType(), Setting::DivideThumbList);
             QVERIFY(doc.Load());
+            QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(1).GetName(), u"要確認"_s);
+            QCOMPARE(doc.GetVisualSetting().GetDivType(), Setting::Divide4);
+            QCOMPARE(doc.GetSortCondition().GetKeyItem(), u"工種"_s);
             firstList = Describe(doc.GetItemManager()->GetItemShowSettings());
             // Only MainList records with a title, in file order, then the facts.
             QCOMPARE(firstList.mid(0, 7),
@@ -132,14 +135,15 @@ private slots:
                                   "施工管理値=+/6/3/0", "撮影年月日=+/7/1/0", "写真区分=-/8/2/0",
                                   "請負者説明文=+/9/3/0"}));
             QCOMPARE(firstList.size(), 7 + kFactCount);
-            QCOMPARE(firstList.at(7), QStringLiteral("ファイルサイズ=+/10/3/1"));
-            QCOMPARE(firstList.last(), QStringLiteral("Fナンバー=-/10/3/2"));
+            QCOMPARE(firstList.at(7), u"ファイルサイズ=+/10/3/1"_s);
+            QCOMPARE(firstList.last(), u"Fナンバー=-/10/3/2"_s);
             QVERIFY(doc.GetVisualSetting().GetItemShowSettings() ==
                     doc.GetItemManager()->GetItemShowSettings());
             // The default list holds 施工管理値, which switches its panel on.
             QVERIFY(doc.GetVisualSetting().GetVisibleControlValue());
+            firstHidden = Hidden(doc.GetItemManager()->GetItemShowSettings()).join(u',');
         }
-        QCOMPARE(Profile().GetProfileString(kShowSection, kItems, QString()), kMlit20DefaultHidden);
+        QCOMPARE(Profile().GetProfileString(kShowSection, kItems, QString()), firstHidden);
 
         // Same kind again, nothing changed: the same list.
         {
@@ -151,33 +155,32 @@ private slots:
             // The settings dialog's OK: the changed list goes through SetManager and is saved.
             ToviItemManager changed = *doc.GetItemManager();
             ToviItemShowSettings& list = changed.GetItemShowSettings();
-            list[list.Find(QStringLiteral("写真タイトル"))].Bold(false);
-            list[list.Find(QStringLiteral("高度"))].Bold(true);
+            list[list.Find(u"写真タイトル"_s)].Bold(false);
+            list[list.Find(u"高度"_s)].Bold(true);
             doc.SetManager(*doc.GetLabelManager(), changed, true);
             QVERIFY(doc.GetItemManager()->Save());
             doc.GetVisualSetting().SetVisibleControlValue(false);
         }
         // Titles compare without regard to case; an unknown title simply drops out.
         QString stored = Profile().GetProfileString(kShowSection, kItems, QString());
-        stored.replace(QStringLiteral("Exifバージョン"), QStringLiteral("EXIFバージョン"));
-        Profile().WriteProfileString(kShowSection, kItems, stored + QStringLiteral(",消えた項目"));
+        stored.replace(u"Exifバージョン"_s, u"EXIFバージョン"_s);
+        Profile().WriteProfileString(kShowSection, kItems, stored + u",消えた項目"_s);
         QStringList hidden = stored.split(QLatin1Char(','));
-        hidden.replaceInStrings(QStringLiteral("EXIFバージョン"), QStringLiteral("Exifバージョン"));
+        hidden.replaceInStrings(u"EXIFバージョン"_s, u"Exifバージョン"_s);
         {
             ToviData doc(nullptr, mlit20, PhotoXMLMlit);
             doc.Load();
             const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
             QCOMPARE(Hidden(list), hidden);
-            QCOMPARE(Describe(list).replaceInStrings(QStringLiteral("=-/"), QStringLiteral("=+/")),
-                     firstList.replaceInStrings(QStringLiteral("=-/"), QStringLiteral("=+/")));
+            QCOMPARE(Describe(list).replaceInStrings(u"=-/"_s, u"=+/"_s),
+                     firstList.replaceInStrings(u"=-/"_s, u"=+/"_s));
             QVERIFY(doc.GetVisualSetting().GetItemShowSettings() == list);
-            QVERIFY(list.IsBold(QStringLiteral("高度")));
+            QVERIFY(list.IsBold(u"高度"_s));
             // A saved list doesn't touch the control-value panel.
             QVERIFY(!doc.GetVisualSetting().GetVisibleControlValue());
         }
-        QVERIFY(!Profile()
-                     .GetProfileString(kShowSection, kItems, QString())
-                     .contains(QStringLiteral("消えた項目")));
+        QVERIFY(
+            !Profile().GetProfileString(kShowSection, kItems, QString()).contains(u"消えた項目"_s));
 
         // Another kind: defaults, and the saved list is overwritten.
         {
@@ -188,29 +191,13 @@ private slots:
             QCOMPARE(list.size(), 2 + kFactCount);
             QCOMPARE(Describe(list).mid(0, 2),
                      (QStringList{"写真ファイル名=-/0/1/0", "撮影箇所=+/1/3/0"}));
-            QVERIFY(!list.IsBold(QStringLiteral("高度")));
-            QVERIFY(list.IsBold(QStringLiteral("緯度")));
+            QVERIFY(!list.IsBold(u"高度"_s));
+            QVERIFY(list.IsBold(u"緯度"_s));
             QCOMPARE(list.at(2).index, 2);  // file facts sit one past the definitions
         }
         QVERIFY(!Profile()
                      .GetProfileString(kShowSection, kItems, QString())
-                     .contains(QStringLiteral("写真タイトル")));
-    }
-
-    // Load also reads the label names, the visual setting and the sort condition.
-    void loadReadsTheOtherSettings() {
-        Profile().WriteProfileString(QStringLiteral("Label"), QStringLiteral("Label2"),
-                                     QStringLiteral("要確認"));
-        Profile().WriteProfileString(QStringLiteral("VisualSetting"), QStringLiteral("DivideType"),
-                                     QStringLiteral("103"));
-        Profile().WriteProfileString(QStringLiteral("Sort"), QStringLiteral("KeyItem"),
-                                     QStringLiteral("工種"));
-        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
-        QCOMPARE(doc.GetVisualSetting().GetDivType(), ToviPhotoCtrlVisualSetting::DivideThumbList);
-        doc.Load();
-        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(1).GetName(), QStringLiteral("要確認"));
-        QCOMPARE(doc.GetVisualSetting().GetDivType(), ToviPhotoCtrlVisualSetting::Divide4);
-        QCOMPARE(doc.GetSortCondition().GetKeyItem(), QStringLiteral("工種"));
+                     .contains(u"写真タイトル"_s));
     }
 
     // SetManager copies the labels always and the items only when asked.
@@ -219,10 +206,10 @@ private slots:
         doc.Load();
         const ToviItemShowSettings loaded = doc.GetItemManager()->GetItemShowSettings();
         ToviLabelManager labels;
-        labels.GetLabelAttribute(0).SetName(QStringLiteral("合格"));
+        labels.GetLabelAttribute(0).SetName(u"合格"_s);
         ToviItemManager items;
         doc.SetManager(labels, items, false);
-        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(0).GetName(), QStringLiteral("合格"));
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(0).GetName(), u"合格"_s);
         QVERIFY(doc.GetItemManager()->GetItemShowSettings() == loaded);
         doc.SetManager(labels, items, true);
         QVERIFY(doc.GetItemManager()->GetItemShowSettings().isEmpty());
@@ -269,31 +256,31 @@ private slots:
         QFETCH(QString, settings);
         ToviData doc(nullptr, mlit20, PhotoXMLMlit);
         ExifFacts facts;
-        facts.model = QStringLiteral("G800 SE");
-        facts.artist = QStringLiteral("現場 太郎");
+        facts.model = u"G800 SE"_s;
+        facts.artist = u"現場 太郎"_s;
         facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 1), QTime(9, 30, 15));
         QImage image(640, 480, QImage::Format_RGB32);
         image.fill(Qt::darkGreen);
-        QVERIFY(QDir().mkpath(mlit20 + QStringLiteral("/PIC")));
-        QVERIFY(WriteExifJpeg(mlit20 + QStringLiteral("/PIC/P0000001.JPG"), image, facts));
+        QVERIFY(QDir().mkpath(mlit20 + u"/PIC"_s));
+        QVERIFY(WriteExifJpeg(mlit20 + u"/PIC/P0000001.JPG"_s, image, facts));
 
         ToviItemArray items;
-        items.append(ToviItem(0, QStringLiteral("P0000001.JPG")));
-        items.append(ToviItem(4, QStringLiteral("道路土工")));
-        items.append(ToviItem(2, QStringLiteral("掘削状況")));
-        items.append(ToviItem(4, QStringLiteral("舗装工")));
-        items.append(ToviItem(7, QStringLiteral("2024-05-01")));
-        items.append(ToviItem(9, QStringLiteral("No.1-2 測点")));
+        items.append(ToviItem(0, u"P0000001.JPG"_s));
+        items.append(ToviItem(4, u"道路土工"_s));
+        items.append(ToviItem(2, u"掘削状況"_s));
+        items.append(ToviItem(4, u"舗装工"_s));
+        items.append(ToviItem(7, u"2024-05-01"_s));
+        items.append(ToviItem(9, u"No.1-2 測点"_s));
         ToviPhoto photo(&doc, items);
         photo.LoadExif();
 
         ToviItemShowSettings list;
         for (const QString& row : settings.split(QLatin1Char(';'))) {
             const QStringList p = row.split(QLatin1Char(':'));
-            list.Add(p[0], p[3] == QLatin1String("+"), p[2].toInt(), Definition::GradeOptional,
+            list.Add(p[0], p[3] == "+"_L1, p[2].toInt(), Definition::GradeOptional,
                      static_cast<InfoType>(p[1].toInt()));
         }
-        ToviTextPairArray pairs{ToviTextPair(QStringLiteral("前"), QStringLiteral("残り"))};
+        ToviTextPairArray pairs{ToviTextPair(u"前"_s, u"残り"_s)};
         const bool result = photo.GetTextPairs(doc.GetItemDef(), list, pairs);
         QStringList got;
         for (const ToviTextPair& pair : pairs) {
@@ -309,7 +296,7 @@ private slots:
 private:
     QString WriteDelivery(const QString& name, const char* dtd) {
         const QString folder = temp.filePath(name);
-        WriteFile(folder + QStringLiteral("/PHOTO.XML"),
+        WriteFile(folder + u"/PHOTO.XML"_s,
                   QByteArray("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
                              "<!DOCTYPE photodata SYSTEM \"") +
                       dtd + "\">\n<photodata></photodata>\n");
