@@ -207,7 +207,7 @@ private slots:
 
     // The tree's JSON holds every photograph exactly once (all of the writer's photographs
     // have a photo class), and a listing of a node is that node's subtree in tree order.
-    void treeAndListAgree() {
+    void treeAndList() {
         const ProgramRun tree = Tovi({u"tree"_s, written.photoFolder, u"--json"_s});
         QCOMPARE(tree.exitCode, 0);
         const QJsonObject root = Json(tree);
@@ -225,10 +225,8 @@ private slots:
             Json(Tovi({u"list"_s, written.photoFolder, u"--node"_s, u"0"_s, u"--json"_s}));
         QCOMPARE(Ints(listed["current"_L1]), under);
         QCOMPARE(listed["titles"_L1].toArray().size(), under.size());
-    }
 
-    // Extraction and sorting from the command line, checked against what the writer wrote.
-    void listExtractsAndSorts() {
+        // Extraction and sorting, checked against what the writer wrote.
         const auto work = [&](int i) {
             for (const auto& element : written.photos[i].elements) {
                 if (element.first == u"工種"_s) {
@@ -238,21 +236,20 @@ private slots:
             return QString();
         };
         QVERIFY(!work(0).isEmpty());
-        QList<int> expected;
+        QList<int> sameWork;
         for (int i = written.photos.size() - 1; i >= 0; --i) {
             if (work(i) == work(0)) {
-                expected.append(i);
+                sameWork.append(i);
             }
         }
-        const ProgramRun run =
-            Tovi({u"list"_s, written.photoFolder, u"--item"_s, u"工種="_s + work(0), u"--sort"_s,
-                  u"シリアル番号"_s, u"--desc"_s, u"--json"_s});
-        QCOMPARE(run.exitCode, 0);
-        QCOMPARE(Ints(Json(run)["current"_L1]), expected);
-        const ProgramRun labelled =
-            Tovi({u"list"_s, written.photoFolder, u"--label"_s, u"1"_s, u"--json"_s});
-        QCOMPARE(labelled.exitCode, 0);
-        QVERIFY(Json(labelled)["current"_L1].toArray().isEmpty());
+        QCOMPARE(Ints(Json(Tovi({u"list"_s, written.photoFolder, u"--item"_s, u"工種="_s + work(0),
+                                 u"--sort"_s, u"シリアル番号"_s, u"--desc"_s,
+                                 u"--json"_s}))["current"_L1]),
+                 sameWork);
+        // No photograph carries a label yet: an empty list, not a missing one.
+        QCOMPARE(Json(Tovi({u"list"_s, written.photoFolder, u"--label"_s, u"1"_s,
+                            u"--json"_s}))["current"_L1],
+                 QJsonValue(QJsonArray()));
     }
 
     void exifJson() {
@@ -280,12 +277,8 @@ private slots:
         const QJsonArray gps = groups["gps"_L1].toArray();
         QCOMPARE(gps.size(), 3);
         QCOMPARE(gps[0].toArray(), QJsonArray({u"緯度"_s, u"N 35°30'00.00\""_s}));
-        QCOMPARE(groups["shoot"_L1].toArray().size(), 9);
         const QJsonObject file = json["file"_L1].toObject();
         QCOMPARE(file[u"幅×高さ"_s].toString(), u"320×240"_s);
-        QCOMPARE(file[u"総画素数"_s].toString(), u"8万画素"_s);
-        QCOMPARE(file[u"ファイルサイズ"_s].toString(),
-                 u"%1 KB"_s.arg(QFileInfo(path).size() / 1024));
         QCOMPARE(file.keys().size(), 6);
     }
 
@@ -340,8 +333,6 @@ private slots:
         for (int i = 0; i < rows.size(); ++i) {
             const QJsonObject row = rows[i].toObject();
             QCOMPARE(row["index"_L1].toInt(), i);
-            QVERIFY(
-                row["imagePath"_L1].toString().endsWith(u"/PIC/"_s + checked.photos[i].fileName));
             got.append(row["result"_L1].toInt());
             const QString key = QString::number(got.last());
             counts[key] = counts[key].toInt() + 1;
