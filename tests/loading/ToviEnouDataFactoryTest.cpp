@@ -1,10 +1,12 @@
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
+#include "loading/ToviItemDef.h"
 #include "platform/Cp932.h"
 #include "platform/DoxDocument.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
+#include "tests/support/FifoTrap.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -47,19 +49,28 @@ bool RecordProgress(const ToviDataFactory*, const ToviData*, const QString& text
     return false;
 }
 
+void WriteFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
 // "{junk}" in the body stands for bytes no Shift_JIS decoder takes: 0xFF is no CP932 byte,
 // 0x85 0x40 an unassigned pair.
 void WritePhotoXml(const QString& folder, const QByteArray& utf8Body,
                    const char* encoding = "Shift_JIS") {
-    QDir().mkpath(folder);
-    QFile file(folder + u"/PHOTO.XML"_s);
-    QVERIFY(file.open(QIODevice::WriteOnly));
     QByteArray bytes =
         QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?>\n" + utf8Body;
     if (QByteArray(encoding) == "Shift_JIS") {
         bytes = Cp932::FromUnicode(QString::fromUtf8(bytes)).replace("{junk}", "\xFF\x85\x40");
     }
-    file.write(bytes);
+    WriteFile(folder + u"/PHOTO.XML"_s, bytes);
+}
+
+// A PHOTO.XML holding only its prolog: enough for recognising the kind of delivery.
+void WriteDoctype(const QString& folder, const QByteArray& doctypeLine) {
+    WritePhotoXml(folder, doctypeLine + "\n<photodata></photodata>\n");
 }
 
 // A photograph's value of the given title.
@@ -70,6 +81,7 @@ QString Value(const ToviData& document, int photo, const char* title) {
 
 }  // namespace
 
+// Reading PHOTO.XML and READITEM.XML: the kind of delivery, the definitions, the photographs.
 class ToviEnouDataFactoryTest : public QObject {
     Q_OBJECT
 
@@ -79,8 +91,13 @@ private slots:
         // Small slices, so that every walk here crosses from one slice of the file to the
         // next many times, inside and between photographs.
         DoxDocument::SetSliceSizeForTesting(64);
-        ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
     }
+    void init() {
+        // A fresh profile for each case: the last delivery's kind is kept there.
+        ToviProfile::Instance().UseFile(temp.filePath(u"profile-%1.ini"_s.arg(++profileNumber)));
+        ToviItemDef::SetProgramPathOverride(QString());
+    }
+    void cleanupTestCase() { ToviItemDef::SetProgramPathOverride(QString()); }
 
     // Every generation loads with every written value on the item of the same title, with
     // optional elements and blocks absent, present, and repeated. Progress comes every 50
@@ -279,20 +296,17 @@ private slots:
     // had while the photographs after it load. Both are counted for the delivery checks.
     void loadMendsAndCountsFaults() {
         const QString program = temp.filePath(u"prog-strict"_s);
-        QDir().mkpath(program);
-        QFile list(program + u"/READITEM.XML"_s);
-        QVERIFY(list.open(QIODevice::WriteOnly));
         const auto item = [](const char* title, const char* count, const char* step,
                              const char* grade = "必須") {
             return QByteArray("<管理項目><タイトル>") + title + "</タイトル><必要度>" + grade +
                    "</必要度><表示>MainList</表示><データ数>" + count + "</データ数><操作>" + step +
                    "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
         };
-        list.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
-                   item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
-                   item("写真タイトル", "0", "Next") + item("撮影年月日", "0/1", "Parent") +
-                   "</国交省-20></information>");
-        list.close();
+        WriteFile(program + u"/READITEM.XML"_s,
+                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
+                      item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
+                      item("写真タイトル", "0", "Next") + item("撮影年月日", "0/1", "Parent") +
+                      "</国交省-20></information>");
         ToviItemDef::SetProgramPathOverride(program);
 
         // Photograph 2 lacks its title, 3 has stray bytes in its title, 4 in its date.
@@ -309,7 +323,6 @@ private slots:
         WritePhotoXml(folder, body + "</photodata>");
         ToviEnouDataFactory factory;
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
-        ToviItemDef::SetProgramPathOverride(QString());
         QVERIFY2(document, qPrintable(factory.GetLoadError()));
         QCOMPARE(document->GetTotalCountPhoto(), 4);
         QCOMPARE(Value(*document, 1, "写真ファイル名"), u"P2.JPG"_s);
@@ -323,8 +336,154 @@ private slots:
         QVERIFY(!document->GetLoadFaults().incompleteManagement);
     }
 
+    // The section comes from the DOCTYPE line and the family together; each row is a
+    // substring test for the whole DTD name within the family.
+    void recognisesTheKindOfDelivery_data() {
+        QTest::addColumn<QByteArray>("doctype");
+        QTest::addColumn<int>("family");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<bool>("keyPhoto");
+        const auto line = [](const char* dtd) {
+            return QByteArray("<!DOCTYPE photodata SYSTEM \"") + dtd + "\">";
+        };
+        QTest::newRow("mlit 16") << line("PHOTO03.DTD") << 0 << "国交省-16" << true;
+        QTest::newRow("mlit 20") << line("PHOTO05.DTD") << 0 << "国交省-20" << true;
+        QTest::newRow("kowan shares the mlit table")
+            << line("PHOTO05.DTD") << 1 << "国交省-20" << true;
+        QTest::newRow("maff 23") << line("PHOTO05.DTD") << 2 << "農水省-23" << true;
+        QTest::newRow("maff without the N") << line("PHOTO02.DTD") << 2 << "" << false;
+        QTest::newRow("nexco 24") << line("PHOTO04.DTD") << 3 << "NEXCO-24" << false;
+        QTest::newRow("nexco 05 unknown") << line("PHOTO05.DTD") << 3 << "" << false;
+        QTest::newRow("DTD on the next line")
+            << QByteArray("<!DOCTYPE photodata SYSTEM\n \"PHOTO05.DTD\">") << 0 << "" << false;
+    }
+    void recognisesTheKindOfDelivery() {
+        QFETCH(QByteArray, doctype);
+        QFETCH(int, family);
+        QFETCH(QString, section);
+        QFETCH(bool, keyPhoto);
+        const QString folder = temp.filePath(u"kind-%1"_s.arg(QTest::currentDataTag()));
+        WriteDoctype(folder, doctype);
+        ToviItemDef def;
+        const PhotoXMLReadErr result = def.Load(folder, static_cast<PhotoXMLType>(family));
+        QCOMPARE(def.NewType(), section);
+        QCOMPARE(def.HasKeyPhoto(), keyPhoto);
+        if (section.isEmpty()) {
+            QCOMPARE(result, ReadErrUnknownPhotoXml);
+            QVERIFY(def.IsEmpty());
+        } else {
+            QCOMPARE(result, ReadErrNone);
+            QVERIFY(def.GetCount() > 5);
+            QVERIFY(def.GetIndexFromTitle(u"写真ファイル名"_s) >= 0);
+        }
+        // Even an unknown file overwrites the memory of the last delivery's kind.
+        QCOMPARE(
+            ToviProfile::Instance().GetProfileString(u"PhotoFileType"_s, u"Type"_s, u"_未定義_"_s),
+            section);
+    }
+
+    // A FIFO named PHOTO.XML (or photo.xml) or READITEM.XML would block the first open for
+    // ever: it is refused unopened.
+    void fifoIsRefusedUnopened_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("result");
+        QTest::newRow("PHOTO.XML") << u"PHOTO.XML"_s << int(ReadErrUnknownPhotoXml);
+        QTest::newRow("lower case") << u"photo.xml"_s << int(ReadErrUnknownPhotoXml);
+        QTest::newRow("READITEM.XML") << u"READITEM.XML"_s << int(ReadErrNoItemFile);
+    }
+    void fifoIsRefusedUnopened() {
+        QFETCH(QString, name);
+        QFETCH(int, result);
+        const QString folder = temp.filePath(u"fifo-"_s + name);
+        QVERIFY(QDir().mkpath(folder));
+        const bool definitions = result == ReadErrNoItemFile;
+        if (definitions) {
+            WriteDoctype(folder, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
+            ToviItemDef::SetProgramPathOverride(folder);
+        }
+        const FifoTrap fifo(folder + QLatin1Char('/') + name);
+        QVERIFY(fifo.IsValid());
+        ToviItemDef def;
+        QCOMPARE(int(def.Load(folder, PhotoXMLMlit)), result);
+        QVERIFY(!fifo.Opened());
+    }
+
+    // A record that lacks a field inherits the record before it, and a word outside the
+    // vocabulary leaves the field as it stood: the file format defines it so.
+    void recordsInheritMissingFields() {
+        const QString program = temp.filePath(u"prog-inherit"_s);
+        WriteFile(program + u"/READITEM.XML"_s,
+                  R"(<?xml version="1.0" encoding="UTF-8"?>
+<information>
+  <国交省-18><管理項目><タイトル>その他</タイトル></管理項目></国交省-18>
+  <国交省-20>
+    <管理項目><タイトル>A</タイトル><必要度>必須</必要度><表示>InfoDlg</表示><データ数>0+</データ数>
+      <操作>Child</操作><ブロック複数>○</ブロック複数><読込種別>PhotoItem</読込種別><余計>x</余計></管理項目>
+    <メモ>ignored</メモ>
+    <管理項目><タイトル>B</タイトル><必要度>すごく必須</必要度><操作>Parent</操作></管理項目>
+  </国交省-20>
+</information>)");
+        ToviItemDef::SetProgramPathOverride(program);
+        const QString data = temp.filePath(u"data-inherit"_s);
+        WriteDoctype(data, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
+        ToviItemDef def;
+        QCOMPARE(def.Load(data, PhotoXMLMlit), ReadErrNone);
+        QCOMPARE(def.GetCount(), 2);
+        const Definition& b = def.GetDef(1);
+        QCOMPARE(b.title, u"B"_s);
+        QCOMPARE(b.grade, static_cast<int>(Definition::GradeRequired));
+        QCOMPARE(b.show, static_cast<int>(Definition::ShowInfoDlg));
+        QCOMPARE(b.count, static_cast<int>(Definition::CountZeroOrMore));
+        QCOMPARE(b.operation, static_cast<int>(Definition::StepParent));
+        QVERIFY(b.blockPlural);
+        QCOMPARE(b.readType, static_cast<int>(Definition::ReadPhotoItem));
+        QCOMPARE(def.GetIndexFromTitle(u"B"_s), 1);
+        QCOMPARE(def.GetIndexFromTitle(u"その他"_s), -1);
+        QVERIFY_THROWS_EXCEPTION(std::out_of_range, def.GetDef(2));
+    }
+
+    // READITEM.XML missing, malformed, or without the section.
+    void definitionFileProblems_data() {
+        QTest::addColumn<QByteArray>("readItem");  // empty: no file at all
+        QTest::addColumn<int>("result");
+        QTest::addColumn<int>("count");
+        QTest::newRow("missing") << QByteArray() << static_cast<int>(ReadErrNoItemFile) << 0;
+        QTest::newRow("malformed") << QByteArray("<information><国交省-20><管理項目>")
+                                   << static_cast<int>(ReadErrDefinition) << 0;
+        QTest::newRow("not XML at all")
+            << QByteArray("\x89PNG\r\n\x1a\n garbage") << static_cast<int>(ReadErrDefinition) << 0;
+        QTest::newRow("section absent")
+            << QByteArray(
+                   "<?xml version=\"1.0\" "
+                   "encoding=\"UTF-8\"?><information><国交省-18/></information>")
+            << static_cast<int>(ReadErrNone) << 0;
+        QTest::newRow("no information root")
+            << QByteArray(
+                   "<?xml version=\"1.0\" "
+                   "encoding=\"UTF-8\"?><国交省-20><管理項目><タイトル>X</タイトル>"
+                   "</管理項目></国交省-20>")
+            << static_cast<int>(ReadErrNone) << 1;
+    }
+    void definitionFileProblems() {
+        QFETCH(QByteArray, readItem);
+        QFETCH(int, result);
+        QFETCH(int, count);
+        const QString program = temp.filePath(u"prog-%1"_s.arg(QTest::currentDataTag()));
+        QDir().mkpath(program);
+        if (!readItem.isEmpty()) {
+            WriteFile(program + u"/READITEM.XML"_s, readItem);
+        }
+        ToviItemDef::SetProgramPathOverride(program);
+        const QString data = temp.filePath(u"data-%1"_s.arg(QTest::currentDataTag()));
+        WriteDoctype(data, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
+        ToviData document(nullptr, data, PhotoXMLMlit);
+        QCOMPARE(static_cast<int>(document.GetErrorType()), result);
+        QCOMPARE(document.GetItemDef()->GetCount(), count);
+    }
+
 private:
     QTemporaryDir temp;
+    int profileNumber = 0;
 };
 
 QTEST_GUILESS_MAIN(ToviEnouDataFactoryTest)
