@@ -1,11 +1,17 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
 #include "extraction/ToviSortCondition.h"
+#include "loading/ToviItemDef.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviItemManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/support/ExifJpegWriter.h"
 
+#include <QDir>
 #include <QFile>
-#include <QHash>
+#include <QFileInfo>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -15,10 +21,73 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString kShowSection = u"ShowSetting"_s;
+const QString kItems = u"Items"_s;
 using Setting = ToviPhotoCtrlVisualSetting;
 
 ToviProfile& Profile() {
     return ToviProfile::Instance();
+}
+
+bool WriteFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// One section of READITEM.XML from "title:表示:必要度;..." rows.
+QString Section(const QString& name, const QString& rows) {
+    QString xml = u"<%1>"_s.arg(name);
+    for (const QString& row : rows.split(QLatin1Char(';'))) {
+        const QStringList parts = row.split(QLatin1Char(':'));
+        xml += QStringLiteral(
+                   "<管理項目><タイトル>%1</タイトル><必要度>%3</必要度><表示>%2</表示>"
+                   "<データ数>0+</データ数><操作>Next</操作></管理項目>")
+                   .arg(parts[0], parts[1], parts[2]);
+    }
+    return xml + u"</%1>"_s.arg(name);
+}
+
+// 国交省-20 (PHOTO05.DTD) offers six delivery items to the information list: 撮影箇所 and
+// 写真ファイルパス aren't MainList, and one MainList record has no title. 国交省-18
+// (PHOTO04.DTD) is another kind of delivery with other items.
+bool WriteReadItem(const QString& programFolder) {
+    const QString xml =
+        Section("国交省-20",
+                "写真ファイル名:MainList:必須;写真ファイルパス:Not:任意;写真タイトル:MainList:必須;"
+                ":MainList:任意;工種:MainList:任意;撮影箇所:ZoomDlg:任意;"
+                "施工管理値:MainList:任意;撮影年月日:MainList:必須;"
+                "写真区分:MainList:条件付き必須;請負者説明文:MainList:任意") +
+        Section("国交省-18", "写真ファイル名:MainList:必須;撮影箇所:MainList:任意");
+    return WriteFile(programFolder + u"/READITEM.XML"_s,
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<information>" + xml.toUtf8() +
+                         "</information>\n");
+}
+
+// Six file facts and 23 Exif facts follow the delivery items in every list.
+constexpr int kFactCount = 6 + 23;
+
+// A list as "title=+|-/index/grade/kind" texts, for whole-list comparisons with readable
+// failures.
+QStringList Describe(const ToviItemShowSettings& list) {
+    QStringList out;
+    for (const ToviItemShowSetting& s : list) {
+        out.append(u"%1=%2/%3/%4/%5"_s.arg(s.title, s.bold ? u"+"_s : u"-"_s)
+                       .arg(s.index)
+                       .arg(static_cast<int>(s.grade))
+                       .arg(static_cast<int>(s.infoType)));
+    }
+    return out;
+}
+
+QStringList Hidden(const ToviItemShowSettings& list) {
+    QStringList out;
+    for (const ToviItemShowSetting& s : list) {
+        if (!s.bold) {
+            out.append(s.title);
+        }
+    }
+    return out;
 }
 
 QString Stored(const QString& section, const QString& entry) {
@@ -66,16 +135,58 @@ QStringList Names(const ToviLabelManager& manager) {
 
 }  // namespace
 
-// The settings that keep themselves in the profile: the view's visual setting, the sort
-// condition and the label names. Numbers are stored as value + 100, so that anything below
-// 100 reads as "never saved"; each of them writes itself when it ends.
+// The profile store, the settings that keep themselves in it (the view's visual setting, the
+// sort condition, the label names) and how a document's Load uses them. Numbers are stored as value
+// + 100, so that anything below 100 reads as "never saved"; each of them writes itself when it
+// ends.
 class StoredSettingsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(temp.isValid()); }
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        program = temp.filePath(u"program"_s);
+        QVERIFY(WriteReadItem(program));
+        ToviItemDef::SetProgramPathOverride(program);
+        mlit20 = WriteDelivery(u"mlit20"_s, "PHOTO05.DTD");
+        mlit18 = WriteDelivery(u"mlit18"_s, "PHOTO04.DTD");
+    }
+    void cleanupTestCase() {
+        ToviItemDef::SetProgramPathOverride(QString());
+        Profile().UseFile(temp.filePath(u"last.ini"_s));
+    }
     void init() { Profile().UseFile(temp.filePath(u"p%1.ini"_s.arg(++run))); }
-    void cleanupTestCase() { Profile().UseFile(temp.filePath(u"last.ini"_s)); }
+
+    // Values reach the file on Flush and read back after a switch of file; a folder removed
+    // under the store is not made again, also when the store leaves it (as every test program
+    // does at exit).
+    void valuesReachTheFileAndReadBack() {
+        QString gone;
+        {
+            QTemporaryDir temp;
+            const QString path = temp.filePath(u"sub/p.ini"_s);
+            Profile().UseFile(path);
+            QVERIFY(QFileInfo(temp.filePath(u"sub"_s)).isDir());
+            QVERIFY(Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 105));
+            QVERIFY(Profile().WriteProfileString(u"Label"_s, u"Name0"_s, u"確認済, 要再提出"_s));
+            QVERIFY(!QFile::exists(path));
+            Profile().Flush();
+            QCOMPARE(QSettings(path, QSettings::IniFormat).value(u"Sort/Key"_s).toInt(), 105);
+
+            Profile().UseFile(QString());
+            Profile().UseFile(path);
+            QCOMPARE(Profile().GetProfileInt(u"Sort"_s, u"Key"_s, 0), 105);
+            QCOMPARE(Profile().GetProfileString(u"Label"_s, u"Name0"_s, {}), u"確認済, 要再提出"_s);
+            QCOMPARE(Profile().GetProfileInt(u"Label"_s, u"Name0"_s, 7), 7);
+            Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 1);
+            gone = temp.path();
+        }
+        QVERIFY(Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 2));
+        Profile().Flush();
+        QVERIFY(!QFileInfo::exists(gone));
+        Profile().UseFile(QString());
+        QVERIFY(!QFileInfo::exists(gone));
+    }
 
     // Below 100 (or not a number) leaves the field; there is no range check above, and truth
     // values take any non-zero.
@@ -230,8 +341,207 @@ private slots:
         QTEST(hidden, "hidden");
     }
 
+    // A new kind of delivery gets the default flags whatever was saved; the same kind again
+    // gets the saved hidden list, so a change made through the manager survives a restart.
+    // Another kind resets everything and overwrites the saved list.
+    void loadByKindOfDelivery() {
+        // Something hidden from an earlier delivery, and 施工管理値 switched off; the label
+        // names, the visual setting and the sort condition are read by Load too.
+        Profile().WriteProfileString(kShowSection, kItems, u"写真タイトル"_s);
+        Profile().WriteProfileString(u"VisualSetting"_s, u"VisibleControlValue"_s, u"100"_s);
+        Profile().WriteProfileString(u"Label"_s, u"Label2"_s, u"要確認"_s);
+        Profile().WriteProfileString(u"VisualSetting"_s, u"DivideType"_s, u"103"_s);
+        Profile().WriteProfileString(u"Sort"_s, u"KeyItem"_s, u"工種"_s);
+        QStringList firstList;
+        QString firstHidden;
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            QCOMPARE(doc.GetErrorType(), ReadErrNone);
+            QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            QCOMPARE(doc.GetVisualSetting().GetDivType(), Setting::DivideThumbList);
+            QVERIFY(doc.Load());
+            QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(1).GetName(), u"要確認"_s);
+            QCOMPARE(doc.GetVisualSetting().GetDivType(), Setting::Divide4);
+            QCOMPARE(doc.GetSortCondition().GetKeyItem(), u"工種"_s);
+            firstList = Describe(doc.GetItemManager()->GetItemShowSettings());
+            // Only MainList records with a title, in file order, then the facts.
+            QCOMPARE(firstList.mid(0, 7),
+                     (QStringList{"写真ファイル名=-/0/1/0", "写真タイトル=+/2/1/0", "工種=-/4/3/0",
+                                  "施工管理値=+/6/3/0", "撮影年月日=+/7/1/0", "写真区分=-/8/2/0",
+                                  "請負者説明文=+/9/3/0"}));
+            QCOMPARE(firstList.size(), 7 + kFactCount);
+            QCOMPARE(firstList.at(7), u"ファイルサイズ=+/10/3/1"_s);
+            QCOMPARE(firstList.last(), u"Fナンバー=-/10/3/2"_s);
+            QVERIFY(doc.GetVisualSetting().GetItemShowSettings() ==
+                    doc.GetItemManager()->GetItemShowSettings());
+            // The default list holds 施工管理値, which switches its panel on.
+            QVERIFY(doc.GetVisualSetting().GetVisibleControlValue());
+            firstHidden = Hidden(doc.GetItemManager()->GetItemShowSettings()).join(u',');
+        }
+        QCOMPARE(Profile().GetProfileString(kShowSection, kItems, QString()), firstHidden);
+
+        // Same kind again, nothing changed: the same list.
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            QVERIFY(doc.GetItemDef()->TypeIsCorresponding());
+            doc.Load();
+            QCOMPARE(Describe(doc.GetItemManager()->GetItemShowSettings()), firstList);
+
+            // The settings dialog's OK: the changed list goes through SetManager and is saved.
+            ToviItemManager changed = *doc.GetItemManager();
+            ToviItemShowSettings& list = changed.GetItemShowSettings();
+            list[list.Find(u"写真タイトル"_s)].Bold(false);
+            list[list.Find(u"高度"_s)].Bold(true);
+            doc.SetManager(*doc.GetLabelManager(), changed, true);
+            QVERIFY(doc.GetItemManager()->Save());
+            doc.GetVisualSetting().SetVisibleControlValue(false);
+        }
+        // Titles compare without regard to case; an unknown title simply drops out.
+        QString stored = Profile().GetProfileString(kShowSection, kItems, QString());
+        stored.replace(u"Exifバージョン"_s, u"EXIFバージョン"_s);
+        Profile().WriteProfileString(kShowSection, kItems, stored + u",消えた項目"_s);
+        QStringList hidden = stored.split(QLatin1Char(','));
+        hidden.replaceInStrings(u"EXIFバージョン"_s, u"Exifバージョン"_s);
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            doc.Load();
+            const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
+            QCOMPARE(Hidden(list), hidden);
+            QCOMPARE(Describe(list).replaceInStrings(u"=-/"_s, u"=+/"_s),
+                     firstList.replaceInStrings(u"=-/"_s, u"=+/"_s));
+            QVERIFY(doc.GetVisualSetting().GetItemShowSettings() == list);
+            QVERIFY(list.IsBold(u"高度"_s));
+            // A saved list doesn't touch the control-value panel.
+            QVERIFY(!doc.GetVisualSetting().GetVisibleControlValue());
+        }
+        QVERIFY(
+            !Profile().GetProfileString(kShowSection, kItems, QString()).contains(u"消えた項目"_s));
+
+        // Another kind: defaults, and the saved list is overwritten.
+        {
+            ToviData doc(nullptr, mlit18, PhotoXMLMlit);
+            QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            doc.Load();
+            const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
+            QCOMPARE(list.size(), 2 + kFactCount);
+            QCOMPARE(Describe(list).mid(0, 2),
+                     (QStringList{"写真ファイル名=-/0/1/0", "撮影箇所=+/1/3/0"}));
+            QVERIFY(!list.IsBold(u"高度"_s));
+            QVERIFY(list.IsBold(u"緯度"_s));
+            QCOMPARE(list.at(2).index, 2);  // file facts sit one past the definitions
+        }
+        QVERIFY(!Profile()
+                     .GetProfileString(kShowSection, kItems, QString())
+                     .contains(u"写真タイトル"_s));
+    }
+
+    // SetManager copies the labels always and the items only when asked.
+    void setManager() {
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        doc.Load();
+        const ToviItemShowSettings loaded = doc.GetItemManager()->GetItemShowSettings();
+        ToviLabelManager labels;
+        labels.GetLabelAttribute(0).SetName(u"合格"_s);
+        ToviItemManager items;
+        doc.SetManager(labels, items, false);
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(0).GetName(), u"合格"_s);
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings() == loaded);
+        doc.SetManager(labels, items, true);
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings().isEmpty());
+    }
+
+    // The first 19 characters, cut at commas, each read like atoi and kept to eight bits.
+    void parseEditCheckTypes_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QList<int>>("types");
+        QTest::newRow("chain order kept") << "0,2,1" << QList<int>{0, 2, 1};
+        QTest::newRow("low eight bits") << "258,256" << QList<int>{2, 0};
+        QTest::newRow("negative wraps") << "-1" << QList<int>{255};
+        QTest::newRow("cut after 19 characters")
+            << "1,1,1,1,1,1,1,1,1,1,2" << QList<int>{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+    }
+    void parseEditCheckTypes() {
+        QFETCH(QString, text);
+        QTEST(ToviData::ParseEditCheckTypes(text), "types");
+    }
+
+    // Rows follow the settings' order, not the file's; hidden entries give none; a repeating
+    // item gives one per value; 撮影年月日 shows "/" for "-".
+    void textPairs_data() {
+        QTest::addColumn<QString>("settings");  // "title:kind:index:+|-;..."
+        QTest::addColumn<QStringList>("pairs");
+        QTest::addColumn<bool>("result");
+        QTest::newRow("settings decide the order")
+            << "工種:0:4:+;写真タイトル:0:2:+"
+            << QStringList{"工種=道路土工", "工種=舗装工", "写真タイトル=掘削状況"} << true;
+        QTest::newRow("hidden entries give no rows")
+            << "工種:0:4:-;写真タイトル:0:2:+" << QStringList{"写真タイトル=掘削状況"} << true;
+        QTest::newRow("date with slashes")
+            << "撮影年月日:0:7:+" << QStringList{"撮影年月日=2024/05/01"} << true;
+        QTest::newRow("file facts")
+            << "幅×高さ:1:10:+;写真タイトル:0:2:+;総画素数:1:10:+;未知:1:10:+"
+            << QStringList{"幅×高さ=640×480", "写真タイトル=掘削状況", "総画素数=31万画素", "未知="}
+            << true;
+        QTest::newRow("exif facts") << "画像入力機器のモデル名:2:10:+;作者名:2:10:+;撮影日時:2:10:+"
+                                    << QStringList{"画像入力機器のモデル名=G800 SE",
+                                                   "作者名=", "撮影日時=2024/05/01 09:30:15"}
+                                    << true;
+    }
+    void textPairs() {
+        QFETCH(QString, settings);
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        ExifFacts facts;
+        facts.model = u"G800 SE"_s;
+        facts.artist = u"現場 太郎"_s;
+        facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 1), QTime(9, 30, 15));
+        QImage image(640, 480, QImage::Format_RGB32);
+        image.fill(Qt::darkGreen);
+        QVERIFY(QDir().mkpath(mlit20 + u"/PIC"_s));
+        QVERIFY(WriteExifJpeg(mlit20 + u"/PIC/P0000001.JPG"_s, image, facts));
+
+        ToviItemArray items;
+        items.append(ToviItem(0, u"P0000001.JPG"_s));
+        items.append(ToviItem(4, u"道路土工"_s));
+        items.append(ToviItem(2, u"掘削状況"_s));
+        items.append(ToviItem(4, u"舗装工"_s));
+        items.append(ToviItem(7, u"2024-05-01"_s));
+        items.append(ToviItem(9, u"No.1-2 測点"_s));
+        ToviPhoto photo(&doc, items);
+        photo.LoadExif();
+
+        ToviItemShowSettings list;
+        for (const QString& row : settings.split(QLatin1Char(';'))) {
+            const QStringList p = row.split(QLatin1Char(':'));
+            list.Add(p[0], p[3] == "+"_L1, p[2].toInt(), Definition::GradeOptional,
+                     static_cast<InfoType>(p[1].toInt()));
+        }
+        ToviTextPairArray pairs{ToviTextPair(u"前"_s, u"残り"_s)};
+        const bool result = photo.GetTextPairs(doc.GetItemDef(), list, pairs);
+        QStringList got;
+        for (const ToviTextPair& pair : pairs) {
+            got.append(pair.GetItem() + QLatin1Char('=') + pair.GetValue());
+        }
+        QTEST(got, "pairs");
+        QTEST(result, "result");
+        // Without definitions there is nothing to show, and nothing is left of the old rows.
+        QVERIFY(!photo.GetTextPairs(nullptr, list, pairs));
+        QVERIFY(pairs.isEmpty());
+    }
+
 private:
+    QString WriteDelivery(const QString& name, const char* dtd) {
+        const QString folder = temp.filePath(name);
+        WriteFile(folder + u"/PHOTO.XML"_s,
+                  QByteArray("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+                             "<!DOCTYPE photodata SYSTEM \"") +
+                      dtd + "\">\n<photodata></photodata>\n");
+        return folder;
+    }
+
     QTemporaryDir temp;
+    QString program;
+    QString mlit20;
+    QString mlit18;
     int run = 0;
 };
 
