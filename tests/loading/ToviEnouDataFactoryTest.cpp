@@ -408,13 +408,25 @@ private slots:
         QVERIFY(!fifo.Opened());
     }
 
-    // A record that lacks a field inherits the record before it, and a word outside the
-    // vocabulary leaves the field as it stood: the file format defines it so.
-    void recordsInheritMissingFields() {
-        const QString program = temp.filePath(u"prog-inherit"_s);
-        WriteFile(program + u"/READITEM.XML"_s,
-                  R"(<?xml version="1.0" encoding="UTF-8"?>
-<information>
+    // READITEM.XML missing, malformed, or without the section. A record that lacks a field
+    // inherits the record before it, and a word outside the vocabulary leaves the field as it
+    // stood: the file format defines it so.
+    void definitionFile_data() {
+        QTest::addColumn<QByteArray>("readItem");  // empty: no file at all
+        QTest::addColumn<int>("result");
+        QTest::addColumn<int>("count");
+        const QByteArray head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+        QTest::newRow("missing") << QByteArray() << int(ReadErrNoItemFile) << 0;
+        QTest::newRow("malformed")
+            << QByteArray("<information><国交省-20><管理項目>") << int(ReadErrDefinition) << 0;
+        QTest::newRow("not XML at all")
+            << QByteArray("\x89PNG\r\n\x1a\n garbage") << int(ReadErrDefinition) << 0;
+        QTest::newRow("section absent")
+            << head + "<information><国交省-18/></information>" << int(ReadErrNone) << 0;
+        QTest::newRow("no information root")
+            << head + "<国交省-20><管理項目><タイトル>X</タイトル></管理項目></国交省-20>"
+            << int(ReadErrNone) << 1;
+        QTest::newRow("records inherit") << head + R"(<information>
   <国交省-18><管理項目><タイトル>その他</タイトル></管理項目></国交省-18>
   <国交省-20>
     <管理項目><タイトル>A</タイトル><必要度>必須</必要度><表示>InfoDlg</表示><データ数>0+</データ数>
@@ -422,49 +434,9 @@ private slots:
     <メモ>ignored</メモ>
     <管理項目><タイトル>B</タイトル><必要度>すごく必須</必要度><操作>Parent</操作></管理項目>
   </国交省-20>
-</information>)");
-        ToviItemDef::SetProgramPathOverride(program);
-        const QString data = temp.filePath(u"data-inherit"_s);
-        WriteDoctype(data, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
-        ToviItemDef def;
-        QCOMPARE(def.Load(data, PhotoXMLMlit), ReadErrNone);
-        QCOMPARE(def.GetCount(), 2);
-        const Definition& b = def.GetDef(1);
-        QCOMPARE(b.title, u"B"_s);
-        QCOMPARE(b.grade, static_cast<int>(Definition::GradeRequired));
-        QCOMPARE(b.show, static_cast<int>(Definition::ShowInfoDlg));
-        QCOMPARE(b.count, static_cast<int>(Definition::CountZeroOrMore));
-        QCOMPARE(b.operation, static_cast<int>(Definition::StepParent));
-        QVERIFY(b.blockPlural);
-        QCOMPARE(b.readType, static_cast<int>(Definition::ReadPhotoItem));
-        QCOMPARE(def.GetIndexFromTitle(u"B"_s), 1);
-        QCOMPARE(def.GetIndexFromTitle(u"その他"_s), -1);
-        QVERIFY_THROWS_EXCEPTION(std::out_of_range, def.GetDef(2));
+</information>)" << int(ReadErrNone) << 2;
     }
-
-    // READITEM.XML missing, malformed, or without the section.
-    void definitionFileProblems_data() {
-        QTest::addColumn<QByteArray>("readItem");  // empty: no file at all
-        QTest::addColumn<int>("result");
-        QTest::addColumn<int>("count");
-        QTest::newRow("missing") << QByteArray() << static_cast<int>(ReadErrNoItemFile) << 0;
-        QTest::newRow("malformed") << QByteArray("<information><国交省-20><管理項目>")
-                                   << static_cast<int>(ReadErrDefinition) << 0;
-        QTest::newRow("not XML at all")
-            << QByteArray("\x89PNG\r\n\x1a\n garbage") << static_cast<int>(ReadErrDefinition) << 0;
-        QTest::newRow("section absent")
-            << QByteArray(
-                   "<?xml version=\"1.0\" "
-                   "encoding=\"UTF-8\"?><information><国交省-18/></information>")
-            << static_cast<int>(ReadErrNone) << 0;
-        QTest::newRow("no information root")
-            << QByteArray(
-                   "<?xml version=\"1.0\" "
-                   "encoding=\"UTF-8\"?><国交省-20><管理項目><タイトル>X</タイトル>"
-                   "</管理項目></国交省-20>")
-            << static_cast<int>(ReadErrNone) << 1;
-    }
-    void definitionFileProblems() {
+    void definitionFile() {
         QFETCH(QByteArray, readItem);
         QFETCH(int, result);
         QFETCH(int, count);
@@ -478,7 +450,21 @@ private slots:
         WriteDoctype(data, "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">");
         ToviData document(nullptr, data, PhotoXMLMlit);
         QCOMPARE(static_cast<int>(document.GetErrorType()), result);
-        QCOMPARE(document.GetItemDef()->GetCount(), count);
+        const ToviItemDef& def = *document.GetItemDef();
+        QCOMPARE(def.GetCount(), count);
+        QCOMPARE(def.GetIndexFromTitle(u"その他"_s), -1);
+        QVERIFY_THROWS_EXCEPTION(std::out_of_range, def.GetDef(count));
+        if (count == 2) {
+            const Definition& b = def.GetDef(1);
+            QCOMPARE(b.title, u"B"_s);
+            QCOMPARE(def.GetIndexFromTitle(u"B"_s), 1);
+            QCOMPARE(b.grade, static_cast<int>(Definition::GradeRequired));
+            QCOMPARE(b.show, static_cast<int>(Definition::ShowInfoDlg));
+            QCOMPARE(b.count, static_cast<int>(Definition::CountZeroOrMore));
+            QCOMPARE(b.operation, static_cast<int>(Definition::StepParent));
+            QVERIFY(b.blockPlural);
+            QCOMPARE(b.readType, static_cast<int>(Definition::ReadPhotoItem));
+        }
     }
 
 private:
