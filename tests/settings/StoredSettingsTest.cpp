@@ -148,8 +148,15 @@ private slots:
         program = temp.filePath(u"program"_s);
         QVERIFY(WriteReadItem(program));
         ToviItemDef::SetProgramPathOverride(program);
-        mlit20 = WriteDelivery(u"mlit20"_s, "PHOTO05.DTD");
-        mlit18 = WriteDelivery(u"mlit18"_s, "PHOTO04.DTD");
+        mlit20 = temp.filePath(u"mlit20"_s);
+        mlit18 = temp.filePath(u"mlit18"_s);
+        for (const auto& [folder, dtd] :
+             {std::pair(mlit20, "PHOTO05"), std::pair(mlit18, "PHOTO04")}) {
+            QVERIFY(WriteFile(folder + u"/PHOTO.XML"_s,
+                              QByteArray("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+                                         "<!DOCTYPE photodata SYSTEM \"") +
+                                  dtd + ".DTD\">\n<photodata></photodata>\n"));
+        }
     }
     void cleanupTestCase() {
         ToviItemDef::SetProgramPathOverride(QString());
@@ -470,22 +477,20 @@ private slots:
     void textPairs_data() {
         QTest::addColumn<QString>("settings");  // "title:kind:index:+|-;..."
         QTest::addColumn<QStringList>("pairs");
-        QTest::addColumn<bool>("result");
         QTest::newRow("settings decide the order")
             << "工種:0:4:+;写真タイトル:0:2:+"
-            << QStringList{"工種=道路土工", "工種=舗装工", "写真タイトル=掘削状況"} << true;
+            << QStringList{"工種=道路土工", "工種=舗装工", "写真タイトル=掘削状況"};
         QTest::newRow("hidden entries give no rows")
-            << "工種:0:4:-;写真タイトル:0:2:+" << QStringList{"写真タイトル=掘削状況"} << true;
+            << "工種:0:4:-;写真タイトル:0:2:+" << QStringList{"写真タイトル=掘削状況"};
         QTest::newRow("date with slashes")
-            << "撮影年月日:0:7:+" << QStringList{"撮影年月日=2024/05/01"} << true;
+            << "撮影年月日:0:7:+" << QStringList{"撮影年月日=2024/05/01"};
         QTest::newRow("file facts")
             << "幅×高さ:1:10:+;写真タイトル:0:2:+;総画素数:1:10:+;未知:1:10:+"
-            << QStringList{"幅×高さ=640×480", "写真タイトル=掘削状況", "総画素数=31万画素", "未知="}
-            << true;
+            << QStringList{"幅×高さ=640×480", "写真タイトル=掘削状況", "総画素数=31万画素",
+                           "未知="};
         QTest::newRow("exif facts") << "画像入力機器のモデル名:2:10:+;作者名:2:10:+;撮影日時:2:10:+"
                                     << QStringList{"画像入力機器のモデル名=G800 SE",
-                                                   "作者名=", "撮影日時=2024/05/01 09:30:15"}
-                                    << true;
+                                                   "作者名=", "撮影日時=2024/05/01 09:30:15"};
     }
     void textPairs() {
         QFETCH(QString, settings);
@@ -499,14 +504,9 @@ private slots:
         QVERIFY(QDir().mkpath(mlit20 + u"/PIC"_s));
         QVERIFY(WriteExifJpeg(mlit20 + u"/PIC/P0000001.JPG"_s, image, facts));
 
-        ToviItemArray items;
-        items.append(ToviItem(0, u"P0000001.JPG"_s));
-        items.append(ToviItem(4, u"道路土工"_s));
-        items.append(ToviItem(2, u"掘削状況"_s));
-        items.append(ToviItem(4, u"舗装工"_s));
-        items.append(ToviItem(7, u"2024-05-01"_s));
-        items.append(ToviItem(9, u"No.1-2 測点"_s));
-        ToviPhoto photo(&doc, items);
+        ToviPhoto photo(&doc, {ToviItem(0, u"P0000001.JPG"_s), ToviItem(4, u"道路土工"_s),
+                               ToviItem(2, u"掘削状況"_s), ToviItem(4, u"舗装工"_s),
+                               ToviItem(7, u"2024-05-01"_s), ToviItem(9, u"No.1-2 測点"_s)});
         photo.LoadExif();
 
         ToviItemShowSettings list;
@@ -516,28 +516,18 @@ private slots:
                      static_cast<InfoType>(p[1].toInt()));
         }
         ToviTextPairArray pairs{ToviTextPair(u"前"_s, u"残り"_s)};
-        const bool result = photo.GetTextPairs(doc.GetItemDef(), list, pairs);
+        QVERIFY(photo.GetTextPairs(doc.GetItemDef(), list, pairs));
         QStringList got;
         for (const ToviTextPair& pair : pairs) {
             got.append(pair.GetItem() + QLatin1Char('=') + pair.GetValue());
         }
         QTEST(got, "pairs");
-        QTEST(result, "result");
         // Without definitions there is nothing to show, and nothing is left of the old rows.
         QVERIFY(!photo.GetTextPairs(nullptr, list, pairs));
         QVERIFY(pairs.isEmpty());
     }
 
 private:
-    QString WriteDelivery(const QString& name, const char* dtd) {
-        const QString folder = temp.filePath(name);
-        WriteFile(folder + u"/PHOTO.XML"_s,
-                  QByteArray("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
-                             "<!DOCTYPE photodata SYSTEM \"") +
-                      dtd + "\">\n<photodata></photodata>\n");
-        return folder;
-    }
-
     QTemporaryDir temp;
     QString program;
     QString mlit20;
