@@ -42,15 +42,12 @@ const char kSvg[] =
     "  <rect x=\"0\" y=\"0\" width=\"400\" height=\"400\" fill=\"#ff0000\"/>\n"
     "</svg>\n";
 
-enum class Way { Load, Thumb };
-
-bool LoadWay(LumImage& image, Way way, const QString& path) {
-    return way == Way::Load ? image.Load(path) : image.LoadThumb(path);
+// Load, or LoadThumb when thumb is set.
+bool LoadWay(LumImage& image, bool thumb, const QString& path) {
+    return thumb ? image.LoadThumb(path) : image.Load(path);
 }
 
 }  // namespace
-
-Q_DECLARE_METATYPE(Way)
 
 class LumImageTest : public QObject {
     Q_OBJECT
@@ -108,7 +105,7 @@ private slots:
         QCOMPARE(image.Image().size(), size);
     }
     void orientation_data() {
-        QTest::addColumn<Way>("way");
+        QTest::addColumn<bool>("thumb");
         QTest::addColumn<bool>("embed");
         QTest::addColumn<int>("orientation");
         // The colours seen at the top-left, top-right and bottom-left of the upright picture.
@@ -128,16 +125,16 @@ private slots:
         // Every turn through Load; the thumbnail paths share the turning, so one each.
         for (const auto& row : rows) {
             QTest::addRow("%d, Load", row.orientation)
-                << Way::Load << true << row.orientation << row.topLeft << row.topRight
+                << false << true << row.orientation << row.topLeft << row.topRight
                 << row.bottomLeft;
         }
         QTest::newRow("6, Exif thumbnail")
-            << Way::Thumb << true << 6 << QColor(Qt::blue) << QColor(Qt::red) << QColor(Qt::yellow);
-        QTest::newRow("7, decoded thumbnail") << Way::Thumb << false << 7 << QColor(Qt::yellow)
-                                              << QColor(Qt::green) << QColor(Qt::blue);
+            << true << true << 6 << QColor(Qt::blue) << QColor(Qt::red) << QColor(Qt::yellow);
+        QTest::newRow("7, decoded thumbnail")
+            << true << false << 7 << QColor(Qt::yellow) << QColor(Qt::green) << QColor(Qt::blue);
     }
     void orientation() {
-        QFETCH(Way, way);
+        QFETCH(bool, thumb);
         QFETCH(bool, embed);
         QFETCH(int, orientation);
         QFETCH(QColor, topLeft);
@@ -152,7 +149,7 @@ private slots:
         QVERIFY(WriteExifJpeg(path, Quadrants(QSize(640, 320)), facts));
 
         LumImage image;
-        QVERIFY(LoadWay(image, way, path));
+        QVERIFY(LoadWay(image, thumb, path));
         const QImage& picture = image.Image();
         const bool upright = orientation >= 5;
         QCOMPARE(picture.width() > picture.height(), !upright);
@@ -163,7 +160,7 @@ private slots:
         QVERIFY2(Near(picture.pixel(2, bottom), bottomLeft), "bottom left");
     }
     void unreadableFiles_data() {
-        QTest::addColumn<Way>("way");
+        QTest::addColumn<bool>("thumb");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");  // null: the file is not written at all
 
@@ -184,14 +181,14 @@ private slots:
             {"cut SVG", u"cut.svg"_s, QByteArray(kSvg).left(120)},
         };
         for (const auto& file : files) {
-            for (Way way : {Way::Load, Way::Thumb}) {
-                QTest::addRow("%s, %s", file.row, way == Way::Load ? "Load" : "LoadThumb")
-                    << way << file.name << file.bytes;
+            for (bool thumb : {false, true}) {
+                QTest::addRow("%s, %s", file.row, thumb ? "LoadThumb" : "Load")
+                    << thumb << file.name << file.bytes;
             }
         }
     }
     void unreadableFiles() {
-        QFETCH(Way, way);
+        QFETCH(bool, thumb);
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
 
@@ -204,7 +201,7 @@ private slots:
 
         LumImage image;
         QVERIFY(image.Load(good));
-        QVERIFY(!LoadWay(image, way, path));
+        QVERIFY(!LoadWay(image, thumb, path));
         QVERIFY(!image.IsValid());
         QCOMPARE(image.Width(), 0);
         QVERIFY(!image.ConvGrayScaleFromMono());
