@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Quadrants in four colours, so that where each corner went tells the turn that was applied.
@@ -40,15 +42,12 @@ const char kSvg[] =
     "  <rect x=\"0\" y=\"0\" width=\"400\" height=\"400\" fill=\"#ff0000\"/>\n"
     "</svg>\n";
 
-enum class Way { Load, Thumb };
-
-bool LoadWay(LumImage& image, Way way, const QString& path) {
-    return way == Way::Load ? image.Load(path) : image.LoadThumb(path);
+// Load, or LoadThumb when thumb is set.
+bool LoadWay(LumImage& image, bool thumb, const QString& path) {
+    return thumb ? image.LoadThumb(path) : image.Load(path);
 }
 
 }  // namespace
-
-Q_DECLARE_METATYPE(Way)
 
 class LumImageTest : public QObject {
     Q_OBJECT
@@ -58,32 +57,43 @@ private slots:
         dir = std::make_unique<QTemporaryDir>();
         QVERIFY(dir->isValid());
         // Unreadable files are an ordinary outcome: nothing may be printed for them.
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QTest::failOnWarning(QRegularExpression(u".*"_s));
     }
+    // The thumbnail comes from the Exif block, else from a reduced decode; some cameras append
+    // their own records after the picture, which is no cut file.
     void thumbnailSource_data() {
         QTest::addColumn<QSize>("size");
         QTest::addColumn<bool>("writeExif");
         QTest::addColumn<bool>("embed");
+        QTest::addColumn<QByteArray>("trailer");
         QTest::addColumn<QSize>("thumb");
-
-        QTest::newRow("Exif thumbnail") << QSize(2400, 1800) << true << true << QSize(160, 120);
-        QTest::newRow("no thumbnail: 1/8") << QSize(2400, 1800) << true << false << QSize(300, 225);
+        const QByteArray none;
+        QTest::newRow("Exif thumbnail")
+            << QSize(2400, 1800) << true << true << none << QSize(160, 120);
+        QTest::newRow("no thumbnail: 1/8")
+            << QSize(2400, 1800) << true << false << none << QSize(300, 225);
         QTest::newRow("no Exif: 1/4 keeps 256")
-            << QSize(1024, 768) << false << false << QSize(256, 192);
-        QTest::newRow("small: whole") << QSize(300, 200) << false << false << QSize(300, 200);
-        QTest::newRow("uneven size") << QSize(2401, 1799) << true << false << QSize(300, 224);
+            << QSize(1024, 768) << false << false << none << QSize(256, 192);
+        QTest::newRow("small: whole")
+            << QSize(300, 200) << false << false << none << QSize(300, 200);
+        QTest::newRow("uneven size")
+            << QSize(2401, 1799) << true << false << none << QSize(300, 224);
+        QTest::newRow("data after the end of the image")
+            << QSize(800, 600) << true << false << QByteArray(70000, '\0') + "MAKER TRAILER"
+            << QSize(400, 300);
     }
     void thumbnailSource() {
         QFETCH(QSize, size);
         QFETCH(bool, writeExif);
         QFETCH(bool, embed);
+        QFETCH(QByteArray, trailer);
         QFETCH(QSize, thumb);
 
         ExifFacts facts;
         facts.writeExif = writeExif;
         facts.embedThumbnail = embed;
-        const QString path = dir->filePath(QStringLiteral("P0000001.JPG"));
-        QVERIFY(WriteExifJpeg(path, Quadrants(size), facts));
+        const QString path = dir->filePath(u"P0000001.JPG"_s);
+        WriteBytes(path, MakeExifJpeg(Quadrants(size), facts) + trailer);
 
         LumImage image;
         QVERIFY(image.LoadThumb(path));
@@ -95,7 +105,7 @@ private slots:
         QCOMPARE(image.Image().size(), size);
     }
     void orientation_data() {
-        QTest::addColumn<Way>("way");
+        QTest::addColumn<bool>("thumb");
         QTest::addColumn<bool>("embed");
         QTest::addColumn<int>("orientation");
         // The colours seen at the top-left, top-right and bottom-left of the upright picture.
@@ -115,16 +125,16 @@ private slots:
         // Every turn through Load; the thumbnail paths share the turning, so one each.
         for (const auto& row : rows) {
             QTest::addRow("%d, Load", row.orientation)
-                << Way::Load << true << row.orientation << row.topLeft << row.topRight
+                << false << true << row.orientation << row.topLeft << row.topRight
                 << row.bottomLeft;
         }
         QTest::newRow("6, Exif thumbnail")
-            << Way::Thumb << true << 6 << QColor(Qt::blue) << QColor(Qt::red) << QColor(Qt::yellow);
-        QTest::newRow("7, decoded thumbnail") << Way::Thumb << false << 7 << QColor(Qt::yellow)
-                                              << QColor(Qt::green) << QColor(Qt::blue);
+            << true << true << 6 << QColor(Qt::blue) << QColor(Qt::red) << QColor(Qt::yellow);
+        QTest::newRow("7, decoded thumbnail")
+            << true << false << 7 << QColor(Qt::yellow) << QColor(Qt::green) << QColor(Qt::blue);
     }
     void orientation() {
-        QFETCH(Way, way);
+        QFETCH(bool, thumb);
         QFETCH(bool, embed);
         QFETCH(int, orientation);
         QFETCH(QColor, topLeft);
@@ -135,11 +145,11 @@ private slots:
         facts.orientation = orientation;
         facts.embedThumbnail = embed;
         facts.thumbnailSize = QSize(160, 80);
-        const QString path = dir->filePath(QStringLiteral("turned.jpg"));
+        const QString path = dir->filePath(u"turned.jpg"_s);
         QVERIFY(WriteExifJpeg(path, Quadrants(QSize(640, 320)), facts));
 
         LumImage image;
-        QVERIFY(LoadWay(image, way, path));
+        QVERIFY(LoadWay(image, thumb, path));
         const QImage& picture = image.Image();
         const bool upright = orientation >= 5;
         QCOMPARE(picture.width() > picture.height(), !upright);
@@ -150,7 +160,7 @@ private slots:
         QVERIFY2(Near(picture.pixel(2, bottom), bottomLeft), "bottom left");
     }
     void unreadableFiles_data() {
-        QTest::addColumn<Way>("way");
+        QTest::addColumn<bool>("thumb");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");  // null: the file is not written at all
 
@@ -163,26 +173,26 @@ private slots:
             QString name;
             QByteArray bytes;
         } files[] = {
-            {"missing file", QStringLiteral("none.JPG"), QByteArray()},
-            {"empty file", QStringLiteral("empty.JPG"), QByteArray("")},
-            {"cut in the scan, Exif thumbnail intact", QStringLiteral("cut.JPG"),
+            {"missing file", u"none.JPG"_s, QByteArray()},
+            {"empty file", u"empty.JPG"_s, QByteArray("")},
+            {"cut in the scan, Exif thumbnail intact", u"cut.JPG"_s,
              jpeg.left(jpeg.size() * 2 / 3)},
-            {"cut inside the Exif block", QStringLiteral("cut3.JPG"), jpeg.left(300)},
-            {"cut SVG", QStringLiteral("cut.svg"), QByteArray(kSvg).left(120)},
+            {"cut inside the Exif block", u"cut3.JPG"_s, jpeg.left(300)},
+            {"cut SVG", u"cut.svg"_s, QByteArray(kSvg).left(120)},
         };
         for (const auto& file : files) {
-            for (Way way : {Way::Load, Way::Thumb}) {
-                QTest::addRow("%s, %s", file.row, way == Way::Load ? "Load" : "LoadThumb")
-                    << way << file.name << file.bytes;
+            for (bool thumb : {false, true}) {
+                QTest::addRow("%s, %s", file.row, thumb ? "LoadThumb" : "Load")
+                    << thumb << file.name << file.bytes;
             }
         }
     }
     void unreadableFiles() {
-        QFETCH(Way, way);
+        QFETCH(bool, thumb);
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
 
-        const QString good = dir->filePath(QStringLiteral("good.JPG"));
+        const QString good = dir->filePath(u"good.JPG"_s);
         QVERIFY(WriteExifJpeg(good, Quadrants(QSize(64, 48)), ExifFacts()));
         const QString path = dir->filePath(name);
         if (!bytes.isNull()) {
@@ -191,32 +201,17 @@ private slots:
 
         LumImage image;
         QVERIFY(image.Load(good));
-        QVERIFY(!LoadWay(image, way, path));
+        QVERIFY(!LoadWay(image, thumb, path));
         QVERIFY(!image.IsValid());
         QCOMPARE(image.Width(), 0);
         QVERIFY(!image.ConvGrayScaleFromMono());
-    }
-    void dataAfterEndOfImage() {
-        // Some cameras append their own records after the picture; that is not a cut file.
-        ExifFacts facts;
-        facts.embedThumbnail = false;
-        QByteArray bytes = MakeExifJpeg(Quadrants(QSize(800, 600)), facts);
-        bytes += QByteArray(70000, '\0') + QByteArray("MAKER TRAILER");
-        const QString path = dir->filePath(QStringLiteral("trailer.JPG"));
-        WriteBytes(path, bytes);
-
-        LumImage image;
-        QVERIFY(image.LoadThumb(path));
-        QCOMPARE(image.Image().size(), QSize(400, 300));
-        QVERIFY(image.Load(path));
-        QCOMPARE(image.Image().size(), QSize(800, 600));
     }
     // A one-bit drawing becomes grey levels, pixel for pixel; anything else is left alone.
     void monoBecomesGrey() {
         QImage mono(40, 20, QImage::Format_Mono);
         mono.fill(1);
         mono.setPixel(0, 5, 0);
-        const QString path = dir->filePath(QStringLiteral("LINE.TIF"));
+        const QString path = dir->filePath(u"LINE.TIF"_s);
         QVERIFY(mono.save(path, "TIFF"));
         LumImage image;
         QVERIFY(image.Load(path));

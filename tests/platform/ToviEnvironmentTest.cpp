@@ -10,6 +10,8 @@
 #include <cstring>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 void WriteText(const QString& path, const QByteArray& text) {
@@ -47,14 +49,13 @@ private slots:
         QVERIFY(dir->isValid());
         // The user's folders, the temporary folder and both settings files all live in the
         // fixture, so nothing of the real account is read or written.
-        qputenv("HOME", QFile::encodeName(Path(QStringLiteral("home"))));
+        qputenv("HOME", QFile::encodeName(Path(u"home"_s)));
         qunsetenv("XDG_CONFIG_HOME");
-        qputenv("TMPDIR", QFile::encodeName(Path(QStringLiteral("tmp"))));
+        qputenv("TMPDIR", QFile::encodeName(Path(u"tmp"_s)));
         for (const char* folder : {"home/Documents", "home/Desktop", "tmp"}) {
             QVERIFY(QDir().mkpath(Path(QLatin1String(folder))));
         }
-        ToviEnvironment::SetSettingsPathsForTesting(Path(QStringLiteral("user.ini")),
-                                                    Path(QStringLiteral("system.ini")));
+        ToviEnvironment::SetSettingsPathsForTesting(Path(u"user.ini"_s), Path(u"system.ini"_s));
     }
     void cleanup() {
         ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
@@ -64,97 +65,99 @@ private slots:
     void defaultSettingsFile() {
         // Runs first, so that QSettings settles its user folder inside the fixture.
         ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(Path(QStringLiteral("config"))));
-        QSettings user(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Orvane Systems"),
-                       QStringLiteral("QVHomeKey"));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(Path(u"config"_s)));
+        QSettings user(QSettings::IniFormat, QSettings::UserScope, u"Orvane Systems"_s,
+                       u"QVHomeKey"_s);
         if (!user.fileName().startsWith(dir->path())) {
             QSKIP("QSettings chose its user folder before the fixture could move it");
         }
-        user.setValue(QStringLiteral("QVScratch"), QStringLiteral("$(PersonalTemp)"));
+        user.setValue(u"QVScratch"_s, u"$(PersonalTemp)"_s);
         user.sync();
 
         QString folder;
         QVERIFY(ToviEnvironment::GetWorkFolder(folder));
-        QCOMPARE(folder, Path(QStringLiteral("tmp/QVScratch")));
+        QCOMPARE(folder, Path(u"tmp/QVScratch"_s));
     }
-    void userValue_data() {
-        QTest::addColumn<QString>("value");     // %1 stands for the fixture folder
-        QTest::addColumn<QString>("expected");  // the work folder, %1 as above
-
-        QTest::newRow("temporary folder") << "$(PersonalTemp)"
-                                          << "%1/tmp/QVScratch";
-        QTest::newRow("documents, one new level") << "$(PersonalDocument)/Site"
-                                                  << "%1/home/Documents/Site/QVScratch";
-        QTest::newRow("no drive letter") << "$(WinDrive)%1/work"
-                                         << "%1/work/QVScratch";
-        QTest::newRow("macro in the middle") << "%1/x$(PersonalTemp)"
-                                             << "%1/x%1/tmp/QVScratch";
+    // The work folder from the user's value, else the documents folder, else the newest
+    // installed product's folder two levels above its program folder. %1 stands for the
+    // fixture folder; products are "product/version=program folder".
+    void workFolder_data() {
+        QTest::addColumn<QString>("value");  // null: nothing written
+        QTest::addColumn<QStringList>("products");
+        QTest::addColumn<QString>("expected");
+        const QString documents = u"%1/home/Documents/QVScratch"_s;
+        QTest::newRow("temporary folder")
+            << "$(PersonalTemp)" << QStringList{} << "%1/tmp/QVScratch";
+        QTest::newRow("documents, one new level")
+            << "$(PersonalDocument)/Site" << QStringList{} << "%1/home/Documents/Site/QVScratch";
+        QTest::newRow("no drive letter")
+            << "$(WinDrive)%1/work" << QStringList{} << "%1/work/QVScratch";
+        QTest::newRow("macro in the middle")
+            << "%1/x$(PersonalTemp)" << QStringList{} << "%1/x%1/tmp/QVScratch";
+        QTest::newRow("parent missing") << "%1/no/such/place" << QStringList{} << documents;
+        QTest::newRow("nothing set") << QString() << QStringList{} << documents;
+        QTest::newRow("product, two levels removed")
+            << "%1/no/such/place" << QStringList{"QVPhotoViewer/1.0=%1/opt/orvane/viewer/bin/"}
+            << "%1/opt/orvane/QVScratch";
+        QTest::newRow("product, newest version first")
+            << "%1/no/such/place"
+            << QStringList{"QVPhotoViewer/1.0=%1/old/a/b", "QVPhotoViewer/2.0=%1/new/a/b"}
+            << "%1/new/QVScratch";
+        QTest::newRow("product, missing program folder skipped")
+            << "%1/no/such/place"
+            << QStringList{"QVPhotoViewer/1.0=%1/old/a/b", "QVPhotoViewer/2.0=%1/gone/a/b"}
+            << "%1/old/QVScratch";
     }
-    void userValue() {
+    void workFolder() {
         QFETCH(QString, value);
+        QFETCH(QStringList, products);
         QFETCH(QString, expected);
-        if (value.contains(QLatin1String("%1/x"))) {
-            QVERIFY(QDir().mkpath(Path(QStringLiteral("x")) + Path(QStringLiteral("tmp"))));
+        if (value.contains("%1/x"_L1)) {
+            QVERIFY(QDir().mkpath(Path(u"x"_s) + Path(u"tmp"_s)));
         }
-        SetUser(Fill(value));
-
-        QString folder;
-        QVERIFY(ToviEnvironment::GetWorkFolder(folder));
-        QCOMPARE(folder, Fill(expected));
-        // The location itself now exists; the work folder is the caller's to create.
-        QVERIFY(QFileInfo(QFileInfo(folder).path()).isDir());
-        QCOMPARE(ToviEnvironment::SuiteFolder(), folder + QStringLiteral("/QV-SUITE/"));
+        WriteText(Path(u"tmp/file"_s), "x");
+        if (!value.isNull()) {
+            SetUser(Fill(value));
+        }
+        for (const QString& entry : products) {
+            const QString program = Fill(entry.section(QLatin1Char('='), 1));
+            QVERIFY(program.contains("/gone/"_L1) || QDir().mkpath(program));
+            SetSystem(u"Software/Orvane Systems/%1/Common/Path/Program"_s.arg(
+                          entry.section(QLatin1Char('='), 0, 0)),
+                      program);
+        }
+        for (int call = 0; call < 2; ++call) {
+            QString folder;
+            QVERIFY(ToviEnvironment::GetWorkFolder(folder));
+            QCOMPARE(folder, Fill(expected));
+            // The location itself now exists; the work folder is the caller's to create.
+            QVERIFY(QFileInfo(QFileInfo(folder).path()).isDir());
+            QCOMPARE(ToviEnvironment::SuiteFolder(), folder + u"/QV-SUITE/"_s);
+        }
+        QVERIFY(!QFileInfo::exists(Path(u"no"_s)));
     }
     void systemValueCopiedToUser() {
-        SetSystem(QStringLiteral("QVScratch"), QStringLiteral("$(PersonalTemp)/site"));
+        SetSystem(u"QVScratch"_s, u"$(PersonalTemp)/site"_s);
 
         QString folder;
         QVERIFY(ToviEnvironment::GetWorkFolder(folder));
-        QCOMPARE(folder, Path(QStringLiteral("tmp/site/QVScratch")));
+        QCOMPARE(folder, Path(u"tmp/site/QVScratch"_s));
         // The copy keeps the macro, so that it follows the user's own folders.
-        QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
-        QCOMPARE(user.value(QStringLiteral("QVScratch")).toString(),
-                 QStringLiteral("$(PersonalTemp)/site"));
+        QSettings user(Path(u"user.ini"_s), QSettings::IniFormat);
+        QCOMPARE(user.value(u"QVScratch"_s).toString(), u"$(PersonalTemp)/site"_s);
 
         // The next look-up finds it in the user's file even when the system's is gone.
-        QVERIFY(QFile::remove(Path(QStringLiteral("system.ini"))));
+        QVERIFY(QFile::remove(Path(u"system.ini"_s)));
         QString again;
         QVERIFY(ToviEnvironment::GetWorkFolder(again));
         QCOMPARE(again, folder);
     }
-    void unusableLocation_data() {
-        QTest::addColumn<bool>("inSystem");
-        QTest::addColumn<QString>("value");  // null: nothing written
-
-        QTest::newRow("user: parent missing") << false << "%1/no/such/place";
-        QTest::newRow("nothing set") << true << QString();
-    }
-    void unusableLocation() {
-        QFETCH(bool, inSystem);
-        QFETCH(QString, value);
-        WriteText(Path(QStringLiteral("tmp/file")), "x");
-        if (!value.isNull()) {
-            if (inSystem) {
-                SetSystem(QStringLiteral("QVScratch"), Fill(value));
-            } else {
-                SetUser(Fill(value));
-            }
-        }
-
-        // No product is installed either, so the documents folder is what is left.
-        for (int call = 0; call < 2; ++call) {
-            QString folder;
-            QVERIFY(ToviEnvironment::GetWorkFolder(folder));
-            QCOMPARE(folder, Path(QStringLiteral("home/Documents/QVScratch")));
-        }
-        QVERIFY(!QFileInfo::exists(Path(QStringLiteral("no"))));
-    }
     // The suite folder handed out through a buffer: the size needed, terminator included,
     // until the buffer holds it; the sizes count UTF-8 bytes.
     void suiteFolderBuffer() {
-        const QString location = Path(QStringLiteral("作業"));
+        const QString location = Path(u"作業"_s);
         SetUser(location);
-        const QByteArray expected = (location + QStringLiteral("/QVScratch/QV-SUITE/")).toUtf8();
+        const QByteArray expected = (location + u"/QVScratch/QV-SUITE/"_s).toUtf8();
         const int needed = static_cast<int>(expected.size()) + 1;
         std::vector<char> buffer(needed + 4, '#');
         QCOMPARE(ToviEnvironment::GetSuiteFolder(needed - 1, buffer.data()), needed);
@@ -163,47 +166,13 @@ private slots:
         QCOMPARE(QByteArray(buffer.data()), expected);
     }
 
-    // Without a usable location the newest installed product's folder, two levels above its
-    // program folder, takes the work folder.
-    void productFallback_data() {
-        QTest::addColumn<QStringList>("entries");  // "product/version=program folder"
-        QTest::addColumn<QString>("expected");
-
-        QTest::newRow("two levels removed")
-            << QStringList{"QVPhotoViewer/1.0=%1/opt/orvane/viewer/bin/"}
-            << "%1/opt/orvane/QVScratch";
-        QTest::newRow("newest version first")
-            << QStringList{"QVPhotoViewer/1.0=%1/old/a/b", "QVPhotoViewer/2.0=%1/new/a/b"}
-            << "%1/new/QVScratch";
-        QTest::newRow("missing program folder skipped")
-            << QStringList{"QVPhotoViewer/1.0=%1/old/a/b", "QVPhotoViewer/2.0=%1/gone/a/b"}
-            << "%1/old/QVScratch";
-    }
-    void productFallback() {
-        QFETCH(QStringList, entries);
-        QFETCH(QString, expected);
-        SetUser(Path(QStringLiteral("no/such/place")));
-        for (const QString& entry : entries) {
-            const QString key = entry.section(QLatin1Char('='), 0, 0);
-            const QString program = Fill(entry.section(QLatin1Char('='), 1));
-            if (!program.contains(QLatin1String("/gone/"))) {
-                QVERIFY(QDir().mkpath(program));
-            }
-            SetSystem(QStringLiteral("Software/Orvane Systems/%1/Common/Path/Program").arg(key),
-                      program);
-        }
-
-        QString folder;
-        QVERIFY(ToviEnvironment::GetWorkFolder(folder));
-        QCOMPARE(folder, Fill(expected));
-    }
     // No table: unknown (0); a table that does not cover the path: no mount point (1).
     void driveTypeWithoutUsableTable() {
-        ToviEnvironment::SetMountTableForTesting(Path(QStringLiteral("missing")));
-        QCOMPARE(ToviGetDriveType(QStringLiteral("/home")), 0u);
-        WriteText(Path(QStringLiteral("mounts")), "tmpfs /tmp tmpfs rw 0 0\nbroken line\n");
-        ToviEnvironment::SetMountTableForTesting(Path(QStringLiteral("mounts")));
-        QCOMPARE(ToviGetDriveType(QStringLiteral("/home")), 1u);
+        ToviEnvironment::SetMountTableForTesting(Path(u"missing"_s));
+        QCOMPARE(ToviGetDriveType(u"/home"_s), 0u);
+        WriteText(Path(u"mounts"_s), "tmpfs /tmp tmpfs rw 0 0\nbroken line\n");
+        ToviEnvironment::SetMountTableForTesting(Path(u"mounts"_s));
+        QCOMPARE(ToviGetDriveType(u"/home"_s), 1u);
     }
 
     void driveType_data() {
@@ -224,7 +193,7 @@ private slots:
         QFETCH(QString, path);
         QFETCH(uint, type);
 
-        WriteText(Path(QStringLiteral("mounts")),
+        WriteText(Path(u"mounts"_s),
                   "/dev/sda2 / ext4 rw,relatime 0 0\n"
                   "tmpfs /tmp tmpfs rw 0 0\n"
                   "/dev/sr0 /media/cdrom iso9660 ro 0 0\n"
@@ -236,22 +205,22 @@ private slots:
                   "/dev/sda3 /data ext4 rw 0 0\n"
                   "/dev/sda4 /mnt/nfs/local ext4 rw 0 0\n");
         // The block-device folder as the kernel lays it out: partitions inside their disk.
-        const QString sys = Path(QStringLiteral("sys"));
+        const QString sys = Path(u"sys"_s);
         for (const auto& [disk, removable] :
              {std::pair("sda", "0"), std::pair("sdb", "1"), std::pair("sdc", "1")}) {
-            WriteText(QStringLiteral("%1/devices/%2/removable").arg(sys, disk), removable);
-            QDir().mkpath(QStringLiteral("%1/class").arg(sys));
-            QVERIFY(QFile::link(QStringLiteral("%1/devices/%2").arg(sys, disk),
-                                QStringLiteral("%1/class/%2").arg(sys, disk)));
+            WriteText(u"%1/devices/%2/removable"_s.arg(sys, disk), removable);
+            QDir().mkpath(u"%1/class"_s.arg(sys));
+            QVERIFY(
+                QFile::link(u"%1/devices/%2"_s.arg(sys, disk), u"%1/class/%2"_s.arg(sys, disk)));
         }
         for (const auto& [disk, part] : {std::pair("sda", "sda2"), std::pair("sda", "sda3"),
                                          std::pair("sda", "sda4"), std::pair("sdb", "sdb1")}) {
-            WriteText(QStringLiteral("%1/devices/%2/%3/partition").arg(sys, disk, part), "1");
-            QVERIFY(QFile::link(QStringLiteral("%1/devices/%2/%3").arg(sys, disk, part),
-                                QStringLiteral("%1/class/%2").arg(sys, part)));
+            WriteText(u"%1/devices/%2/%3/partition"_s.arg(sys, disk, part), "1");
+            QVERIFY(QFile::link(u"%1/devices/%2/%3"_s.arg(sys, disk, part),
+                                u"%1/class/%2"_s.arg(sys, part)));
         }
-        ToviEnvironment::SetMountTableForTesting(Path(QStringLiteral("mounts")));
-        ToviEnvironment::SetBlockDevicesForTesting(sys + QStringLiteral("/class"));
+        ToviEnvironment::SetMountTableForTesting(Path(u"mounts"_s));
+        ToviEnvironment::SetBlockDevicesForTesting(sys + u"/class"_s);
 
         QCOMPARE(ToviGetDriveType(path), type);
     }
@@ -259,15 +228,15 @@ private slots:
 private:
     QString Path(const QString& relative) const { return dir->filePath(relative); }
     void SetUser(const QString& value) {
-        QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
-        user.setValue(QStringLiteral("QVScratch"), value);
+        QSettings user(Path(u"user.ini"_s), QSettings::IniFormat);
+        user.setValue(u"QVScratch"_s, value);
     }
     void SetSystem(const QString& key, const QString& value) {
-        QSettings system(Path(QStringLiteral("system.ini")), QSettings::IniFormat);
+        QSettings system(Path(u"system.ini"_s), QSettings::IniFormat);
         system.setValue(key, value);
     }
     // Puts the fixture folder where a row's text says %1.
-    QString Fill(QString text) const { return text.replace(QLatin1String("%1"), dir->path()); }
+    QString Fill(QString text) const { return text.replace("%1"_L1, dir->path()); }
 
     std::unique_ptr<QTemporaryDir> dir;
     QByteArray home, configHome, tmp;

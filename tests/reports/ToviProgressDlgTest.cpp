@@ -6,6 +6,8 @@
 #include <climits>
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 // Each case runs against a fresh scripted presenter, so pump numbers start at 1.
 class ToviProgressDlgTest : public QObject {
     Q_OBJECT
@@ -20,57 +22,46 @@ private slots:
         ui.reset();
     }
 
-    // A loop that steps through its whole range: throttling cuts the pumps to about one per
-    // percent, and only for spans that leave at least two positions between updates.
-    void throttlingFollowsTheSpan_data() {
+    // A loop that steps through its whole range: StepIt moves by the step and stops at the
+    // upper end; throttling cuts the pumps to about one per percent, and only for spans that
+    // leave at least two positions between updates.
+    void steppingThroughTheRange_data() {
         QTest::addColumn<int>("lower");
         QTest::addColumn<int>("upper");
+        QTest::addColumn<int>("step");
         QTest::addColumn<bool>("throttled");
         QTest::addColumn<int>("pumps");
-        QTest::newRow("span 100") << 0 << 100 << false << 100;
-        QTest::newRow("span 101, interval 1") << 0 << 101 << false << 101;
+        QTest::newRow("unthrottled, step 7") << 0 << 100 << 7 << false << 100;
+        QTest::newRow("span 100") << 0 << 100 << 1 << false << 100;
+        QTest::newRow("span 101, interval 1") << 0 << 101 << 1 << false << 101;
         // Updates at 1, 3, ..., 199, and at the upper end.
-        QTest::newRow("span 200, interval 2") << 0 << 200 << true << 101;
-        QTest::newRow("span 250, interval 2") << 0 << 250 << true << 126;
-        QTest::newRow("span 1000, interval 10") << 0 << 1000 << true << 101;
-        QTest::newRow("negative span 200") << -300 << -100 << true << 101;
+        QTest::newRow("span 200, interval 2") << 0 << 200 << 1 << true << 101;
+        QTest::newRow("span 250, interval 2") << 0 << 250 << 1 << true << 126;
+        QTest::newRow("span 1000, interval 10") << 0 << 1000 << 1 << true << 101;
+        QTest::newRow("negative span 200") << -300 << -100 << 1 << true << 101;
     }
-    void throttlingFollowsTheSpan() {
+    void steppingThroughTheRange() {
         QFETCH(int, lower);
         QFETCH(int, upper);
+        QFETCH(int, step);
         QFETCH(bool, throttled);
         QFETCH(int, pumps);
-
-        ToviProgressDlg dlg(true);
+        ToviProgressDlg dlg(step == 1);
         QVERIFY(dlg.Create());
         dlg.SetRange(lower, upper);
-        dlg.SetStep(1);
+        dlg.SetStep(step);
         QCOMPARE(dlg.IsThrottled(), throttled);
-        for (int i = lower; i < upper; ++i) {
+        dlg.StepIt();
+        dlg.StepIt();
+        QVERIFY(throttled || dlg.Position() == lower + 2 * step);
+        for (int i = lower + 2; i < upper; ++i) {
             dlg.StepIt();
         }
         QCOMPARE(ui->Pumps(), pumps);
         QCOMPARE(dlg.Position(), upper);
-        QCOMPARE(dlg.Percent(), QStringLiteral("100%"));
-        const auto view = ui->LastProgress();
-        QCOMPARE(view->positions.last(), upper);
-        QCOMPARE(view->percents.last(), QStringLiteral("100%"));
-    }
-
-    // Unthrottled, StepIt moves by the step and stops at the upper end.
-    void stepItUsesTheStep() {
-        ToviProgressDlg dlg(false);
-        QVERIFY(dlg.Create());
-        dlg.SetRange(0, 100);
-        dlg.SetStep(7);
-        for (int i = 0; i < 2; ++i) {
-            dlg.StepIt();
-        }
-        QCOMPARE(dlg.Position(), 14);
-        for (int i = 0; i < 20; ++i) {
-            dlg.StepIt();
-        }
-        QCOMPARE(dlg.Position(), 100);
+        QCOMPARE(dlg.Percent(), u"100%"_s);
+        QCOMPARE(ui->LastProgress()->positions.last(), upper);
+        QCOMPARE(ui->LastProgress()->percents.last(), u"100%"_s);
     }
 
     void percentage_data() {
@@ -100,70 +91,55 @@ private slots:
         QCOMPARE(ui->LastProgress()->percents.last(), percent);
     }
 
-    // A click during the pump of GetCancel is answered by that same GetCancel, and once only.
-    void cancelIsReportedOnce() {
+    // A click during the pump of GetCancel is answered by that same GetCancel, and once only;
+    // without cancel neither the button nor the close box cancels.
+    void cancel_data() {
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("enabled") << true;
+        QTest::newRow("disabled") << false;
+    }
+    void cancel() {
+        QFETCH(bool, enabled);
         ToviProgressDlg dlg(false);
+        dlg.SetCancelBtnEnabled(enabled);
         QVERIFY(dlg.Create());
         ui->PressCancelAtPump(1);
-        QVERIFY(dlg.GetCancel());
+        QCOMPARE(dlg.GetCancel(), enabled);
         QVERIFY(!dlg.GetCancel());
     }
 
-    // The message reaches the window only when it changes; an empty one is ignored.
-    void messageOnlyWhenItChanges() {
+    // The message reaches the window only when it changes, an empty one is ignored; an empty
+    // caption is the application's name, also when the window opens.
+    void textsReachTheWindow() {
         ToviProgressDlg dlg(false);
         QVERIFY(dlg.Create());
         for (const char* text : {"抽出", "抽出", "", "並べ替え"}) {
             dlg.SetMessage(QString::fromUtf8(text));
         }
-        QCOMPARE(ui->LastProgress()->messages, (QStringList{"抽出", "並べ替え"}));
-    }
-
-    // Without cancel neither the button nor the close box cancels.
-    void cancelCanBeDisabled() {
-        ToviProgressDlg dlg(false);
-        dlg.SetCancelBtnEnabled(false);
-        QVERIFY(dlg.Create());
-        ui->PressCancelAtPump(1);
-        QVERIFY(!dlg.GetCancel());
-    }
-
-    // An empty caption is the application's name, also when the window opens.
-    void captionDefaultsToTheApplicationName() {
-        ToviProgressDlg dlg(false);
-        QVERIFY(dlg.Create());
-        dlg.SetCaption(QStringLiteral("写真の出力"));
+        dlg.SetCaption(u"写真の出力"_s);
         dlg.SetCaption(QString());
         const QString name = ui->ApplicationName();
+        QCOMPARE(ui->LastProgress()->messages, (QStringList{"抽出", "並べ替え"}));
         QCOMPARE(ui->LastProgress()->captions, (QStringList{name, "写真の出力", name}));
     }
 
-    // A window lost during a pump is never touched again; the loop runs on to its end
-    // and keeps its positions and percentage.
-    // The owner is disabled while the window is up and enabled again when it closes.
-    void ownerIsEnabledAgainOnClose() {
-        std::shared_ptr<ScriptedProgressRecord> view;
-        {
-            ToviProgressDlg dlg(true);
-            QVERIFY(dlg.Create());
-            view = ui->LastProgress();
-            QVERIFY(dlg.DestroyWindow());
-            QVERIFY(!dlg.DestroyWindow());
-        }
-        QCOMPARE(view->ownerStates, (QList<bool>{false, true}));
-        QCOMPARE(view->closeCount, 1);
-    }
-
-    void viewDyingMidLoop_data() {
+    // The owner is disabled while the window is up and enabled again when it closes. A window
+    // lost during a pump is never touched again; the loop runs on to its end and keeps its
+    // positions and percentage.
+    void viewClosingOrDying_data() {
         QTest::addColumn<bool>("throttled");
-        QTest::addColumn<int>("deathPump");
+        QTest::addColumn<int>("deathPump");  // 0: closed by DestroyWindow
+        QTest::newRow("closed") << true << 0;
         QTest::newRow("unthrottled, early") << false << 3;
         QTest::newRow("throttled") << true << 20;
     }
-    void viewDyingMidLoop() {
+    void viewClosingOrDying() {
         QFETCH(bool, throttled);
         QFETCH(int, deathPump);
-        ui->DieAtPump(deathPump);
+        const bool dies = deathPump > 0;
+        if (dies) {
+            ui->DieAtPump(deathPump);
+        }
         std::shared_ptr<ScriptedProgressRecord> view;
         {
             ToviProgressDlg dlg(throttled);
@@ -174,14 +150,15 @@ private slots:
             for (int i = 0; i < 1000; ++i) {
                 dlg.StepIt();
                 QVERIFY(!dlg.GetCancel());
-                dlg.SetMessage(QStringLiteral("写真 %1").arg(i));
+                dlg.SetMessage(u"写真 %1"_s.arg(i));
             }
-            QVERIFY(!view->alive);
-            QVERIFY(!dlg.IsWindow());
+            QCOMPARE(view->alive, !dies);
+            QCOMPARE(dlg.IsWindow(), !dies);
             QCOMPARE(dlg.Position(), 1000);
-            QCOMPARE(dlg.Percent(), QStringLiteral("100%"));
-            QCOMPARE(dlg.Message(), QStringLiteral("写真 999"));
-            // With the window gone, stepping no longer pumps; polling still does.
+            QCOMPARE(dlg.Percent(), u"100%"_s);
+            QCOMPARE(dlg.Message(), u"写真 999"_s);
+            // With the window gone, stepping no longer pumps.
+            QCOMPARE(dlg.DestroyWindow(), !dies);
             const int pumps = ui->Pumps();
             dlg.SetRange(0, 100);
             dlg.StepIt();
@@ -189,8 +166,8 @@ private slots:
             QVERIFY(!dlg.DestroyWindow());
         }
         QCOMPARE(view->callsAfterDeath, 0);
-        QCOMPARE(view->closeCount, 0);
-        QCOMPARE(view->ownerStates, QList<bool>{false});
+        QCOMPARE(view->closeCount, dies ? 0 : 1);
+        QCOMPARE(view->ownerStates, dies ? QList<bool>({false}) : QList<bool>({false, true}));
     }
 
 private:

@@ -1,26 +1,97 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
 #include "extraction/ToviSortCondition.h"
+#include "loading/ToviItemDef.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviItemManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/support/ExifJpegWriter.h"
 
+#include <QDir>
 #include <QFile>
-#include <QHash>
+#include <QFileInfo>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
+const QString kShowSection = u"ShowSetting"_s;
+const QString kItems = u"Items"_s;
 using Setting = ToviPhotoCtrlVisualSetting;
 
 ToviProfile& Profile() {
     return ToviProfile::Instance();
 }
 
+bool WriteFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// One section of READITEM.XML from "title:表示:必要度;..." rows.
+QString Section(const QString& name, const QString& rows) {
+    QString xml = u"<%1>"_s.arg(name);
+    for (const QString& row : rows.split(QLatin1Char(';'))) {
+        const QStringList parts = row.split(QLatin1Char(':'));
+        xml += QStringLiteral(
+                   "<管理項目><タイトル>%1</タイトル><必要度>%3</必要度><表示>%2</表示>"
+                   "<データ数>0+</データ数><操作>Next</操作></管理項目>")
+                   .arg(parts[0], parts[1], parts[2]);
+    }
+    return xml + u"</%1>"_s.arg(name);
+}
+
+// 国交省-20 (PHOTO05.DTD) offers six delivery items to the information list: 撮影箇所 and
+// 写真ファイルパス aren't MainList, and one MainList record has no title. 国交省-18
+// (PHOTO04.DTD) is another kind of delivery with other items.
+bool WriteReadItem(const QString& programFolder) {
+    const QString xml =
+        Section("国交省-20",
+                "写真ファイル名:MainList:必須;写真ファイルパス:Not:任意;写真タイトル:MainList:必須;"
+                ":MainList:任意;工種:MainList:任意;撮影箇所:ZoomDlg:任意;"
+                "施工管理値:MainList:任意;撮影年月日:MainList:必須;"
+                "写真区分:MainList:条件付き必須;請負者説明文:MainList:任意") +
+        Section("国交省-18", "写真ファイル名:MainList:必須;撮影箇所:MainList:任意");
+    return WriteFile(programFolder + u"/READITEM.XML"_s,
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<information>" + xml.toUtf8() +
+                         "</information>\n");
+}
+
+// Six file facts and 23 Exif facts follow the delivery items in every list.
+constexpr int kFactCount = 6 + 23;
+
+// A list as "title=+|-/index/grade/kind" texts, for whole-list comparisons with readable
+// failures.
+QStringList Describe(const ToviItemShowSettings& list) {
+    QStringList out;
+    for (const ToviItemShowSetting& s : list) {
+        out.append(u"%1=%2/%3/%4/%5"_s.arg(s.title, s.bold ? u"+"_s : u"-"_s)
+                       .arg(s.index)
+                       .arg(static_cast<int>(s.grade))
+                       .arg(static_cast<int>(s.infoType)));
+    }
+    return out;
+}
+
+QStringList Hidden(const ToviItemShowSettings& list) {
+    QStringList out;
+    for (const ToviItemShowSetting& s : list) {
+        if (!s.bold) {
+            out.append(s.title);
+        }
+    }
+    return out;
+}
+
 QString Stored(const QString& section, const QString& entry) {
-    return Profile().GetProfileString(section, entry, QStringLiteral("<absent>"));
+    return Profile().GetProfileString(section, entry, u"<absent>"_s);
 }
 
 // A setting in which every field differs from its default, so that a load that wrongly
@@ -35,25 +106,23 @@ void MakeUnusual(Setting& setting) {
     setting.SetVisibleProperty(false);
     setting.SetVisibleComment(false);
     setting.SetVisibleControlValue(false);
-    setting.SetEditCheckTypes(QStringLiteral("0,2"));
+    setting.SetEditCheckTypes(u"0,2"_s);
 }
 
 const QStringList kEntries = {"TextArrange",     "TreeType",       "DivideType",
                               "TitleShowType",   "DoEditCheck",    "VisibleDetail",
                               "VisibleProperty", "VisibleComment", "VisibleControlValue"};
 
-// The field behind an entry, as a number (truth values 0 or 1).
-int Field(const Setting& setting, const QString& entry) {
-    const QList<int> fields = {setting.GetImageTextArrange(),
-                               setting.GetTreeType(),
-                               setting.GetDivType(),
-                               setting.GetTitleShowType(),
-                               setting.GetDoEditCheck(),
-                               setting.GetVisibleDetail(),
-                               setting.GetVisibleProperty(),
-                               setting.GetVisibleComment(),
-                               setting.GetVisibleControlValue()};
-    return fields.value(kEntries.indexOf(entry), -99);
+// The fields behind kEntries, as numbers (truth values 0 or 1), and the check types.
+QStringList Fields(const Setting& s) {
+    QStringList fields;
+    for (const int field : {int(s.GetImageTextArrange()), int(s.GetTreeType()), int(s.GetDivType()),
+                            int(s.GetTitleShowType()), int(s.GetDoEditCheck()),
+                            int(s.GetVisibleDetail()), int(s.GetVisibleProperty()),
+                            int(s.GetVisibleComment()), int(s.GetVisibleControlValue())}) {
+        fields << QString::number(field);
+    }
+    return fields << s.GetEditCheckTypes();
 }
 
 QStringList Names(const ToviLabelManager& manager) {
@@ -66,16 +135,65 @@ QStringList Names(const ToviLabelManager& manager) {
 
 }  // namespace
 
-// The settings that keep themselves in the profile: the view's visual setting, the sort
-// condition and the label names. Numbers are stored as value + 100, so that anything below
-// 100 reads as "never saved"; each of them writes itself when it ends.
+// The profile store, the settings that keep themselves in it (the view's visual setting, the
+// sort condition, the label names) and how a document's Load uses them. Numbers are stored as value
+// + 100, so that anything below 100 reads as "never saved"; each of them writes itself when it
+// ends.
 class StoredSettingsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(temp.isValid()); }
-    void init() { Profile().UseFile(temp.filePath(QStringLiteral("p%1.ini").arg(++run))); }
-    void cleanupTestCase() { Profile().UseFile(temp.filePath(QStringLiteral("last.ini"))); }
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        program = temp.filePath(u"program"_s);
+        QVERIFY(WriteReadItem(program));
+        ToviItemDef::SetProgramPathOverride(program);
+        mlit20 = temp.filePath(u"mlit20"_s);
+        mlit18 = temp.filePath(u"mlit18"_s);
+        for (const auto& [folder, dtd] :
+             {std::pair(mlit20, "PHOTO05"), std::pair(mlit18, "PHOTO04")}) {
+            QVERIFY(WriteFile(folder + u"/PHOTO.XML"_s,
+                              QByteArray("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+                                         "<!DOCTYPE photodata SYSTEM \"") +
+                                  dtd + ".DTD\">\n<photodata></photodata>\n"));
+        }
+    }
+    void cleanupTestCase() {
+        ToviItemDef::SetProgramPathOverride(QString());
+        Profile().UseFile(temp.filePath(u"last.ini"_s));
+    }
+    void init() { Profile().UseFile(temp.filePath(u"p%1.ini"_s.arg(++run))); }
+
+    // Values reach the file on Flush and read back after a switch of file; a folder removed
+    // under the store is not made again, also when the store leaves it (as every test program
+    // does at exit).
+    void valuesReachTheFileAndReadBack() {
+        QString gone;
+        {
+            QTemporaryDir temp;
+            const QString path = temp.filePath(u"sub/p.ini"_s);
+            Profile().UseFile(path);
+            QVERIFY(QFileInfo(temp.filePath(u"sub"_s)).isDir());
+            QVERIFY(Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 105));
+            QVERIFY(Profile().WriteProfileString(u"Label"_s, u"Name0"_s, u"確認済, 要再提出"_s));
+            QVERIFY(!QFile::exists(path));
+            Profile().Flush();
+            QCOMPARE(QSettings(path, QSettings::IniFormat).value(u"Sort/Key"_s).toInt(), 105);
+
+            Profile().UseFile(QString());
+            Profile().UseFile(path);
+            QCOMPARE(Profile().GetProfileInt(u"Sort"_s, u"Key"_s, 0), 105);
+            QCOMPARE(Profile().GetProfileString(u"Label"_s, u"Name0"_s, {}), u"確認済, 要再提出"_s);
+            QCOMPARE(Profile().GetProfileInt(u"Label"_s, u"Name0"_s, 7), 7);
+            Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 1);
+            gone = temp.path();
+        }
+        QVERIFY(Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 2));
+        Profile().Flush();
+        QVERIFY(!QFileInfo::exists(gone));
+        Profile().UseFile(QString());
+        QVERIFY(!QFileInfo::exists(gone));
+    }
 
     // Below 100 (or not a number) leaves the field; there is no range check above, and truth
     // values take any non-zero.
@@ -96,37 +214,31 @@ private slots:
         QFETCH(QString, entry);
         QFETCH(QString, stored);
         QFETCH(int, expected);
-        Profile().WriteProfileString(QStringLiteral("VisualSetting"), entry, stored);
+        Profile().WriteProfileString(u"VisualSetting"_s, entry, stored);
         Setting setting;
         MakeUnusual(setting);
-        const int before = Field(setting, entry);
+        QStringList fields = Fields(setting);
+        if (expected >= 0) {
+            fields[kEntries.indexOf(entry)] = QString::number(expected);
+        }
         QVERIFY(setting.Load());
-        QCOMPARE(Field(setting, entry), expected < 0 ? before : expected);
-        // The entries that weren't stored keep their values too.
-        QCOMPARE(setting.GetEditCheckTypes(), QStringLiteral("1"));
-        QVERIFY(!setting.GetVisibleDetail());
+        // The entries that weren't stored keep their values; the check types were never saved.
+        fields.last() = u"1"_s;
+        QCOMPARE(Fields(setting), fields);
     }
 
     // Ending writes all ten entries and a new object reads the same state back; of copies,
     // the one that ends last is what the next start reads.
     void visualSettingSave() {
+        Setting expected;
+        MakeUnusual(expected);
         {
             Setting setting;
             MakeUnusual(setting);
         }
-        QStringList stored;
-        for (const QString& entry : kEntries + QStringList{"EditCheckTypes"}) {
-            stored << Stored(QStringLiteral("VisualSetting"), entry);
-        }
-        QCOMPARE(stored, (QStringList{"100", "102", "102", "101", "101", "100", "100", "100", "100",
-                                      "0,2"}));
         Setting loaded;
         loaded.Load();
-        Setting expected;
-        MakeUnusual(expected);
-        for (const QString& entry : kEntries) {
-            QCOMPARE(Field(loaded, entry), Field(expected, entry));
-        }
+        QCOMPARE(Fields(loaded), Fields(expected));
 
         auto owner = std::make_unique<Setting>();
         owner->SetDivType(Setting::Divide4);
@@ -134,7 +246,7 @@ private slots:
             Setting dialogCopy = *owner;
             dialogCopy.SetDivType(Setting::DivideManagementList);
         }
-        QCOMPARE(Stored(QStringLiteral("VisualSetting"), "DivideType"), QStringLiteral("106"));
+        QCOMPARE(Stored(u"VisualSetting"_s, "DivideType"), u"106"_s);
         owner.reset();
         Setting next;
         next.Load();
@@ -147,7 +259,7 @@ private slots:
         ToviSortCondition condition;
         condition.ExecSort(true);
         condition.Ascending(false);
-        condition.SetKeyItem(QStringLiteral("写真タイトル"));
+        condition.SetKeyItem(u"写真タイトル"_s);
         ToviSortCondition copy;
         copy = condition;
         QVERIFY(copy.IsExecSort() && !copy.IsAscending());
@@ -156,23 +268,23 @@ private slots:
         condition.Ascending(false);
         copy = condition;
         QVERIFY(!copy.IsExecSort() && copy.IsAscending());
-        QCOMPARE(copy.GetKeyItem(), QStringLiteral("写真タイトル"));
+        QCOMPARE(copy.GetKeyItem(), u"写真タイトル"_s);
 
         {
             ToviSortCondition saved;
             saved.ExecSort(true);
             saved.Ascending(false);
-            saved.SetKeyItem(QStringLiteral("工種"));
+            saved.SetKeyItem(u"工種"_s);
         }
-        QCOMPARE(Stored(QStringLiteral("Sort"), "ExecSort"), QStringLiteral("101"));
-        QCOMPARE(Stored(QStringLiteral("Sort"), "Ascending"), QStringLiteral("100"));
-        Profile().WriteProfileString(QStringLiteral("Sort"), "ExecSort", QStringLiteral("100"));
-        Profile().WriteProfileString(QStringLiteral("Sort"), "KeyItem", QStringLiteral("_未定義_"));
+        QCOMPARE(Stored(u"Sort"_s, "ExecSort"), u"101"_s);
+        QCOMPARE(Stored(u"Sort"_s, "Ascending"), u"100"_s);
+        Profile().WriteProfileString(u"Sort"_s, "ExecSort", u"100"_s);
+        Profile().WriteProfileString(u"Sort"_s, "KeyItem", u"_未定義_"_s);
         ToviSortCondition loaded;
-        loaded.SetKeyItem(QStringLiteral("撮影年月日"));
+        loaded.SetKeyItem(u"撮影年月日"_s);
         QVERIFY(loaded.Load());
         QVERIFY(!loaded.IsExecSort() && !loaded.IsAscending());
-        QCOMPARE(loaded.GetKeyItem(), QStringLiteral("撮影年月日"));
+        QCOMPARE(loaded.GetKeyItem(), u"撮影年月日"_s);
     }
 
     // Only a stored name that is neither empty nor "_未定義_" replaces the slot's name;
@@ -182,8 +294,7 @@ private slots:
         QStringList expected = Names(ToviLabelManager());
         const QStringList stored{"良", "", "_未定義_", "a,b;c=d \"e\" [f]"};
         for (int i = 0; i < stored.size(); ++i) {
-            Profile().WriteProfileString(QStringLiteral("Label"),
-                                         QStringLiteral("Label%1").arg(i + 1), stored[i]);
+            Profile().WriteProfileString(u"Label"_s, u"Label%1"_s.arg(i + 1), stored[i]);
         }
         expected[0] = stored[0];
         expected[3] = stored[3];
@@ -193,9 +304,9 @@ private slots:
             manager.Load();
             QCOMPARE(Names(manager), expected);
             QCOMPARE(manager.GetLabelAttribute(2).GetColorValue(), quint32(0x123456));
-            manager.GetLabelAttribute(5).SetName(QStringLiteral("再撮影"));
+            manager.GetLabelAttribute(5).SetName(u"再撮影"_s);
         }
-        expected[5] = QStringLiteral("再撮影");
+        expected[5] = u"再撮影"_s;
         ToviLabelManager next;
         next.Load();
         QCOMPARE(Names(next), expected);
@@ -203,7 +314,7 @@ private slots:
 
     // A store that refuses writes makes Save answer false; the objects still end quietly.
     void refusedSave() {
-        const QString path = temp.filePath(QStringLiteral("broken.ini"));
+        const QString path = temp.filePath(u"broken.ini"_s);
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("[Sort\nExecSort=101\n");
@@ -230,15 +341,197 @@ private slots:
     void hiddenTitles() {
         QFETCH(QString, stored);
         if (!stored.isNull()) {
-            Profile().WriteProfileString(QStringLiteral("ShowSetting"), "Items", stored);
+            Profile().WriteProfileString(u"ShowSetting"_s, "Items", stored);
         }
-        QStringList hidden{QStringLiteral("前")};
+        QStringList hidden{u"前"_s};
         QTEST(ToviItemManager().Load(hidden), "result");
         QTEST(hidden, "hidden");
     }
 
+    // A new kind of delivery gets the default flags whatever was saved; the same kind again
+    // gets the saved hidden list, so a change made through the manager survives a restart.
+    // Another kind resets everything and overwrites the saved list.
+    void loadByKindOfDelivery() {
+        // Something hidden from an earlier delivery, and 施工管理値 switched off; the label
+        // names, the visual setting and the sort condition are read by Load too.
+        Profile().WriteProfileString(kShowSection, kItems, u"写真タイトル"_s);
+        Profile().WriteProfileString(u"VisualSetting"_s, u"VisibleControlValue"_s, u"100"_s);
+        Profile().WriteProfileString(u"Label"_s, u"Label2"_s, u"要確認"_s);
+        Profile().WriteProfileString(u"VisualSetting"_s, u"DivideType"_s, u"103"_s);
+        Profile().WriteProfileString(u"Sort"_s, u"KeyItem"_s, u"工種"_s);
+        QStringList firstList;
+        QString firstHidden;
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            QCOMPARE(doc.GetErrorType(), ReadErrNone);
+            QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            QCOMPARE(doc.GetVisualSetting().GetDivType(), Setting::DivideThumbList);
+            QVERIFY(doc.Load());
+            QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(1).GetName(), u"要確認"_s);
+            QCOMPARE(doc.GetVisualSetting().GetDivType(), Setting::Divide4);
+            QCOMPARE(doc.GetSortCondition().GetKeyItem(), u"工種"_s);
+            firstList = Describe(doc.GetItemManager()->GetItemShowSettings());
+            // Only MainList records with a title, in file order, then the facts.
+            QCOMPARE(firstList.mid(0, 7),
+                     (QStringList{"写真ファイル名=-/0/1/0", "写真タイトル=+/2/1/0", "工種=-/4/3/0",
+                                  "施工管理値=+/6/3/0", "撮影年月日=+/7/1/0", "写真区分=-/8/2/0",
+                                  "請負者説明文=+/9/3/0"}));
+            QCOMPARE(firstList.size(), 7 + kFactCount);
+            QCOMPARE(firstList.at(7), u"ファイルサイズ=+/10/3/1"_s);
+            QCOMPARE(firstList.last(), u"Fナンバー=-/10/3/2"_s);
+            QVERIFY(doc.GetVisualSetting().GetItemShowSettings() ==
+                    doc.GetItemManager()->GetItemShowSettings());
+            // The default list holds 施工管理値, which switches its panel on.
+            QVERIFY(doc.GetVisualSetting().GetVisibleControlValue());
+            firstHidden = Hidden(doc.GetItemManager()->GetItemShowSettings()).join(u',');
+        }
+        QCOMPARE(Profile().GetProfileString(kShowSection, kItems, QString()), firstHidden);
+
+        // Same kind again, nothing changed: the same list.
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            QVERIFY(doc.GetItemDef()->TypeIsCorresponding());
+            doc.Load();
+            QCOMPARE(Describe(doc.GetItemManager()->GetItemShowSettings()), firstList);
+
+            // The settings dialog's OK: the changed list goes through SetManager and is saved.
+            ToviItemManager changed = *doc.GetItemManager();
+            ToviItemShowSettings& list = changed.GetItemShowSettings();
+            list[list.Find(u"写真タイトル"_s)].Bold(false);
+            list[list.Find(u"高度"_s)].Bold(true);
+            doc.SetManager(*doc.GetLabelManager(), changed, true);
+            QVERIFY(doc.GetItemManager()->Save());
+            doc.GetVisualSetting().SetVisibleControlValue(false);
+        }
+        // Titles compare without regard to case; an unknown title simply drops out.
+        QString stored = Profile().GetProfileString(kShowSection, kItems, QString());
+        stored.replace(u"Exifバージョン"_s, u"EXIFバージョン"_s);
+        Profile().WriteProfileString(kShowSection, kItems, stored + u",消えた項目"_s);
+        QStringList hidden = stored.split(QLatin1Char(','));
+        hidden.replaceInStrings(u"EXIFバージョン"_s, u"Exifバージョン"_s);
+        {
+            ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+            doc.Load();
+            const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
+            QCOMPARE(Hidden(list), hidden);
+            QCOMPARE(Describe(list).replaceInStrings(u"=-/"_s, u"=+/"_s),
+                     firstList.replaceInStrings(u"=-/"_s, u"=+/"_s));
+            QVERIFY(doc.GetVisualSetting().GetItemShowSettings() == list);
+            QVERIFY(list.IsBold(u"高度"_s));
+            // A saved list doesn't touch the control-value panel.
+            QVERIFY(!doc.GetVisualSetting().GetVisibleControlValue());
+        }
+        QVERIFY(
+            !Profile().GetProfileString(kShowSection, kItems, QString()).contains(u"消えた項目"_s));
+
+        // Another kind: defaults, and the saved list is overwritten.
+        {
+            ToviData doc(nullptr, mlit18, PhotoXMLMlit);
+            QVERIFY(!doc.GetItemDef()->TypeIsCorresponding());
+            doc.Load();
+            const ToviItemShowSettings& list = doc.GetItemManager()->GetItemShowSettings();
+            QCOMPARE(list.size(), 2 + kFactCount);
+            QCOMPARE(Describe(list).mid(0, 2),
+                     (QStringList{"写真ファイル名=-/0/1/0", "撮影箇所=+/1/3/0"}));
+            QVERIFY(!list.IsBold(u"高度"_s));
+            QVERIFY(list.IsBold(u"緯度"_s));
+            QCOMPARE(list.at(2).index, 2);  // file facts sit one past the definitions
+        }
+        QVERIFY(!Profile()
+                     .GetProfileString(kShowSection, kItems, QString())
+                     .contains(u"写真タイトル"_s));
+    }
+
+    // SetManager copies the labels always and the items only when asked.
+    void setManager() {
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        doc.Load();
+        const ToviItemShowSettings loaded = doc.GetItemManager()->GetItemShowSettings();
+        ToviLabelManager labels;
+        labels.GetLabelAttribute(0).SetName(u"合格"_s);
+        ToviItemManager items;
+        doc.SetManager(labels, items, false);
+        QCOMPARE(doc.GetLabelManager()->GetLabelAttribute(0).GetName(), u"合格"_s);
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings() == loaded);
+        doc.SetManager(labels, items, true);
+        QVERIFY(doc.GetItemManager()->GetItemShowSettings().isEmpty());
+    }
+
+    // The first 19 characters, cut at commas, each read like atoi and kept to eight bits.
+    void parseEditCheckTypes_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QList<int>>("types");
+        QTest::newRow("chain order kept") << "0,2,1" << QList<int>{0, 2, 1};
+        QTest::newRow("low eight bits") << "258,256" << QList<int>{2, 0};
+        QTest::newRow("negative wraps") << "-1" << QList<int>{255};
+        QTest::newRow("cut after 19 characters")
+            << "1,1,1,1,1,1,1,1,1,1,2" << QList<int>{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+    }
+    void parseEditCheckTypes() {
+        QFETCH(QString, text);
+        QTEST(ToviData::ParseEditCheckTypes(text), "types");
+    }
+
+    // Rows follow the settings' order, not the file's; hidden entries give none; a repeating
+    // item gives one per value; 撮影年月日 shows "/" for "-".
+    void textPairs_data() {
+        QTest::addColumn<QString>("settings");  // "title:kind:index:+|-;..."
+        QTest::addColumn<QStringList>("pairs");
+        QTest::newRow("settings decide the order")
+            << "工種:0:4:+;写真タイトル:0:2:+"
+            << QStringList{"工種=道路土工", "工種=舗装工", "写真タイトル=掘削状況"};
+        QTest::newRow("hidden entries give no rows")
+            << "工種:0:4:-;写真タイトル:0:2:+" << QStringList{"写真タイトル=掘削状況"};
+        QTest::newRow("date with slashes")
+            << "撮影年月日:0:7:+" << QStringList{"撮影年月日=2024/05/01"};
+        QTest::newRow("file facts")
+            << "幅×高さ:1:10:+;写真タイトル:0:2:+;総画素数:1:10:+;未知:1:10:+"
+            << QStringList{"幅×高さ=640×480", "写真タイトル=掘削状況", "総画素数=31万画素",
+                           "未知="};
+        QTest::newRow("exif facts") << "画像入力機器のモデル名:2:10:+;作者名:2:10:+;撮影日時:2:10:+"
+                                    << QStringList{"画像入力機器のモデル名=G800 SE",
+                                                   "作者名=", "撮影日時=2024/05/01 09:30:15"};
+    }
+    void textPairs() {
+        QFETCH(QString, settings);
+        ToviData doc(nullptr, mlit20, PhotoXMLMlit);
+        ExifFacts facts;
+        facts.model = u"G800 SE"_s;
+        facts.artist = u"現場 太郎"_s;
+        facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 1), QTime(9, 30, 15));
+        QImage image(640, 480, QImage::Format_RGB32);
+        image.fill(Qt::darkGreen);
+        QVERIFY(QDir().mkpath(mlit20 + u"/PIC"_s));
+        QVERIFY(WriteExifJpeg(mlit20 + u"/PIC/P0000001.JPG"_s, image, facts));
+
+        ToviPhoto photo(&doc, {ToviItem(0, u"P0000001.JPG"_s), ToviItem(4, u"道路土工"_s),
+                               ToviItem(2, u"掘削状況"_s), ToviItem(4, u"舗装工"_s),
+                               ToviItem(7, u"2024-05-01"_s), ToviItem(9, u"No.1-2 測点"_s)});
+        photo.LoadExif();
+
+        ToviItemShowSettings list;
+        for (const QString& row : settings.split(QLatin1Char(';'))) {
+            const QStringList p = row.split(QLatin1Char(':'));
+            list.Add(p[0], p[3] == "+"_L1, p[2].toInt(), Definition::GradeOptional,
+                     static_cast<InfoType>(p[1].toInt()));
+        }
+        ToviTextPairArray pairs{ToviTextPair(u"前"_s, u"残り"_s)};
+        QVERIFY(photo.GetTextPairs(doc.GetItemDef(), list, pairs));
+        QStringList got;
+        for (const ToviTextPair& pair : pairs) {
+            got.append(pair.GetItem() + QLatin1Char('=') + pair.GetValue());
+        }
+        QTEST(got, "pairs");
+        // Without definitions there is nothing to show, and nothing is left of the old rows.
+        QVERIFY(!photo.GetTextPairs(nullptr, list, pairs));
+        QVERIFY(pairs.isEmpty());
+    }
+
 private:
     QTemporaryDir temp;
+    QString program;
+    QString mlit20;
+    QString mlit18;
     int run = 0;
 };
 
