@@ -169,6 +169,7 @@ private slots:
     // does at exit).
     void valuesReachTheFileAndReadBack() {
         QString gone;
+        QTemporaryDir other;
         {
             QTemporaryDir temp;
             const QString path = temp.filePath(u"sub/p.ini"_s);
@@ -180,7 +181,7 @@ private slots:
             Profile().Flush();
             QCOMPARE(QSettings(path, QSettings::IniFormat).value(u"Sort/Key"_s).toInt(), 105);
 
-            Profile().UseFile(QString());
+            Profile().UseFile(other.filePath(u"other.ini"_s));
             Profile().UseFile(path);
             QCOMPARE(Profile().GetProfileInt(u"Sort"_s, u"Key"_s, 0), 105);
             QCOMPARE(Profile().GetProfileString(u"Label"_s, u"Name0"_s, {}), u"確認済, 要再提出"_s);
@@ -191,7 +192,7 @@ private slots:
         QVERIFY(Profile().WriteProfileInt(u"Sort"_s, u"Key"_s, 2));
         Profile().Flush();
         QVERIFY(!QFileInfo::exists(gone));
-        Profile().UseFile(QString());
+        Profile().UseFile(other.filePath(u"other.ini"_s));
         QVERIFY(!QFileInfo::exists(gone));
     }
 
