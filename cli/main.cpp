@@ -14,6 +14,7 @@ int RunExam(QStringList args);
 int RunLabel(QStringList args);
 int RunReport(QStringList args);
 int RunExport(QStringList args);
+int RunIndex(QStringList args);
 
 namespace {
 
@@ -55,6 +56,10 @@ const char kUsage[] =
     "    ファイルの日時と属性ごとフォルダにコピーし、対象・コピー・失敗の枚数を表示する\n"
     "    (--json: {\"count\", \"copied\", \"failed\"})。同名のファイルがフォルダにあれば何も\n"
     "    コピーせず、終了コード 1 で終わる\n"
+    "  tovi index DIR [--family N] [--html FILE] [--json]   管理ファイル (INDEX_*.XML) と\n"
+    "    そのスタイルシート、スタイルシートを指すように書き換えた写しのパスを表示する\n"
+    "    (--json: {\"indexPath\", \"stylesheetPath\", \"copyPath\"})。--html: 写しを\n"
+    "    スタイルシートで変換したページを FILE に書き出す\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -99,6 +104,9 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("export")) {
         return RunExport(args);
+    }
+    if (command == QLatin1String("index")) {
+        return RunIndex(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

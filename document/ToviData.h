@@ -162,6 +162,12 @@ public:
     // ignores both; the command line reports them).
     bool ReturnExam(const QString& path, int* result = nullptr);
 
+    // ---- the index file (ToviDataIndex.cpp) ---------------------------------------------------
+    // The copy of the delivery's index file that points at its stylesheet, made on the first
+    // call and kept; empty (and tried again next time) when there is no index file, no
+    // stylesheet for it, or no copy could be made.
+    QString GetIndexPath();
+
     // ---- reports (ToviDataReports.cpp) ---------------------------------------------------------
     // The check report of the current view: asks the file name, writes the workbook and tells
     // the outcome, with caption as the title of its progress window and messages. True when
