@@ -29,6 +29,25 @@ public:
     // are copied too. Answers the copy's path, or empty when it could not be made.
     QString GetNewIndexPath(const QString& indexPath, const QString& stylesheetPath);
 
+    // ---- media combine (ToviEnouDataFactoryCombine.cpp) ----
+    // Gathers a delivery spread over several discs. A folder on optical or removable media is
+    // copied into the work area "QV-CombineData" (the files beside it too, such as the index),
+    // and the document is pointed at the copy; a folder on a fixed, remote or RAM disk is
+    // opened in place. Then, while photographs or drawings are missing, the user is asked for
+    // the next folder ("OpenNextDataDlg"), whose files are added in turn. rebuildPaths makes
+    // the photographs forget the paths they had on the first disc once it is copied. True
+    // when the run ended normally, a cancel included; false for a folder of an unusable kind
+    // or a failed copy, after the message and with the work area removed.
+    bool StartCombineProc(const QString& path, ToviData* document, bool rebuildPaths,
+                          QWidget* parent = nullptr);
+    // Removes the work area of the combine, showing a wait window meanwhile.
+    void DeleteTempData(QWidget* parent = nullptr);
+    // The folder the document was last pointed at by a combine run.
+    QString GetDataFolderPath() const { return dataFolderPath; }
+    // The work area and its photo folder; empty without a suite folder.
+    QString CombineFolder() const;
+    QString CombinePhotoFolder() const;
+
 protected:
     std::unique_ptr<ToviData> OnNewDocumentInstance(ToviHostDocument* hostDocument) override;
     bool OnLoad(ToviLoadCallback callback, void* arg) override;
@@ -60,6 +79,7 @@ private:
     static constexpr qint64 kLargestFile = qint64(1) << 30;
 
     QString loadError;
+    QString dataFolderPath;
     qint64 budget = 0;     // bytes the document may take, from the file's size
     qint64 used = 0;       // what it takes so far, estimated
     bool refused = false;  // the load passed the budget and stopped

@@ -160,6 +160,28 @@ bool MibMoveFileReplacing(const QString& from, const QString& to) {
     return true;
 }
 
+bool MibCopyDirectoryTree(const QString& from, const QString& to) {
+    if (!MibCreateDirectory(to)) {
+        return false;
+    }
+    const QDir source(from);
+    bool ok = source.exists();
+    const QFileInfoList entries = source.entryInfoList(
+        QDir::Files | QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo& entry : entries) {
+        if (entry.isSymLink()) {
+            continue;
+        }
+        const QString target = MibNormalDir(to) + entry.fileName();
+        if (entry.isDir()) {
+            ok = MibCopyDirectoryTree(entry.filePath(), target) && ok;
+        } else if (entry.isFile()) {
+            ok = MibCopyFileEx(entry.filePath(), target, true) && ok;
+        }
+    }
+    return ok;
+}
+
 QString MibGetExt(const QString& path) {
     const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
     const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));

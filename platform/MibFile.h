@@ -40,6 +40,11 @@ bool MibCopyFileKeepStatus(const QString& from, const QString& to);
 // system, else a copy into a temporary file beside to that is renamed into place. On failure
 // an existing file at to is as it was.
 bool MibMoveFileReplacing(const QString& from, const QString& to);
+// Copies the folder tree from into to (made when missing), replacing files of the same names.
+// Only folders and regular files are copied; links and anything else are left behind, so a
+// link on a disc never brings a file from outside it. False when anything could not be
+// copied.
+bool MibCopyDirectoryTree(const QString& from, const QString& to);
 // The extension without the dot ("a/b.JPG" gives "JPG"), empty when there is none.
 QString MibGetExt(const QString& path);
 // The file name without folder and extension.

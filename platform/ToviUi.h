@@ -68,6 +68,13 @@ public:
                                     const QString& filter) = 0;
     // Runs the pending UI events once, during a long loop on the UI thread.
     virtual void Pump() = 0;
+    // A small window with an animation (1 copying, 3 deleting) and a message, shown while the
+    // model blocks the UI thread with work that cannot be cancelled; EndWait closes it.
+    // Nothing by default.
+    virtual void BeginWait(QWidget* parent, const QString& message, int animation) {
+        (void)parent, (void)message, (void)animation;
+    }
+    virtual void EndWait() {}
     // Opens a file written for the user with the desktop's default application for it (a
     // finished report, say). Nothing by default: batch use opens nothing.
     virtual void OpenWithDefaultApplication(const QString& path) { (void)path; }
