@@ -1,6 +1,7 @@
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
+#include "extraction/ToviExtractionConditions.h"
+#include "extraction/ToviSortCondition.h"
 #include "platform/ToviProfile.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/document/ReviewFixture.h"
@@ -9,24 +10,106 @@
 #include <QtTest>
 
 #include <memory>
+#include <stdexcept>
 
 using review::Dump;
 using review::NodeAt;
 using review::RecordingHost;
 
+namespace {
+
+// Counts destructions, so that a test can tell deleted children from dropped ones.
+class CountedNode : public ToviNode {
+public:
+    CountedNode(const QString& title, int* deaths) : ToviNode(title), deaths(deaths) {}
+    ~CountedNode() override { ++*deaths; }
+
+private:
+    int* deaths;
+};
+
+// Work type tree [A{0}[B{1}],C{2}]; shooting dates 04-03, 04-01, 04-02.
+const QStringList kPhotos{"工種=A;撮影年月日=2024-04-03", "工種=A;種別=B;撮影年月日=2024-04-01",
+                          "工種=C;撮影年月日=2024-04-02"};
+
+}  // namespace
+
+// The classification tree, and what selecting a node, a label or a photograph shows.
 class ToviDataTreeTest : public QObject {
     Q_OBJECT
 
-private:
     QTemporaryDir temp;
     int serial = 0;
+    QString selection;  // the delivery of kPhotos
+    RecordingHost host;
+    ToviExtractionHolder nothingMatches;
 
-    QString NewFolder() { return temp.filePath(QStringLiteral("d%1").arg(++serial)); }
+    std::unique_ptr<ToviData> Open(const QStringList& photos, ToviHostDocument* documentHost) {
+        const QString folder = temp.filePath(QStringLiteral("d%1").arg(++serial));
+        return review::WritePhotoXml(folder, photos) ? review::Open(documentHost, folder) : nullptr;
+    }
+    // The delivery of kPhotos with the work type tree built.
+    std::unique_ptr<ToviData> OpenBuilt() {
+        std::unique_ptr<ToviData> doc = review::Open(&host, selection);
+        if (doc) {
+            doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        }
+        host.hints.clear();
+        return doc;
+    }
+    static void SortByDate(ToviData& doc, bool on) {
+        doc.GetSortConditionObject()->ExecSort(on);
+        doc.GetSortConditionObject()->SetKeyItem(QStringLiteral("撮影年月日"));
+        doc.GetSortConditionObject()->Ascending(true);
+    }
 
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
+        selection = temp.filePath(QStringLiteral("selection"));
+        QVERIFY(review::WritePhotoXml(selection, kPhotos));
+        nothingMatches.conditions.itemOn[0] = true;
+        nothingMatches.conditions.itemTitle[0] = QStringLiteral("工種");
+        nothingMatches.conditions.itemText[0] = QStringLiteral("Z");
+    }
+
+    // A copy carries titles and valid flags to any depth, wired to its own nodes, and no
+    // photo indexes; assignment first deletes the target's children.
+    void nodeCopyAndTitlePath() {
+        ToviNode parent(QStringLiteral("P"));
+        ToviNode* source =
+            parent.GetNode(parent.Add(std::make_unique<ToviNode>(QStringLiteral("R"))));
+        source->AddIndex(0);
+        ToviNode* a = source->GetNode(source->Add(std::make_unique<ToviNode>(QStringLiteral("A"))));
+        a->AddIndex(1);
+        a->Valid(true);
+        ToviNode* b = a->GetNode(a->Add(std::make_unique<ToviNode>(QStringLiteral("B"))));
+        ToviNode* d = b->GetNode(b->Add(std::make_unique<ToviNode>(QStringLiteral("D"))));
+        source->Add(std::make_unique<ToviNode>(QStringLiteral("C")));
+
+        int deaths = 0;
+        ToviNode target(QStringLiteral("T"));
+        target.Add(std::make_unique<CountedNode>(QStringLiteral("X"), &deaths));
+        target.Add(std::make_unique<CountedNode>(QStringLiteral("Y"), &deaths));
+        target = *source;
+        QCOMPARE(deaths, 2);
+        QCOMPARE(Dump(target), QStringLiteral("[A[B[D]],C]"));
+        QCOMPARE(target.Title(), QStringLiteral("R"));
+        QCOMPARE(target.Parent(), nullptr);
+        QVERIFY(target.GetNode(0) != a && target.GetNode(0)->IsValid());
+        QVERIFY(!target.GetNode(1)->IsValid());
+        QCOMPARE(target.GetNode(1)->Parent(), &target);
+        QCOMPARE(target.GetNode(0)->GetNode(0)->GetNode(0)->Parent(),
+                 target.GetNode(0)->GetNode(0));
+        QCOMPARE(target.DescendantCount(), 4ul);
+        QCOMPARE(source->Parent(), &parent);
+        ToviNode& alias = target;
+        target = alias;
+        QCOMPARE(target.DescendantCount(), 4ul);
+        // From the root down, each non-empty title followed by the separator.
+        b->Title(QString());
+        QCOMPARE(d->GetFullTitlePath(QStringLiteral(" > ")), QStringLiteral("P > R > A > D > "));
     }
 
     // Where each photograph lands, and the current array BuildTreeNode leaves with a host and
@@ -36,8 +119,6 @@ private slots:
         QTest::addColumn<QStringList>("photos");
         QTest::addColumn<QString>("tree");
         QTest::addColumn<QList<int>>("current");
-        QTest::newRow("'',B under 【未記入】")
-            << 2 << QStringList{"種別=B"} << "[【未記入】[B{0}]]" << QList<int>{0};
         QTest::newRow("A,'',C; absent and empty elements alike")
             << 2 << QStringList{"工種=A;細別=C", "工種=A;種別=;細別=C"} << "[A[【未記入】[C{0,1}]]]"
             << QList<int>{0, 1};
@@ -63,21 +144,16 @@ private slots:
         QFETCH(int, treeType);
         QFETCH(QStringList, photos);
         QFETCH(QString, tree);
-        const QString folder = NewFolder();
-        QVERIFY(review::WritePhotoXml(folder, photos));
-        RecordingHost host;
-        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        std::unique_ptr<ToviData> doc = Open(photos, &host);
         QVERIFY(doc);
         QCOMPARE(doc->GetTotalCountPhoto(), photos.size());
-
+        host.hints.clear();
         doc->BuildTreeNode(treeType);
         QCOMPARE(Dump(*doc), tree);
         QCOMPARE(doc->GetSelectedNode(), static_cast<ToviNode*>(doc.get()));
         QTEST(doc->CurrentArray().Indexes(), "current");
         QVERIFY(host.hints.isEmpty());  // the host tells the panels itself
-
-        // A rebuild starts afresh rather than adding to the old tree.
-        doc->BuildTreeNode(treeType);
+        doc->BuildTreeNode(treeType);   // a rebuild starts afresh
         QCOMPARE(Dump(*doc), tree);
     }
 
@@ -100,18 +176,12 @@ private slots:
         QFETCH(int, selected);
         QFETCH(QString, node);
         QFETCH(QList<int>, current);
-        const QString folder = NewFolder();
-        QVERIFY(review::WritePhotoXml(
-            folder, {"工種=A;撮影箇所=X", "工種=B;種別=C;撮影箇所=Y", "工種=B", "撮影箇所=Y"}));
-        RecordingHost host;
-        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        std::unique_ptr<ToviData> doc =
+            Open({"工種=A;撮影箇所=X", "工種=B;種別=C;撮影箇所=Y", "工種=B", "撮影箇所=Y"}, &host);
         QVERIFY(doc);
         review::AppendBarePhoto(*doc);
-
         doc->BuildTreeNode(from);
-        if (selected >= 0) {
-            QVERIFY(doc->PhotoSelectSetting(selected));
-        }
+        QVERIFY(doc->PhotoSelectSetting(selected));
         host.hints.clear();
 
         doc->BuildTreeNode(to);
@@ -119,12 +189,142 @@ private slots:
         QVERIFY(expected);
         QCOMPARE(doc->GetSelectedNode(), expected);
         QCOMPARE(doc->CurrentArray().Indexes(), current);
-        if (selected >= 0) {
-            QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(selected));
-            QVERIFY(doc->GetSelectedPhoto()->IsSelected());
-            QCOMPARE(doc->GetSelectCurIndex(), static_cast<int>(current.indexOf(selected)));
-        }
+        QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(selected));
+        QVERIFY(doc->GetSelectedPhoto()->IsSelected());
+        QCOMPARE(doc->GetSelectCurIndex(), static_cast<int>(current.indexOf(selected)));
         QVERIFY(host.hints.isEmpty());
+    }
+
+    // The current array is disturbed before each selection, so that a rebuild shows.
+    void selectNode_data() {
+        QTest::addColumn<QString>("node");
+        QTest::addColumn<bool>("force");
+        QTest::addColumn<bool>("sort");
+        QTest::addColumn<QList<int>>("current");
+        QTest::addColumn<QList<int>>("hints");
+        const QList<int> selected{ToviData::HintSelectionChanged};
+        QTest::newRow("same node, not forced")
+            << "A" << false << false << QList<int>{2} << QList<int>{};
+        QTest::newRow("same node, forced") << "A" << true << false << QList<int>{0, 1} << selected;
+        QTest::newRow("the root, in tree order")
+            << "" << false << false << QList<int>{0, 1, 2} << selected;
+        QTest::newRow("the root, sorted") << "" << false << true << QList<int>{1, 2, 0} << selected;
+    }
+    void selectNode() {
+        QFETCH(QString, node);
+        QFETCH(bool, force);
+        QFETCH(bool, sort);
+        std::unique_ptr<ToviData> doc = OpenBuilt();
+        QVERIFY(doc);
+        SortByDate(*doc, sort);
+        ToviNode* first = NodeAt(doc.get(), QStringLiteral("A"));
+        ToviNode* target = NodeAt(doc.get(), node);
+        QVERIFY(first && target);
+        doc->SetSelected(first, true);
+        doc->CurrentArray().Assign({2});
+        host.hints.clear();
+        QCOMPARE(doc->SetSelected(target, force), first);
+        QCOMPARE(doc->GetSelectedNode(), target);
+        QTEST(doc->CurrentArray().Indexes(), "current");
+        QTEST(host.hints, "hints");
+    }
+
+    // A label shows every photograph carrying it, whatever node is selected and although
+    // extraction is on; a negative label empties the current array. Hint 2 either way.
+    void selectLabel_data() {
+        QTest::addColumn<int>("label");
+        QTest::addColumn<bool>("sort");
+        QTest::addColumn<QList<int>>("current");
+        QTest::newRow("NG1") << 1 << false << QList<int>{0, 2};
+        QTest::newRow("NG1 sorted") << 1 << true << QList<int>{2, 0};
+        QTest::newRow("none") << -1 << false << QList<int>{};
+    }
+    void selectLabel() {
+        QFETCH(int, label);
+        QFETCH(bool, sort);
+        QFETCH(QList<int>, current);
+        std::unique_ptr<ToviData> doc = OpenBuilt();
+        QVERIFY(doc);
+        doc->GetPhotoActualPhotoArray(0)->PasteLabel(1);
+        doc->GetPhotoActualPhotoArray(2)->PasteLabel(1);
+        SortByDate(*doc, sort);
+        ToviNode* c = NodeAt(doc.get(), QStringLiteral("C"));
+        doc->SetSelected(c, false);
+        doc->SetExtractionData(&nothingMatches);
+        doc->ExecExtraction();
+        QVERIFY(doc->CurrentArray().IsEmpty());
+        host.hints.clear();
+
+        doc->SetSelected(label);
+        QCOMPARE(doc->GetSelectedIndex(), label);
+        QCOMPARE(doc->CurrentArray().Indexes(), current);
+        QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
+        QCOMPARE(doc->GetSelectedNode(), c);
+        QVERIFY(doc->IsExtractionOn());
+        int pos = 7;
+        doc->GetIndexSelected(pos);
+        QCOMPARE(pos, current.isEmpty() ? 7 : -1);  // an empty array leaves pos alone
+    }
+
+    // Without a host document the selected node changes, but nothing fills the current array;
+    // selecting the selected photograph again tells no one.
+    void selectQuietly() {
+        std::unique_ptr<ToviData> doc = OpenBuilt();
+        QVERIFY(doc && doc->PhotoSelectSetting(1));
+        host.hints.clear();
+        QVERIFY(doc->PhotoSelectSetting(1));
+        QVERIFY(host.hints.isEmpty());
+        QVERIFY(doc->GetPhotoActualPhotoArray(1)->IsSelected());
+        doc = review::Open(nullptr, selection);
+        QVERIFY(doc);
+        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
+        ToviNode* a = NodeAt(doc.get(), QStringLiteral("A"));
+        doc->SetSelected(a, true);
+        QCOMPARE(doc->GetSelectedNode(), a);
+        QVERIFY(doc->CurrentArray().IsEmpty());
+    }
+
+    // SetSelected(): the node holding the selected photograph, else the root and the first
+    // photograph on show; with nothing on show that is an invalid-argument failure.
+    void selectFromPhotograph_data() {
+        QTest::addColumn<QString>("nodeBefore");
+        QTest::addColumn<int>("photoBefore");
+        QTest::addColumn<bool>("extractNothing");
+        QTest::addColumn<QString>("nodeAfter");  // "!" for the failure
+        QTest::addColumn<int>("photoAfter");
+        QTest::addColumn<QList<int>>("hints");
+        const int selected = ToviData::HintSelectionChanged;
+        QTest::newRow("photograph on a node")
+            << "C" << 1 << false << "A/B" << 1 << QList<int>{selected};
+        QTest::newRow("its node already selected")
+            << "A/B" << 1 << false << "A/B" << 1 << QList<int>{};
+        QTest::newRow("nothing selected")
+            << "C" << -1 << false << "" << 0 << QList<int>{selected, ToviData::HintPhotoSelected};
+        QTest::newRow("nothing on show") << "C" << -1 << true << "!" << -1 << QList<int>{};
+    }
+    void selectFromPhotograph() {
+        QFETCH(QString, nodeBefore);
+        QFETCH(int, photoBefore);
+        QFETCH(bool, extractNothing);
+        QFETCH(QString, nodeAfter);
+        QFETCH(int, photoAfter);
+        std::unique_ptr<ToviData> doc = OpenBuilt();
+        QVERIFY(doc);
+        QVERIFY(photoBefore < 0 || doc->PhotoSelectSetting(photoBefore));
+        doc->SetSelected(NodeAt(doc.get(), nodeBefore), false);
+        if (extractNothing) {
+            doc->SetExtractionData(&nothingMatches);
+            doc->ExecExtraction();
+        }
+        host.hints.clear();
+        if (nodeAfter == QLatin1String("!")) {
+            QVERIFY_THROWS_EXCEPTION(std::out_of_range, doc->SetSelected());
+            return;
+        }
+        doc->SetSelected();
+        QCOMPARE(doc->GetSelectedNode(), NodeAt(doc.get(), nodeAfter));
+        QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(photoAfter));
+        QTEST(host.hints, "hints");
     }
 };
 
