@@ -11,7 +11,6 @@
 #include <QDir>
 #include <QFile>
 #include <QList>
-#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -28,23 +27,14 @@ public:
     QList<int> hints;
 };
 
-// "工種=A;種別=" as (tag, value) pairs: "種別=" writes an empty element.
-inline QList<QPair<QString, QString>> ParseElements(const QString& text) {
-    QList<QPair<QString, QString>> pairs;
-    for (const QString& part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const qsizetype eq = part.indexOf(QLatin1Char('='));
-        pairs.append({part.left(eq), eq < 0 ? QString() : part.mid(eq + 1)});
-    }
-    return pairs;
-}
-
 inline QString ImageName(int k) {
     return QString::asprintf("P%07d.JPG", k + 1);
 }
 
-// The PHOTO.XML text of one photograph per entry, elements in the order the DTD requires.
-// Required elements an entry doesn't name get a plain value; optional ones are left out.
-// The 付加情報 block is written when the entry names one of its elements.
+// The PHOTO.XML text of one photograph per entry "工種=A;種別=;...", elements in the order the
+// DTD requires ("種別=" writes an empty element). Required elements an entry doesn't name get a
+// plain value; optional ones are left out. 付加情報 is written when the entry names one of its
+// elements.
 inline QString PhotoXmlText(const QStringList& photos) {
     QString xml = QStringLiteral(
         "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
@@ -53,56 +43,39 @@ inline QString PhotoXmlText(const QStringList& photos) {
         "<基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
         "<適用要領基準>土木202303-01</適用要領基準></基礎情報>\n");
     for (int k = 0; k < photos.size(); ++k) {
-        const QList<QPair<QString, QString>> given = ParseElements(photos[k]);
-        auto named = [&given](const char* tag) {
-            for (const auto& pair : given) {
-                if (pair.first == QString::fromUtf8(tag)) {
-                    return true;
-                }
-            }
-            return false;
-        };
-        auto leaf = [&given, &xml](const char* tag, const QString& fallback = QString()) {
+        const QStringList given = photos[k].split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        // Every value given for tag, else the fallback unless that is null.
+        auto leaf = [&given](const char* tag, const QString& fallback = QString()) {
             const QString name = QString::fromUtf8(tag);
-            bool written = false;
-            for (const auto& [key, value] : given) {
-                if (key != name) {
-                    continue;
+            QString out;
+            for (const QString& part : given) {
+                if (part.section(QLatin1Char('='), 0, 0) == name) {
+                    out += QStringLiteral("<%1>%2</%1>")
+                               .arg(name, part.section('=', 1).toHtmlEscaped());
                 }
-                written = true;
-                xml += QStringLiteral("<%1>%2</%1>").arg(name, value.toHtmlEscaped());
             }
-            if (!written && !fallback.isNull()) {
-                xml += QStringLiteral("<%1>%2</%1>").arg(name, fallback);
-            }
+            return out.isEmpty() && !fallback.isNull()
+                       ? QStringLiteral("<%1>%2</%1>").arg(name, fallback)
+                       : out;
         };
-        xml += QStringLiteral("<写真情報><写真ファイル情報>");
-        leaf("シリアル番号", QString::number(k + 1));
-        leaf("写真ファイル名", ImageName(k));
-        leaf("メディア番号", QStringLiteral("1"));
-        xml += QStringLiteral("</写真ファイル情報><撮影工種区分>");
-        leaf("写真-大分類", QStringLiteral("工事"));
-        leaf("写真区分");
-        leaf("工種");
-        leaf("種別");
-        leaf("細別");
-        leaf("写真タイトル", QStringLiteral("写真%1").arg(k + 1));
-        leaf("工種区分予備");
-        xml += QStringLiteral("</撮影工種区分>");
-        if (named("参考図ファイル名") || named("参考図タイトル") || named("付加情報予備")) {
-            xml += QStringLiteral("<付加情報>");
-            leaf("参考図ファイル名", QString::asprintf("D%07d.JPG", k + 1));
-            leaf("参考図タイトル", QStringLiteral("参考図"));
-            leaf("付加情報予備");
-            xml += QStringLiteral("</付加情報>");
+        xml += QStringLiteral("<写真情報><写真ファイル情報>") +
+               leaf("シリアル番号", QString::number(k + 1)) + leaf("写真ファイル名", ImageName(k)) +
+               leaf("メディア番号", QStringLiteral("1")) +
+               QStringLiteral("</写真ファイル情報><撮影工種区分>") +
+               leaf("写真-大分類", QStringLiteral("工事")) + leaf("写真区分") + leaf("工種") +
+               leaf("種別") + leaf("細別") +
+               leaf("写真タイトル", QStringLiteral("写真%1").arg(k + 1)) + leaf("工種区分予備") +
+               QStringLiteral("</撮影工種区分>");
+        if (!(leaf("参考図ファイル名") + leaf("参考図タイトル") + leaf("付加情報予備")).isEmpty()) {
+            xml += QStringLiteral("<付加情報>") +
+                   leaf("参考図ファイル名", QString::asprintf("D%07d.JPG", k + 1)) +
+                   leaf("参考図タイトル", QStringLiteral("参考図")) + leaf("付加情報予備") +
+                   QStringLiteral("</付加情報>");
         }
-        xml += QStringLiteral("<撮影情報>");
-        leaf("撮影箇所");
-        leaf("撮影年月日", QStringLiteral("2024-04-01"));
-        xml += QStringLiteral("</撮影情報>");
-        leaf("代表写真", QStringLiteral("0"));
-        leaf("提出頻度写真", QStringLiteral("0"));
-        xml += QStringLiteral("</写真情報>\n");
+        xml += QStringLiteral("<撮影情報>") + leaf("撮影箇所") +
+               leaf("撮影年月日", QStringLiteral("2024-04-01")) + QStringLiteral("</撮影情報>") +
+               leaf("代表写真", QStringLiteral("0")) + leaf("提出頻度写真", QStringLiteral("0")) +
+               QStringLiteral("</写真情報>\n");
     }
     return xml + QStringLiteral("</photodata>\n");
 }
@@ -119,60 +92,36 @@ inline bool WritePhotoXml(const QString& folder, const QStringList& photos) {
 // Loads the delivery in folder as family 0 with host as the host's document; null when the
 // load failed or found an error.
 inline std::unique_ptr<ToviData> Open(ToviHostDocument* host, const QString& folder) {
-    ToviEnouDataFactory factory;
-    std::unique_ptr<ToviData> document(factory.Create(host, folder, PhotoXMLMlit));
-    if (document && document->GetErrorType() != ReadErrNone) {
-        document.reset();
-    }
-    return document;
-}
-
-// A photograph that has an item for none of the tree's levels: the reader never makes one
-// (it gives every single element an item), but a document may hold it all the same.
-inline void AppendBarePhoto(ToviData& document) {
-    ToviItemArray items;
-    items.append(ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
-                          QStringLiteral("bare")));
-    document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(&document, items));
+    std::unique_ptr<ToviData> document(ToviEnouDataFactory().Create(host, folder, PhotoXMLMlit));
+    return document && document->GetErrorType() == ReadErrNone ? std::move(document) : nullptr;
 }
 
 // The tree below node as text: each child's title, "{photo indexes}" of its own, and
 // "[children]" in order; the root is written without its title.
 inline QString Dump(const ToviNode& node) {
-    QString text;
-    if (!node.Indexes().isEmpty()) {
-        QStringList numbers;
-        for (int index : node.Indexes()) {
-            numbers.append(QString::number(index));
-        }
-        text += QLatin1Char('{') + numbers.join(QLatin1Char(',')) + QLatin1Char('}');
+    QStringList numbers;
+    QStringList children;
+    for (int index : node.Indexes()) {
+        numbers.append(QString::number(index));
     }
-    if (node.GetChildNodeCount() > 0) {
-        QStringList children;
-        for (const ToviNode* child : node.Items()) {
-            children.append(child->Title() + Dump(*child));
-        }
-        text += QLatin1Char('[') + children.join(QLatin1Char(',')) + QLatin1Char(']');
+    for (const ToviNode* child : node.Items()) {
+        children.append(child->Title() + Dump(*child));
     }
-    return text;
+    return (numbers.isEmpty() ? QString() : QLatin1Char('{') + numbers.join(',') + '}') +
+           (children.isEmpty() ? QString() : QLatin1Char('[') + children.join(',') + ']');
 }
 
-// The node reached from root by titles "A/B/C"; an empty path is root itself; null when
-// there is no such node.
-inline ToviNode* NodeAt(ToviNode* root, const QString& path) {
-    ToviNode* node = root;
+// The node reached from node by titles "A/B/C", null when there is none; "" is node itself.
+inline ToviNode* NodeAt(ToviNode* node, const QString& path) {
     for (const QString& title : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
-        ToviNode* next = nullptr;
-        for (ToviNode* child : node->Items()) {
-            if (child->Title() == title) {
-                next = child;
-                break;
-            }
+        ToviNode* parent = node;
+        node = nullptr;
+        for (ToviNode* child : parent->Items()) {
+            node = child->Title() == title ? child : node;
         }
-        if (!next) {
+        if (!node) {
             return nullptr;
         }
-        node = next;
     }
     return node;
 }
@@ -181,14 +130,9 @@ inline ToviNode* NodeAt(ToviNode* root, const QString& path) {
 inline QString Labels(const ToviPhoto& photo) {
     QString text;
     for (int label = 0; label < ToviPhoto::kLabelCount; ++label) {
-        if (photo.IsLabelPasted(label)) {
-            text += QString::number(label);
-        }
+        text += photo.IsLabelPasted(label) ? QString::number(label) : QString();
     }
-    if (!photo.GetComment().isEmpty()) {
-        text += QLatin1Char('c');
-    }
-    return text;
+    return photo.GetComment().isEmpty() ? text : text + QLatin1Char('c');
 }
 
 // Pastes the labels (and a comment for "c") that Labels would write.

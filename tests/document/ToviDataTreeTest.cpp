@@ -28,6 +28,15 @@ private:
     int* deaths;
 };
 
+// A photograph that has an item for none of the tree's levels: the reader never makes one
+// (it gives every single element an item), but a document may hold it all the same.
+void AppendBarePhoto(ToviData& document) {
+    ToviItemArray items;
+    items.append(ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
+                          QStringLiteral("bare")));
+    document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(&document, items));
+}
+
 // Work type tree [A{0}[B{1}],C{2}]; shooting dates 04-03, 04-01, 04-02.
 const QStringList kPhotos{"工種=A;撮影年月日=2024-04-03", "工種=A;種別=B;撮影年月日=2024-04-01",
                           "工種=C;撮影年月日=2024-04-02"};
@@ -179,7 +188,7 @@ private slots:
         std::unique_ptr<ToviData> doc =
             Open({"工種=A;撮影箇所=X", "工種=B;種別=C;撮影箇所=Y", "工種=B", "撮影箇所=Y"}, &host);
         QVERIFY(doc);
-        review::AppendBarePhoto(*doc);
+        AppendBarePhoto(*doc);
         doc->BuildTreeNode(from);
         QVERIFY(doc->PhotoSelectSetting(selected));
         host.hints.clear();
