@@ -21,19 +21,14 @@ namespace {
 
 qint64 freeBytes = -1;  // what the free-space probe answers; negative: the real volume
 
-qint64 ScriptedFreeSpace(const QString&) {
-    return freeBytes;
-}
-
-// Labels and comments of every photograph, to compare documents.
+// Labels as six 0/1 digits and the comment of every photograph, to compare documents.
 QStringList Review(ToviData& document) {
     QStringList out;
     for (int i = 0; i < document.GetTotalCountPhoto(); ++i) {
         const ToviPhoto* photo = document.GetPhotoActualPhotoArray(i);
         QString labels;
         for (int label = 0; label < ToviPhoto::kLabelCount; ++label) {
-            labels += photo->IsLabelPasted(static_cast<unsigned>(label)) ? QLatin1Char('1')
-                                                                         : QLatin1Char('0');
+            labels += QLatin1Char(photo->IsLabelPasted(static_cast<unsigned>(label)) ? '1' : '0');
         }
         out.append(labels + QLatin1Char(':') + photo->GetComment());
     }
@@ -45,14 +40,13 @@ QByteArray ReadAll(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void WriteRecord(const QString& path, const QString& body) {
+bool WriteAll(const QString& path, const QByteArray& bytes) {
     QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(Cp932::FromUnicode(
-        QStringLiteral("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n") + body));
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-// One photograph's element with the comment and six flags given ("" for an element left out).
+// One photograph's element with the comment ("<none>" leaves it out) and the flags given
+// (a null one leaves that element out).
 QString PhotoElement(const QString& comment, const QStringList& flags) {
     QString xml = QStringLiteral("<写真>");
     if (comment != QLatin1String("<none>")) {
@@ -66,36 +60,41 @@ QString PhotoElement(const QString& comment, const QStringList& flags) {
     return xml + QStringLiteral("</写真>");
 }
 
+std::unique_ptr<ToviData> Open(const QString& folder) {
+    std::unique_ptr<ToviData> document =
+        ToviEnouDataFactory().Create(nullptr, folder, PhotoXMLMlit);
+    if (document) {
+        document->Load();
+    }
+    return document;
+}
+
 }  // namespace
 
 class ToviXmlManagerTest : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<ToviData> Open(const QString& folder) {
-        ToviEnouDataFactory factory;
-        std::unique_ptr<ToviData> document = factory.Create(nullptr, folder, PhotoXMLMlit);
-        if (document) {
-            document->Load();
-        }
-        return document;
-    }
+    QTemporaryDir temp;
+    QString big;    // 10,000 photographs
+    QString small;  // 3
+    ScriptedUi ui;
 
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));
         DeliveryOptions options;
-        options.photoCount = 10000;
         options.images = DeliveryOptions::Images::None;
         WrittenDelivery written;
         QString error;
-        QVERIFY2(WriteDelivery(temp.filePath(QStringLiteral("big")), options, &written, &error),
-                 qPrintable(error));
-        big = written.photoFolder;
-        options.photoCount = 3;
-        QVERIFY(WriteDelivery(temp.filePath(QStringLiteral("small")), options, &written, &error));
-        small = written.photoFolder;
-        ToviXmlSaveManager::SetFreeSpaceProbeForTesting(ScriptedFreeSpace);
+        for (const int count : {10000, 3}) {
+            options.photoCount = count;
+            QVERIFY2(
+                WriteDelivery(temp.filePath(QString::number(count)), options, &written, &error),
+                qPrintable(error));
+            (count == 3 ? small : big) = written.photoFolder;
+        }
+        ToviXmlSaveManager::SetFreeSpaceProbeForTesting([](const QString&) { return freeBytes; });
     }
     void init() {
         freeBytes = -1;
@@ -138,7 +137,6 @@ private slots:
         QCOMPARE(bytes.count("<?xml"), 1);
         QVERIFY(ReadAll(withPaths).contains(
             "<" + Cp932::FromUnicode(QStringLiteral("写真ファイルパス")) + ">"));
-
         for (const QString& path : {record, withPaths}) {
             std::unique_ptr<ToviData> again = Open(big);
             QVERIFY(again->LoadExamination(path, &result));
@@ -147,7 +145,8 @@ private slots:
         }
     }
 
-    // Save failures leave the target as it was and say why.
+    // Save failures leave the target as it was and say why; an empty document saves a frame
+    // that loads back as "no status", and an empty path saves nothing.
     void saveFailures_data() {
         QTest::addColumn<QString>("situation");
         QTest::addColumn<int>("expected");
@@ -159,23 +158,19 @@ private slots:
     }
     void saveFailures() {
         QFETCH(QString, situation);
-        QFETCH(int, expected);
         std::unique_ptr<ToviData> document = Open(small);
         QVERIFY(document);
         document->GetPhotoActualPhotoArray(0)->PasteLabel(2);
         document->SetCheckStatusChanged(true);
-        QString path = temp.filePath(QStringLiteral("fail.xml"));
+        const QString target = temp.filePath(QStringLiteral("fail.xml"));
+        QString path = target;
         const QByteArray old = "old record";
         QFile::remove(path);
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(old);
-        file.close();
+        QVERIFY(WriteAll(path, old));
         if (situation == QLatin1String("read-only")) {
             QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup));
         } else if (situation == QLatin1String("exact space")) {
-            // 500 + 300 × 3 bytes needed beyond what the old file frees.
-            freeBytes = 500 + 300 * 3 - old.size();
+            freeBytes = 500 + 300 * 3 - old.size();  // needed beyond what the old file frees
         } else if (situation == QLatin1String("cancel")) {
             ui.PressCancelAtPump(ui.Pumps() + 3);
         } else if (situation == QLatin1String("no folder")) {
@@ -186,11 +181,10 @@ private slots:
         int result = -1;
         const bool saved = document->SaveExamination(path, QString(), &result);
         MibSetWriteLimitForTesting(-1);
-        QFile::setPermissions(temp.filePath(QStringLiteral("fail.xml")),
-                              QFile::ReadOwner | QFile::WriteOwner);
+        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
         QVERIFY(!saved);
-        QCOMPARE(result, expected);
-        QCOMPARE(ReadAll(temp.filePath(QStringLiteral("fail.xml"))), old);
+        QTEST(result, "expected");
+        QCOMPARE(ReadAll(target), old);
         QVERIFY(document->IsCheckStatusChanged());
         QCOMPARE(QDir(temp.path()).entryList({QStringLiteral("fail.xml*")}, QDir::Files).size(), 1);
         if (situation == QLatin1String("exact space")) {
@@ -198,64 +192,9 @@ private slots:
             QVERIFY(document->SaveExamination(path, QString(), &result));
         }
     }
-
-    // Loading checks the frame before touching any photograph, then merges: a value the
-    // file lacks, or a flag other than "0" and "1", stays as it was.
-    void loadAndMerge_data() {
-        QTest::addColumn<QString>("body");  // empty: no file at all
-        QTest::addColumn<int>("expected");  // -1: loads
-        QTest::addColumn<QStringList>("review");
-        const QStringList before{QStringLiteral("100000:前"), QStringLiteral("010000:"),
-                                 QStringLiteral("000000:")};
-        const QString frame = QStringLiteral(
-            "<検査状況><情報><写真枚数>%1</写真枚数></情報><状況>%2</状況></検査状況>");
-        const QString three =
-            PhotoElement(QStringLiteral("新"), {"0", "1", "", "2", QString(), "1"}) +
-            PhotoElement(QStringLiteral("<none>"), {"1"}) + PhotoElement(QString(), {}) +
-            QStringLiteral("<謎/>");
-        QTest::newRow("merge rules")
-            << frame.arg(3).arg(three) << -1
-            << QStringList{QStringLiteral("010001:新"), QStringLiteral("110000:"),
-                           QStringLiteral("000000:")};
-        QTest::newRow("another count") << frame.arg(4).arg(three) << int(ExamCountWrong) << before;
-        QTest::newRow("count without digits")
-            << frame.arg("三").arg(three) << int(ExamCountWrong) << before;
-        QTest::newRow("no file") << QString() << int(ExamCountWrong) << before;
-        QTest::newRow("not XML") << QStringLiteral("写真枚数 3") << int(ExamCountWrong) << before;
-        QTest::newRow("truncated")
-            << frame.arg(3).arg(three).left(60) << int(ExamCountWrong) << before;
-        QTest::newRow("empty status") << frame.arg(3).arg(QString()) << int(ExamNoStatus) << before;
-        QTest::newRow("no status")
-            << QStringLiteral("<検査状況><情報><写真枚数>3</写真枚数></情報></検査状況>")
-            << int(ExamNoStatus) << before;
-    }
-    void loadAndMerge() {
-        QFETCH(QString, body);
-        QFETCH(int, expected);
-        QFETCH(QStringList, review);
-        std::unique_ptr<ToviData> document = Open(small);
-        QVERIFY(document);
-        document->GetPhotoActualPhotoArray(0)->PasteLabel(0);
-        document->GetPhotoActualPhotoArray(0)->SetComment(QStringLiteral("前"));
-        document->GetPhotoActualPhotoArray(1)->PasteLabel(1);
-        const QString path = temp.filePath(QStringLiteral("load.xml"));
-        QFile::remove(path);
-        if (!body.isEmpty()) {
-            WriteRecord(path, body);
-        }
-        int result = -1;
-        QCOMPARE(document->LoadExamination(path, &result), expected < 0);
-        if (expected >= 0) {
-            QCOMPARE(result, expected);
-        }
-        QCOMPARE(Review(*document), review);
-    }
-
-    // An empty document saves a frame that loads back as "no status".
     void emptyDocument() {
-        const QString folder = temp.filePath(QStringLiteral("empty"));
-        QDir().mkpath(folder);
-        ToviData document(nullptr, folder, PhotoXMLMlit);
+        QDir().mkpath(temp.filePath(QStringLiteral("empty")));
+        ToviData document(nullptr, temp.filePath(QStringLiteral("empty")), PhotoXMLMlit);
         const QString path = temp.filePath(QStringLiteral("empty.xml"));
         int result = -1;
         QVERIFY(document.SaveExamination(path, QString(), &result));
@@ -266,16 +205,58 @@ private slots:
         QVERIFY(!document.SaveExamination(QString(), QString(), &result));
     }
 
+    // Loading checks the frame before touching any photograph, then merges: a value the
+    // file lacks, or a flag other than "0" and "1", stays as it was.
+    void loadAndMerge_data() {
+        QTest::addColumn<QString>("body");  // empty: no file at all
+        QTest::addColumn<int>("expected");  // -1: loads
+        QTest::addColumn<QStringList>("review");
+        const QStringList before{"100000:前", "010000:", "000000:"};
+        const QString frame = QStringLiteral(
+            "<検査状況><情報><写真枚数>%1</写真枚数></情報><状況>%2</状況></検査状況>");
+        const QString three = PhotoElement("新", {"0", "1", "", "2", QString(), "1"}) +
+                              PhotoElement("<none>", {"1"}) + PhotoElement(QString(), {}) +
+                              QStringLiteral("<謎/>");
+        const int countWrong = ExamCountWrong;
+        QTest::newRow("merge rules")
+            << frame.arg(3).arg(three) << -1 << QStringList{"010001:新", "110000:", "000000:"};
+        QTest::newRow("another count") << frame.arg(4).arg(three) << countWrong << before;
+        QTest::newRow("count without digits") << frame.arg("三").arg(three) << countWrong << before;
+        QTest::newRow("no file") << QString() << countWrong << before;
+        QTest::newRow("not XML") << QStringLiteral("写真枚数 3") << countWrong << before;
+        QTest::newRow("truncated") << frame.arg(3).arg(three).left(60) << countWrong << before;
+        QTest::newRow("empty status") << frame.arg(3).arg(QString()) << int(ExamNoStatus) << before;
+        QTest::newRow("no status")
+            << QStringLiteral("<検査状況><情報><写真枚数>3</写真枚数></情報></検査状況>")
+            << int(ExamNoStatus) << before;
+    }
+    void loadAndMerge() {
+        QFETCH(QString, body);
+        QFETCH(int, expected);
+        std::unique_ptr<ToviData> document = Open(small);
+        QVERIFY(document);
+        document->GetPhotoActualPhotoArray(0)->PasteLabel(0);
+        document->GetPhotoActualPhotoArray(0)->SetComment(QStringLiteral("前"));
+        document->GetPhotoActualPhotoArray(1)->PasteLabel(1);
+        const QString path = temp.filePath(QStringLiteral("load.xml"));
+        QFile::remove(path);
+        QVERIFY(body.isEmpty() ||
+                WriteAll(path, Cp932::FromUnicode(
+                                   "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n" + body)));
+        int result = -1;
+        QCOMPARE(document->LoadExamination(path, &result), expected < 0);
+        QCOMPARE(result, expected < 0 ? result : expected);
+        QTEST(Review(*document), "review");
+    }
+
     // A save killed while it writes leaves the previous record byte for byte.
     void killDuringSave() {
         const QString tovi = QCoreApplication::applicationDirPath() + QStringLiteral("/tovi");
         const QString path = temp.filePath(QStringLiteral("killed.xml"));
         const QStringList save{
-            QStringLiteral("--profile"), temp.filePath(QStringLiteral("kill.ini")),
-            QStringLiteral("label"),     big,
-            QStringLiteral("--record"),  path,
-            QStringLiteral("--paste")};
-        QCOMPARE(RunProgram(tovi, save + QStringList{QStringLiteral("0:1")}).exitCode, 0);
+            "--profile", temp.filePath(QStringLiteral("kill.ini")), "label", big, "--record", path,
+            "--paste"};
+        QCOMPARE(RunProgram(tovi, save + QStringList{"0:1"}).exitCode, 0);
         const QByteArray old = ReadAll(path);
         QVERIFY(old.size() > 1000000);
 
@@ -283,7 +264,7 @@ private slots:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("TOVI_WRITE_PAUSE_MS"), QStringLiteral("20000"));
         process.setProcessEnvironment(environment);
-        process.start(tovi, save + QStringList{QStringLiteral("1:2")});
+        process.start(tovi, save + QStringList{"1:2"});
         QVERIFY(process.waitForStarted());
         // The load takes a fraction of a second; then half the new record sits in the
         // writer's temporary file (unnamed where the system allows) for 20 s.
@@ -295,12 +276,6 @@ private slots:
         QCOMPARE(QDir(temp.path()).entryList({QStringLiteral("killed.xml*")}, QDir::Files),
                  QStringList{QStringLiteral("killed.xml")});
     }
-
-private:
-    QTemporaryDir temp;
-    QString big;
-    QString small;
-    ScriptedUi ui;
 };
 
 QTEST_GUILESS_MAIN(ToviXmlManagerTest)
