@@ -98,7 +98,6 @@ QString Message(int n, int count) {
 class ToviDataExtractionTest : public QObject {
     Q_OBJECT
 
-private:
     QTemporaryDir temp;
     QString folder;
     RecordingHost host;
@@ -133,8 +132,8 @@ private slots:
                 QVERIFY(WriteExifJpeg(path, image, ExifFacts()));
             }
             QFile file(path);
-            QVERIFY(file.open(QIODevice::ReadWrite));
             QVERIFY(
+                file.open(QIODevice::ReadWrite) &&
                 file.setFileTime(QDateTime(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0)),
                                  QFileDevice::FileModificationTime));
         }
@@ -200,15 +199,13 @@ private slots:
     void keyPhotoWithoutDefinition() {
         QFETCH(QString, conditions);
         const QString root = temp.filePath(QStringLiteral("mlit11"));
-        if (!QFile::exists(root)) {
-            DeliveryOptions options;
-            options.generation = Generation::Mlit11;
-            options.photoCount = 8;
-            options.images = DeliveryOptions::Images::None;
-            WrittenDelivery written;
-            QString error;
-            QVERIFY2(WriteDelivery(root, options, &written, &error), qPrintable(error));
-        }
+        DeliveryOptions options;
+        options.generation = Generation::Mlit11;
+        options.photoCount = 8;
+        options.images = DeliveryOptions::Images::None;
+        QString error;
+        QVERIFY2(QFile::exists(root) || WriteDelivery(root, options, nullptr, &error),
+                 qPrintable(error));
         std::unique_ptr<ToviData> doc =
             review::Open(&host, root + QStringLiteral("/INDEX_C/PHOTO"));
         QVERIFY(doc);
@@ -218,7 +215,6 @@ private slots:
         doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
         const QList<int> before = doc->CurrentArray().Indexes();
         QCOMPARE(before.size(), 8);
-
         ToviExtractionHolder holder;
         holder.conditions = Conditions(conditions);
         doc->SetExtractionData(&holder);
