@@ -1,6 +1,7 @@
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "extraction/ToviExtractionConditions.h"
+#include "extraction/ToviSorter.h"
 #include "platform/ToviProfile.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/document/ReviewFixture.h"
@@ -14,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 
 using review::NodeAt;
@@ -89,12 +91,26 @@ QList<int> InOrder(const QList<int>& order, const QList<int>& members) {
     return kept;
 }
 
+QList<int> Reversed(QList<int> list) {
+    std::reverse(list.begin(), list.end());
+    return list;
+}
+
+QList<int> Sorted(ToviData& document, const QString& key, bool ascending, const QList<int>& start) {
+    document.CurrentArray().Assign(start);
+    ToviSorter sorter(&document);
+    sorter.PrepareSort(key, document.CurrentArray());
+    sorter.QuickSort(ascending, document.CurrentArray());
+    return document.CurrentArray().Indexes();
+}
+
 QString Message(int n, int count) {
     return QStringLiteral("写真データ抽出中　%1 / %2").arg(n).arg(count);
 }
 
 }  // namespace
 
+// What the current array shows after an extraction or a sort.
 class ToviDataExtractionTest : public QObject {
     Q_OBJECT
 
@@ -318,6 +334,67 @@ private slots:
         doc->SetSelected(0);
         QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 2}));
         QVERIFY(doc->IsExtractionOn());
+    }
+
+    // Every row runs both ways from two starting orders: descending is the exact reverse of
+    // ascending, and the order the array had before doesn't matter.
+    void order_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QStringList>("values");
+        QTest::addColumn<QList<int>>("ascending");
+        // Code page 932, bytes unsigned: "a" 61 < "Ａ" 82 60 < "あ" 82 A0 < "あい" < "ｱ" B1.
+        QTest::newRow("text in code page 932 order")
+            << QStringLiteral("写真タイトル") << QStringList{"あ", "ｱ", "a", "Ａ", "あい", ""}
+            << QList<int>{5, 2, 3, 0, 4, 1};
+        // Longer than 16 bytes with a common start, and prefixes: the shorter first.
+        QTest::newRow("long keys with a common start")
+            << QStringLiteral("写真タイトル")
+            << QStringList{"あいうえおかきくけ", "あいうえおかきく",    "あいうえおかきくこ",
+                           "あいうえおかきくけ", "あいうえおかきくけa", "あいうえおかきか",
+                           "あいうえおかき"}
+            << QList<int>{6, 5, 1, 0, 3, 4, 2};
+        // Like atoi: sign and leading digits count, anything else is 0, beyond int is largest.
+        QTest::newRow("serial number read like atoi")
+            << QStringLiteral("シリアル番号")
+            << QStringList{"12", "+3", "-4", "abc", "", "５", "99999999999", "0012x", " 8", "7a"}
+            << QList<int>{2, 3, 4, 5, 1, 9, 8, 0, 7, 6};
+        QTest::newRow("equal dates keep the actual order, empty first")
+            << QStringLiteral("撮影年月日")
+            << QStringList{"2023-04-02", "2023-04-01", "2023-04-02", "", "2023-04-01"}
+            << QList<int>{3, 1, 4, 0, 2};
+    }
+    void order() {
+        QFETCH(QString, key);
+        QFETCH(QStringList, values);
+        QFETCH(QList<int>, ascending);
+        const QString folder = temp.filePath(QString::fromUtf8(QTest::currentDataTag()));
+        QStringList photos;
+        for (const QString& value : values) {
+            photos.append(key + QLatin1Char('=') + value);
+        }
+        QVERIFY(review::WritePhotoXml(folder, photos));
+        std::unique_ptr<ToviData> document = review::Open(nullptr, folder);
+        QVERIFY(document);
+        QList<int> actual;
+        for (int i = 0; i < values.size(); ++i) {
+            actual.append(i);
+        }
+        for (const QList<int>& start : {actual, Reversed(actual)}) {
+            QCOMPARE(Sorted(*document, key, true, start), ascending);
+            QCOMPARE(Sorted(*document, key, false, start), Reversed(ascending));
+        }
+        // The public comparisons agree with the sort, and descending mirrors them exactly.
+        ToviSorter sorter(document.get());
+        sorter.PrepareSort(key, document->CurrentArray());
+        for (const ToviSorter::Data& a : sorter.Entries()) {
+            for (const ToviSorter::Data& b : sorter.Entries()) {
+                if (a.index != b.index) {
+                    const int up = ToviSorter::CompareUp(a, b);
+                    QCOMPARE(up < 0, ascending.indexOf(a.index) < ascending.indexOf(b.index));
+                    QCOMPARE(ToviSorter::CompareDown(a, b) < 0, up > 0);
+                }
+            }
+        }
     }
 };
 
