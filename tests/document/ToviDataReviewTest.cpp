@@ -96,41 +96,32 @@ private slots:
     }
 
     // A copy carries titles and valid flags to any depth, wired to its own nodes, and no
-    // photo indexes; assignment first deletes the target's children.
+    // photo indexes; assignment first deletes the target's children. A title path leaves
+    // empty titles out.
     void nodeCopyAndTitlePath() {
-        ToviNode parent(QStringLiteral("P"));
-        ToviNode* source =
-            parent.GetNode(parent.Add(std::make_unique<ToviNode>(QStringLiteral("R"))));
-        source->AddIndex(0);
-        ToviNode* a = source->GetNode(source->Add(std::make_unique<ToviNode>(QStringLiteral("A"))));
-        a->AddIndex(1);
-        a->Valid(true);
-        ToviNode* b = a->GetNode(a->Add(std::make_unique<ToviNode>(QStringLiteral("B"))));
-        ToviNode* d = b->GetNode(b->Add(std::make_unique<ToviNode>(QStringLiteral("D"))));
-        source->Add(std::make_unique<ToviNode>(QStringLiteral("C")));
-
+        std::unique_ptr<ToviData> doc = OpenBuilt(selection);
+        QVERIFY(doc);
+        ToviNode* b = NodeAt(doc.get(), QStringLiteral("A/B"));
+        b->Valid(true);
         int deaths = 0;
         ToviNode target(QStringLiteral("T"));
         target.Add(std::make_unique<CountedNode>(QStringLiteral("X"), &deaths));
         target.Add(std::make_unique<CountedNode>(QStringLiteral("Y"), &deaths));
-        target = *source;
+        target = *doc;
         QCOMPARE(deaths, 2);
-        QCOMPARE(Dump(target), QStringLiteral("[A[B[D]],C]"));
-        QCOMPARE(target.Title(), QStringLiteral("R"));
-        QCOMPARE(target.Parent(), nullptr);
-        QVERIFY(target.GetNode(0) != a && target.GetNode(0)->IsValid());
-        QVERIFY(!target.GetNode(1)->IsValid());
-        QCOMPARE(target.GetNode(1)->Parent(), &target);
-        QCOMPARE(target.GetNode(0)->GetNode(0)->GetNode(0)->Parent(),
-                 target.GetNode(0)->GetNode(0));
-        QCOMPARE(target.DescendantCount(), 4ul);
-        QCOMPARE(source->Parent(), &parent);
+        QCOMPARE(Dump(target), QStringLiteral("[A[B],C]"));
+        ToviNode* copied = NodeAt(&target, QStringLiteral("A/B"));
+        QVERIFY(copied != b && copied->IsValid() && !target.GetNode(1)->IsValid());
+        QCOMPARE(copied->Parent(), target.GetNode(0));
+        QCOMPARE(target.GetNode(0)->Parent(), &target);
         ToviNode& alias = target;
         target = alias;
-        QCOMPARE(target.DescendantCount(), 4ul);
-        // From the root down, each non-empty title followed by the separator.
-        b->Title(QString());
-        QCOMPARE(d->GetFullTitlePath(QStringLiteral(" > ")), QStringLiteral("P > R > A > D > "));
+        QCOMPARE(target.DescendantCount(), 3ul);
+        const std::unique_ptr<ToviNode> clone = NodeAt(doc.get(), QStringLiteral("A"))->Clone();
+        QCOMPARE(clone->Parent(), nullptr);
+        QCOMPARE(clone->Title() + Dump(*clone), QStringLiteral("A[B]"));
+        doc->Title(QString());
+        QCOMPARE(b->GetFullTitlePath(QStringLiteral(" > ")), QStringLiteral("A > B > "));
     }
 
     // Where each photograph lands, and the current array BuildTreeNode leaves with a host and
