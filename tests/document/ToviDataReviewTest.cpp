@@ -241,35 +241,38 @@ private slots:
         QTEST(host.hints, "hints");
     }
 
-    // A label shows every photograph carrying it, whatever node is selected and although
-    // extraction is on; a negative label empties the current array. Hint 2 either way.
+    // A label shows every photograph carrying it in actual order, whatever was on show, which
+    // node is selected and although extraction is on; a negative label or one without a slot
+    // empties the current array. Hint 2 either way.
     void selectLabel_data() {
         QTest::addColumn<int>("label");
         QTest::addColumn<bool>("sort");
         QTest::addColumn<QList<int>>("current");
         QTest::newRow("NG1") << 1 << false << QList<int>{0, 2};
         QTest::newRow("NG1 sorted") << 1 << true << QList<int>{2, 0};
+        QTest::newRow("nobody") << 0 << false << QList<int>{};
+        QTest::newRow("no such slot") << 6 << false << QList<int>{};
         QTest::newRow("none") << -1 << false << QList<int>{};
     }
     void selectLabel() {
         QFETCH(int, label);
         QFETCH(bool, sort);
         QFETCH(QList<int>, current);
-        std::unique_ptr<ToviData> doc = OpenBuilt(selection);
+        std::unique_ptr<ToviData> doc = OpenBuilt(selection, {"1", "", "1"});
         QVERIFY(doc);
-        doc->GetPhotoActualPhotoArray(0)->PasteLabel(1);
-        doc->GetPhotoActualPhotoArray(2)->PasteLabel(1);
         SortByDate(*doc, sort);
         ToviNode* c = NodeAt(doc.get(), QStringLiteral("C"));
         doc->SetSelected(c, false);
         doc->SetExtractionData(&nothingMatches);
         doc->ExecExtraction();
         QVERIFY(doc->CurrentArray().IsEmpty());
+        doc->CurrentArray().Assign({1});
         host.hints.clear();
 
         doc->SetSelected(label);
         QCOMPARE(doc->GetSelectedIndex(), label);
         QCOMPARE(doc->CurrentArray().Indexes(), current);
+        QCOMPARE(doc->CountLabel(static_cast<unsigned long>(label)), current.size());
         QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
         QCOMPARE(doc->GetSelectedNode(), c);
         QVERIFY(doc->IsExtractionOn());
@@ -386,36 +389,6 @@ private slots:
         QVERIFY(!photo.IsLabelPasted(6));
         // Only flags count, not a comment.
         QCOMPARE(doc->IsLabeled(), labels.contains(QRegularExpression("[0-5]")) ? 1 : 0);
-    }
-
-    // A search of the whole actual array in actual order, whatever is on show; out is emptied
-    // first.
-    void collectionLabel_data() {
-        QTest::addColumn<int>("label");
-        QTest::addColumn<QList<int>>("found");
-        QTest::newRow("NG1") << 1 << QList<int>{0, 2, 4};
-        QTest::newRow("nobody") << 0 << QList<int>{};
-        QTest::newRow("no such slot") << 6 << QList<int>{};
-    }
-    void collectionLabel() {
-        QFETCH(int, label);
-        QFETCH(QList<int>, found);
-        std::unique_ptr<ToviData> doc = OpenBuilt(labelled, {"1", "", "14c", "5", "1"});
-        QVERIFY(doc);
-        doc->CurrentArray().Assign({4, 2, 0});
-        ToviPhotoRef out;
-        out.Assign({3, 1});
-        QCOMPARE(doc->CollectionLabel(label, out), found.size());
-        QCOMPARE(out.Indexes(), found);
-        QCOMPARE(doc->CountLabel(label), found.size());
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 2, 0}));
-
-        ToviData empty(nullptr, QString(), PhotoXMLMlit);
-        out.Assign({1});
-        QCOMPARE(empty.CollectionLabel(label, out), 0);
-        QVERIFY(out.IsEmpty());
-        QCOMPARE(empty.CountLabel(label), 0);
-        QCOMPARE(empty.IsLabeled(), 0);
     }
 
     // HasComment looks at comment text in the current array only; an empty current array
