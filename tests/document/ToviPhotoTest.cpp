@@ -125,48 +125,46 @@ private slots:
 
     // The titles depend on the family and the stand-alone flag; paths follow file order.
     void makePath_data() {
-        QTest::addColumn<int>("family");
-        QTest::addColumn<QByteArray>("dtd");
+        QTest::addColumn<int>("family");  // 4: family 0 with PHOTO04.DTD
         QTest::addColumn<bool>("standAlone");
         QTest::addColumn<QString>("items");
         QTest::addColumn<QString>("image");
         QTest::addColumn<QString>("drawings");
-        const QByteArray v5 = "PHOTO05.DTD";
         // clang-format off
-        QTest::newRow("mlit relative") << 0 << v5 << true
+        QTest::newRow("mlit relative") << 0 << true
             << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=;参考図ファイル名=D4.JPG;"
                "写真ファイルパス=/m/p.jpg;参考図ファイルパス1=/m/d1.jpg"
             << "{root}PIC/P1.JPG" << "{root}DRA/D1.JPG;{root}DRA/D4.JPG";
-        QTest::newRow("file order, not title order") << 0 << v5 << true
+        QTest::newRow("file order, not title order") << 0 << true
             << "参考図ファイル名=D4.JPG;参考図3=D3.JPG;写真ファイル名=P1.JPG;参考図1=D1.JPG"
             << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG;{root}DRA/D3.JPG;{root}DRA/D1.JPG";
-        QTest::newRow("repeating drawing element") << 2 << v5 << true
+        QTest::newRow("repeating drawing element") << 2 << true
             << "参考図ファイル名=A.JPG;写真ファイル名=P.JPG;参考図ファイル名=B.JPG"
             << "{root}PIC/P.JPG" << "{root}DRA/A.JPG;{root}DRA/B.JPG";
-        QTest::newRow("maff ignores 参考図1") << 2 << v5 << true
+        QTest::newRow("maff ignores 参考図1") << 2 << true
             << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図ファイル名=D4.JPG"
             << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG";
-        QTest::newRow("photograph title undefined") << 0 << QByteArray("PHOTO04.DTD") << true
+        QTest::newRow("photograph title undefined") << 4 << true
             << "写真タイトル=T;参考図1=D1.JPG" << "" << "{root}DRA/D1.JPG";
-        QTest::newRow("mlit full paths") << 0 << v5 << false
+        QTest::newRow("mlit full paths") << 0 << false
             << "写真ファイル名=P1.JPG;写真ファイルパス=/m/PIC/P1.JPG;参考図1=D1.JPG;"
                "参考図ファイルパス1=/m/DRA/D1.JPG;参考図ファイルパス2=;"
                "参考図ファイルパス=/m/DRA/D4.JPG"
             << "/m/PIC/P1.JPG" << "/m/DRA/D1.JPG;/m/DRA/D4.JPG";
-        QTest::newRow("maff full paths ignore 参考図ファイルパス1") << 2 << v5 << false
+        QTest::newRow("maff full paths ignore 参考図ファイルパス1") << 2 << false
             << "写真ファイルパス=/m/P.JPG;参考図ファイルパス1=/m/D1.JPG;参考図ファイルパス=/m/D.JPG"
             << "/m/P.JPG" << "/m/D.JPG";
         // clang-format on
     }
     void makePath() {
         QFETCH(int, family);
-        QFETCH(QByteArray, dtd);
         QFETCH(bool, standAlone);
         QFETCH(QString, items);
         QFETCH(QString, image);
         QFETCH(QString, drawings);
         const QString folder = NewFolder();
-        auto doc = Open(folder, {}, static_cast<PhotoXMLType>(family), dtd);
+        auto doc = Open(folder, {}, static_cast<PhotoXMLType>(family % 4),
+                        family == 4 ? "PHOTO04.DTD" : "PHOTO05.DTD");
         QCOMPARE(doc->GetErrorType(), ReadErrNone);
         doc->SetStandAlone(standAlone);
         ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), List(items)));
@@ -315,40 +313,28 @@ private slots:
         QVERIFY(photo.LoadThumb() && photo.GetImage().IsValid());
     }
 
-    // Positions speak of the current array, photo indexes of the actual array. GetPhotoIndex
-    // gives -1 on an empty current array and fails outside a non-empty one; the others give -1
-    // or null for any position outside.
-    void positionsAndPhotoIndexes_data() {
-        QTest::addColumn<QList<int>>("current");
-        QTest::addColumn<int>("pos");
-        QTest::addColumn<int>("photoIndex");  // -2: GetPhotoIndex throws
-        QTest::addColumn<int>("indexPhotoArray");
-        QTest::newRow("empty, 0") << QList<int>{} << 0 << -1 << -1;
-        QTest::newRow("inside") << QList<int>{2, 0, 1} << 0 << 2 << 2;
-        QTest::newRow("last") << QList<int>{2, 0, 1} << 2 << 1 << 1;
-        QTest::newRow("one past the end") << QList<int>{2, 0} << 2 << -2 << -1;
-        QTest::newRow("negative") << QList<int>{2, 0, 1} << -1 << -2 << -1;
-    }
+    // Positions speak of the current array, photo indexes of the actual array. Outside the
+    // current array GetPhotoIndex fails (gives -1 when it is empty); the others give -1 or null.
     void positionsAndPhotoIndexes() {
-        QFETCH(QList<int>, current);
-        QFETCH(int, pos);
-        QFETCH(int, photoIndex);
-        QFETCH(int, indexPhotoArray);
         auto doc = Open(NewFolder(),
                         {"写真ファイル名=A.JPG", "写真ファイル名=B.JPG", "写真ファイル名=C.JPG"});
         const ToviPhotoArray& actual = *doc->GetPhotoDataArray();
-        doc->CurrentArray().Assign(current);
+        QVERIFY(doc->IsPhotoArrayEmpty());
+        QCOMPARE(doc->GetPhotoIndex(0), -1);
+        doc->CurrentArray().Assign({2, 0});
         QCOMPARE(doc->GetTotalCountPhoto(), 3);
-        QCOMPARE(doc->GetCurrentPhotoCount(), current.size());
-        QCOMPARE(doc->IsPhotoArrayEmpty(), current.isEmpty());
-        if (photoIndex == -2) {
-            QVERIFY_THROWS_EXCEPTION(std::out_of_range, doc->GetPhotoIndex(pos));
-        } else {
-            QCOMPARE(doc->GetPhotoIndex(pos), photoIndex);
+        QCOMPARE(doc->GetCurrentPhotoCount(), 2);
+        QCOMPARE(doc->GetPhotoIndex(1), 0);
+        QCOMPARE(doc->GetIndexPhotoArray(0), 2);
+        QCOMPARE(doc->GetPhoto(1), actual[0]);
+        QCOMPARE(doc->GetPhotoActualPhotoArray(1), actual[1]);
+        for (int outside : {-1, 2}) {
+            QVERIFY_THROWS_EXCEPTION(std::out_of_range, doc->GetPhotoIndex(outside));
+            QCOMPARE(doc->GetIndexPhotoArray(outside), -1);
+            QCOMPARE(doc->GetPhoto(outside), nullptr);
         }
-        QCOMPARE(doc->GetIndexPhotoArray(pos), indexPhotoArray);
-        QCOMPARE(doc->GetPhoto(pos), indexPhotoArray < 0 ? nullptr : actual[indexPhotoArray]);
-        QCOMPARE(doc->GetPhotoActualPhotoArray(pos), pos >= 0 && pos < 3 ? actual[pos] : nullptr);
+        QCOMPARE(doc->GetPhotoActualPhotoArray(-1), nullptr);
+        QCOMPARE(doc->GetPhotoActualPhotoArray(3), nullptr);
     }
 
     // Distinct non-empty values over all photographs, appended to what the caller holds; the
