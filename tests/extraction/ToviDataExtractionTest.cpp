@@ -48,8 +48,8 @@ public:
     void CancelExtraction(CancelExt value) override { told.append(value); }
 };
 
-// "ng;item:工種=土工;date:2024-04-01..2024-04-30;or" and so on: key, ng, notcheck, noexif,
-// required, item:title=text (up to three), date:from..to, filedate:from..to, or.
+// "ng;工種=土工;2024-04-01..2024-04-30;or" and so on: key, ng, notcheck, noexif, required, or,
+// title=text (up to three), from..to for the shooting date, file:from..to for the file date.
 ToviExtractionConditions Conditions(const QString& text) {
     ToviExtractionConditions c;
     const QHash<QString, bool*> flags{{"key", &c.keyPhoto},
@@ -58,24 +58,20 @@ ToviExtractionConditions Conditions(const QString& text) {
                                       {"noexif", &c.notExifinfo},
                                       {"required", &c.neceNotwrite}};
     int item = 0;
-    for (const QString& token : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const QString kind = token.section(QLatin1Char(':'), 0, 0);
-        const QString body = token.section(QLatin1Char(':'), 1);
+    for (QString token : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         if (flags.contains(token)) {
             *flags[token] = true;
         } else if (token == QLatin1String("or")) {
             c.orMode = 1;
-        } else if (kind == QLatin1String("item")) {
-            c.itemOn[item] = true;
-            c.itemTitle[item] = body.section(QLatin1Char('='), 0, 0);
-            c.itemText[item++] = body.section(QLatin1Char('='), 1);
-        } else if (kind == QLatin1String("date") || kind == QLatin1String("filedate")) {
+        } else if (token.contains(QLatin1String(".."))) {
             c.dateOn = true;
-            c.dateKind = kind == QLatin1String("date") ? 0 : 1;
-            c.dateFrom = body.section(QStringLiteral(".."), 0, 0);
-            c.dateTo = body.section(QStringLiteral(".."), 1, 1);
+            c.dateKind = token.startsWith(QLatin1String("file:")) ? 1 : 0;
+            c.dateFrom = token.remove(QLatin1String("file:")).section(QStringLiteral(".."), 0, 0);
+            c.dateTo = token.section(QStringLiteral(".."), 1);
         } else {
-            qFatal("unknown condition %s", qPrintable(token));
+            c.itemOn[item] = true;
+            c.itemTitle[item] = token.section(QLatin1Char('='), 0, 0);
+            c.itemText[item++] = token.section(QLatin1Char('='), 1);
         }
     }
     return c;
@@ -166,24 +162,23 @@ private slots:
         QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{0, 1, 3, 4, 5};
         QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5};
         QTest::newRow("required item stored empty") << "required" << QList<int>{2, 4};
-        QTest::newRow("item equal") << "item:工種=土工" << QList<int>{0, 2, 4};
-        QTest::newRow("item case matters") << "item:工種=ABC" << QList<int>{};
-        QTest::newRow("item is no substring search") << "item:工種=土" << QList<int>{};
-        QTest::newRow("repeated item, any value") << "item:工種区分予備=y" << QList<int>{0, 4};
+        QTest::newRow("item equal") << "工種=土工" << QList<int>{0, 2, 4};
+        QTest::newRow("item case matters") << "工種=ABC" << QList<int>{};
+        QTest::newRow("item is no substring search") << "工種=土" << QList<int>{};
+        QTest::newRow("repeated item, any value") << "工種区分予備=y" << QList<int>{0, 4};
         QTest::newRow("marker on stored empty values")
-            << "item:種別=【未記入】" << QList<int>{1, 3, 4, 5};
-        QTest::newRow("marker needs the item") << "item:付加情報予備=【未記入】" << QList<int>{2};
+            << "種別=【未記入】" << QList<int>{1, 3, 4, 5};
+        QTest::newRow("marker needs the item") << "付加情報予備=【未記入】" << QList<int>{2};
         QTest::newRow("unknown title rejects in AND")
-            << "item:施工者=x;date:2024-04-01..2024-04-30" << QList<int>{};
+            << "施工者=x;2024-04-01..2024-04-30" << QList<int>{};
         QTest::newRow("unknown title passes on in OR")
-            << "item:施工者=x;date:2024-04-01..2024-04-30;or" << QList<int>{0, 1, 2};
-        QTest::newRow("three items AND")
-            << "item:工種=土工;item:種別=盛土;item:代表写真=1" << QList<int>{2};
+            << "施工者=x;2024-04-01..2024-04-30;or" << QList<int>{0, 1, 2};
+        QTest::newRow("three items AND") << "工種=土工;種別=盛土;代表写真=1" << QList<int>{2};
         QTest::newRow("date range includes both ends")
-            << "date:2024-04-01..2024-04-30" << QList<int>{0, 1, 2};
-        QTest::newRow("file date") << "filedate:2024-02-01..2024-02-29" << QList<int>{1, 2, 4};
+            << "2024-04-01..2024-04-30" << QList<int>{0, 1, 2};
+        QTest::newRow("file date") << "file:2024-02-01..2024-02-29" << QList<int>{1, 2, 4};
         QTest::newRow("NG, item and file date")
-            << "ng;item:工種=土工;filedate:2024-02-01..2024-02-29" << QList<int>{4};
+            << "ng;工種=土工;file:2024-02-01..2024-02-29" << QList<int>{4};
     }
     void conditions() {
         QFETCH(QString, conditions);
@@ -243,8 +238,8 @@ private slots:
     void emptyShootingDateSkipsProgress_data() {
         QTest::addColumn<QString>("conditions");
         QTest::addColumn<bool>("skipped");
-        QTest::newRow("the date decides") << "date:2024-01-01..2024-12-31" << true;
-        QTest::newRow("file date") << "filedate:2024-01-01..2024-12-31" << false;
+        QTest::newRow("the date decides") << "2024-01-01..2024-12-31" << true;
+        QTest::newRow("file date") << "file:2024-01-01..2024-12-31" << false;
     }
     void emptyShootingDateSkipsProgress() {
         QFETCH(QString, conditions);
