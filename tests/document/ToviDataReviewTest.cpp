@@ -1,12 +1,14 @@
 #include "document/ToviData.h"
+#include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
 #include "extraction/ToviExtractionConditions.h"
 #include "extraction/ToviSortCondition.h"
 #include "extraction/ToviSorter.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/Cp932.h"
 #include "platform/ToviProfile.h"
 #include "platform/ToviUi.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
-#include "tests/document/ReviewFixture.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ExifJpegWriter.h"
 #include "tests/support/ScriptedUi.h"
@@ -22,12 +24,143 @@
 #include <memory>
 #include <stdexcept>
 
-using review::Dump;
-using review::Labels;
-using review::NodeAt;
-using review::RecordingHost;
-
 namespace {
+
+// Hand-written 国交省-20 deliveries: a PHOTO.XML whose values are spelled out by the test,
+// loaded through the real reader and READITEM.XML, with a host that records every hint the
+// document broadcasts.
+class RecordingHost : public ToviHostDocument {
+public:
+    void UpdateAllViews(QWidget*, int hint, QObject*) override { hints.append(hint); }
+    QList<int> hints;
+};
+
+QString ImageName(int k) {
+    return QString::asprintf("P%07d.JPG", k + 1);
+}
+
+// The PHOTO.XML text of one photograph per entry "工種=A;種別=;...", elements in the order the
+// DTD requires ("種別=" writes an empty element). Required elements an entry doesn't name get a
+// plain value; optional ones are left out. 付加情報 is written when the entry names one of its
+// elements.
+QString PhotoXmlText(const QStringList& photos) {
+    QString xml = QStringLiteral(
+        "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+        "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n"
+        "<photodata DTD_version=\"05\">\n"
+        "<基礎情報><写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
+        "<適用要領基準>土木202303-01</適用要領基準></基礎情報>\n");
+    for (int k = 0; k < photos.size(); ++k) {
+        const QStringList given = photos[k].split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        // Every value given for tag, else the fallback unless that is null.
+        auto leaf = [&given](const char* tag, const QString& fallback = QString()) {
+            const QString name = QString::fromUtf8(tag);
+            QString out;
+            for (const QString& part : given) {
+                if (part.section(QLatin1Char('='), 0, 0) == name) {
+                    out += QStringLiteral("<%1>%2</%1>")
+                               .arg(name, part.section('=', 1).toHtmlEscaped());
+                }
+            }
+            return out.isEmpty() && !fallback.isNull()
+                       ? QStringLiteral("<%1>%2</%1>").arg(name, fallback)
+                       : out;
+        };
+        xml += QStringLiteral("<写真情報><写真ファイル情報>") +
+               leaf("シリアル番号", QString::number(k + 1)) + leaf("写真ファイル名", ImageName(k)) +
+               leaf("メディア番号", QStringLiteral("1")) +
+               QStringLiteral("</写真ファイル情報><撮影工種区分>") +
+               leaf("写真-大分類", QStringLiteral("工事")) + leaf("写真区分") + leaf("工種") +
+               leaf("種別") + leaf("細別") +
+               leaf("写真タイトル", QStringLiteral("写真%1").arg(k + 1)) + leaf("工種区分予備") +
+               QStringLiteral("</撮影工種区分>");
+        if (!(leaf("参考図ファイル名") + leaf("参考図タイトル") + leaf("付加情報予備")).isEmpty()) {
+            xml += QStringLiteral("<付加情報>") +
+                   leaf("参考図ファイル名", QString::asprintf("D%07d.JPG", k + 1)) +
+                   leaf("参考図タイトル", QStringLiteral("参考図")) + leaf("付加情報予備") +
+                   QStringLiteral("</付加情報>");
+        }
+        xml += QStringLiteral("<撮影情報>") + leaf("撮影箇所") +
+               leaf("撮影年月日", QStringLiteral("2024-04-01")) + QStringLiteral("</撮影情報>") +
+               leaf("代表写真", QStringLiteral("0")) + leaf("提出頻度写真", QStringLiteral("0")) +
+               QStringLiteral("</写真情報>\n");
+    }
+    return xml + QStringLiteral("</photodata>\n");
+}
+
+// Writes folder/PHOTO.XML in Shift_JIS.
+bool WritePhotoXml(const QString& folder, const QStringList& photos) {
+    QDir().mkpath(folder + QStringLiteral("/PIC"));
+    QFile file(folder + QStringLiteral("/PHOTO.XML"));
+    bool ok = false;
+    const QByteArray bytes = Cp932::FromUnicode(PhotoXmlText(photos), &ok);
+    return ok && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// Loads the delivery in folder as family 0 with host as the host's document; null when the
+// load failed or found an error.
+std::unique_ptr<ToviData> Load(ToviHostDocument* host, const QString& folder) {
+    std::unique_ptr<ToviData> document(ToviEnouDataFactory().Create(host, folder, PhotoXMLMlit));
+    return document && document->GetErrorType() == ReadErrNone ? std::move(document) : nullptr;
+}
+
+// The tree below node as text: each child's title, "{photo indexes}" of its own, and
+// "[children]" in order; the root is written without its title.
+QString Dump(const ToviNode& node) {
+    QStringList numbers;
+    QStringList children;
+    for (int index : node.Indexes()) {
+        numbers.append(QString::number(index));
+    }
+    for (const ToviNode* child : node.Items()) {
+        children.append(child->Title() + Dump(*child));
+    }
+    return (numbers.isEmpty() ? QString() : QLatin1Char('{') + numbers.join(',') + '}') +
+           (children.isEmpty() ? QString() : QLatin1Char('[') + children.join(',') + ']');
+}
+
+// The node reached from node by titles "A/B/C", null when there is none; "" is node itself.
+ToviNode* NodeAt(ToviNode* node, const QString& path) {
+    for (const QString& title : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        ToviNode* parent = node;
+        node = nullptr;
+        for (ToviNode* child : parent->Items()) {
+            node = child->Title() == title ? child : node;
+        }
+        if (!node) {
+            return nullptr;
+        }
+    }
+    return node;
+}
+
+// A photograph's labels as the digits of the pasted slots, then "c" when it has a comment.
+QString Labels(const ToviPhoto& photo) {
+    QString text;
+    for (int label = 0; label < ToviPhoto::kLabelCount; ++label) {
+        text += photo.IsLabelPasted(label) ? QString::number(label) : QString();
+    }
+    return photo.GetComment().isEmpty() ? text : text + QLatin1Char('c');
+}
+
+// Pastes the labels (and a comment for "c") that Labels would write.
+void SetLabels(ToviPhoto& photo, const QString& text) {
+    for (const QChar c : text) {
+        if (c == QLatin1Char('c')) {
+            photo.SetComment(QStringLiteral("要確認"));
+        } else {
+            photo.PasteLabel(static_cast<unsigned int>(c.digitValue()));
+        }
+    }
+}
+
+QStringList AllLabels(const ToviData& document) {
+    QStringList all;
+    for (int k = 0; k < document.GetTotalCountPhoto(); ++k) {
+        all.append(Labels(*document.GetPhotoActualPhotoArray(k)));
+    }
+    return all;
+}
 
 // Counts destructions, so that a test can tell deleted children from dropped ones.
 class CountedNode : public ToviNode {
@@ -151,14 +284,14 @@ class ToviDataReviewTest : public QObject {
 
     std::unique_ptr<ToviData> Open(const QStringList& photos) {
         const QString folder = temp.filePath(QStringLiteral("d%1").arg(++serial));
-        return review::WritePhotoXml(folder, photos) ? review::Open(&host, folder) : nullptr;
+        return WritePhotoXml(folder, photos) ? Load(&host, folder) : nullptr;
     }
     // The delivery in folder with the labels given and the work type tree built.
     std::unique_ptr<ToviData> OpenBuilt(const QString& folder, const QStringList& labels = {}) {
-        std::unique_ptr<ToviData> doc = review::Open(&host, folder);
+        std::unique_ptr<ToviData> doc = Load(&host, folder);
         if (doc) {
             for (int k = 0; k < labels.size(); ++k) {
-                review::SetLabels(*doc->GetPhotoActualPhotoArray(k), labels[k]);
+                SetLabels(*doc->GetPhotoActualPhotoArray(k), labels[k]);
             }
             doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
         }
@@ -176,17 +309,16 @@ private slots:
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
         selection = temp.filePath(QStringLiteral("selection"));
-        QVERIFY(review::WritePhotoXml(selection, kSelectionPhotos));
+        QVERIFY(WritePhotoXml(selection, kSelectionPhotos));
         labelled = temp.filePath(QStringLiteral("labelled"));
-        QVERIFY(
-            review::WritePhotoXml(labelled, {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}));
+        QVERIFY(WritePhotoXml(labelled, {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}));
         extraction = temp.filePath(QStringLiteral("extraction"));
-        QVERIFY(review::WritePhotoXml(extraction, kExtractionPhotos));
+        QVERIFY(WritePhotoXml(extraction, kExtractionPhotos));
         QImage image(64, 48, QImage::Format_RGB32);
         image.fill(Qt::darkGreen);
         const QList<int> fileDays{15, 32, 60, 61, 41};  // days since 2023-12-31
         for (int k = 0; k < fileDays.size(); ++k) {
-            const QString path = extraction + QStringLiteral("/PIC/") + review::ImageName(k);
+            const QString path = extraction + QStringLiteral("/PIC/") + ImageName(k);
             if (k == 1 || k == 3) {
                 QVERIFY(image.save(path, "JPG"));  // Qt writes no Exif
             } else {
@@ -396,7 +528,7 @@ private slots:
         QVERIFY(doc->PhotoSelectSetting(1));
         QVERIFY(host.hints.isEmpty());
         QVERIFY(doc->GetPhotoActualPhotoArray(1)->IsSelected());
-        doc = review::Open(nullptr, selection);
+        doc = Load(nullptr, selection);
         QVERIFY(doc);
         doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
         ToviNode* a = NodeAt(doc.get(), QStringLiteral("A"));
@@ -518,7 +650,7 @@ private slots:
         QTEST(doc->HasComment(), "hasComment");
         doc->SetSelected(4);
         QVERIFY(!doc->HasComment());
-        doc->SetSelected(review::NodeAt(doc.get(), QStringLiteral("A")), false);
+        doc->SetSelected(NodeAt(doc.get(), QStringLiteral("A")), false);
         QVERIFY(doc->HasComment());
     }
 
@@ -567,7 +699,7 @@ private slots:
         ui.QueueAnswer(ToviUi::AnswerOk);
 
         QTEST(doc->AllLabelCorrection(), "result");
-        QTEST(review::AllLabels(*doc), "after");
+        QTEST(AllLabels(*doc), "after");
         QCOMPARE(doc->IsCheckStatusChanged(), changed);
         QCOMPARE(host.hints, changed ? QList<int>{ToviData::HintLabelsChanged} : QList<int>{});
         QCOMPARE(ui.DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
@@ -624,7 +756,7 @@ private slots:
         QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
         QVERIFY(source.told.isEmpty());
         // Filtering only: the photographs themselves are as they were.
-        QCOMPARE(review::AllLabels(*doc), kLabels);
+        QCOMPARE(AllLabels(*doc), kLabels);
     }
 
     // The 代表写真 condition on a delivery that doesn't define that item never decides: AND
@@ -644,8 +776,7 @@ private slots:
         QString error;
         QVERIFY2(QFile::exists(root) || WriteDelivery(root, options, nullptr, &error),
                  qPrintable(error));
-        std::unique_ptr<ToviData> doc =
-            review::Open(&host, root + QStringLiteral("/INDEX_C/PHOTO"));
+        std::unique_ptr<ToviData> doc = Load(&host, root + QStringLiteral("/INDEX_C/PHOTO"));
         QVERIFY(doc);
         QVERIFY(doc->GetItemDef()->GetIndexFromTitle(QStringLiteral("代表写真")) < 0);
         doc->GetPhotoActualPhotoArray(1)->PasteLabel(2);
@@ -794,8 +925,8 @@ private slots:
         for (const QString& value : values) {
             photos.append(key + QLatin1Char('=') + value);
         }
-        QVERIFY(review::WritePhotoXml(folder, photos));
-        std::unique_ptr<ToviData> document = review::Open(nullptr, folder);
+        QVERIFY(WritePhotoXml(folder, photos));
+        std::unique_ptr<ToviData> document = Load(nullptr, folder);
         QVERIFY(document);
         QList<int> actual;
         for (int i = 0; i < values.size(); ++i) {
