@@ -39,11 +39,11 @@ QString ImageName(int k) {
     return QString::asprintf("P%07d.JPG", k + 1);
 }
 
-// The PHOTO.XML text of one photograph per entry "工種=A;種別=;...", elements in the order the
-// DTD requires ("種別=" writes an empty element). Required elements an entry doesn't name get a
-// plain value; optional ones are left out. 付加情報 is written when the entry names one of its
-// elements.
-QString PhotoXmlText(const QStringList& photos) {
+// Writes folder/PHOTO.XML in Shift_JIS with one photograph per entry "工種=A;種別=;...", elements
+// in the order the DTD requires ("種別=" writes an empty element). Required elements an entry
+// doesn't name get a plain value; optional ones are left out. 付加情報 is written when the entry
+// names one of its elements.
+bool WritePhotoXml(const QString& folder, const QStringList& photos) {
     QString xml = QStringLiteral(
         "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
         "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n"
@@ -85,15 +85,10 @@ QString PhotoXmlText(const QStringList& photos) {
                leaf("代表写真", QStringLiteral("0")) + leaf("提出頻度写真", QStringLiteral("0")) +
                QStringLiteral("</写真情報>\n");
     }
-    return xml + QStringLiteral("</photodata>\n");
-}
-
-// Writes folder/PHOTO.XML in Shift_JIS.
-bool WritePhotoXml(const QString& folder, const QStringList& photos) {
     QDir().mkpath(folder + QStringLiteral("/PIC"));
     QFile file(folder + QStringLiteral("/PHOTO.XML"));
     bool ok = false;
-    const QByteArray bytes = Cp932::FromUnicode(PhotoXmlText(photos), &ok);
+    const QByteArray bytes = Cp932::FromUnicode(xml + QStringLiteral("</photodata>\n"), &ok);
     return ok && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
@@ -920,18 +915,14 @@ private slots:
         QFETCH(QString, key);
         QFETCH(QStringList, values);
         QFETCH(QList<int>, ascending);
-        const QString folder = temp.filePath(QString::fromUtf8(QTest::currentDataTag()));
         QStringList photos;
+        QList<int> actual;
         for (const QString& value : values) {
+            actual.append(static_cast<int>(photos.size()));
             photos.append(key + QLatin1Char('=') + value);
         }
-        QVERIFY(WritePhotoXml(folder, photos));
-        std::unique_ptr<ToviData> document = Load(nullptr, folder);
+        std::unique_ptr<ToviData> document = Open(photos);
         QVERIFY(document);
-        QList<int> actual;
-        for (int i = 0; i < values.size(); ++i) {
-            actual.append(i);
-        }
         for (const QList<int>& start : {actual, Reversed(actual)}) {
             QCOMPARE(Sorted(*document, key, true, start), ascending);
             QCOMPARE(Sorted(*document, key, false, start), Reversed(ascending));
