@@ -131,19 +131,13 @@ private slots:
         QTest::addColumn<QString>("image");
         QTest::addColumn<QString>("drawings");
         // clang-format off
-        QTest::newRow("mlit relative") << 0 << true
-            << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=;参考図ファイル名=D4.JPG;"
+        QTest::newRow("mlit relative, in file order") << 0 << true
+            << "参考図ファイル名=D4.JPG;参考図3=D3.JPG;写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図2=;"
                "写真ファイルパス=/m/p.jpg;参考図ファイルパス1=/m/d1.jpg"
-            << "{root}PIC/P1.JPG" << "{root}DRA/D1.JPG;{root}DRA/D4.JPG";
-        QTest::newRow("file order, not title order") << 0 << true
-            << "参考図ファイル名=D4.JPG;参考図3=D3.JPG;写真ファイル名=P1.JPG;参考図1=D1.JPG"
             << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG;{root}DRA/D3.JPG;{root}DRA/D1.JPG";
-        QTest::newRow("repeating drawing element") << 2 << true
-            << "参考図ファイル名=A.JPG;写真ファイル名=P.JPG;参考図ファイル名=B.JPG"
+        QTest::newRow("maff: repeating drawing element, 参考図1 ignored") << 2 << true
+            << "参考図ファイル名=A.JPG;写真ファイル名=P.JPG;参考図1=D1.JPG;参考図ファイル名=B.JPG"
             << "{root}PIC/P.JPG" << "{root}DRA/A.JPG;{root}DRA/B.JPG";
-        QTest::newRow("maff ignores 参考図1") << 2 << true
-            << "写真ファイル名=P1.JPG;参考図1=D1.JPG;参考図ファイル名=D4.JPG"
-            << "{root}PIC/P1.JPG" << "{root}DRA/D4.JPG";
         QTest::newRow("photograph title undefined") << 4 << true
             << "写真タイトル=T;参考図1=D1.JPG" << "" << "{root}DRA/D1.JPG";
         QTest::newRow("mlit full paths") << 0 << false
