@@ -24,33 +24,32 @@ bool WriteFile(const QString& path, const QByteArray& bytes) {
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-// A READITEM.XML section of optional items from "title;title;...".
-QString Section(const QString& name, const QString& titles) {
-    QString xml = QStringLiteral("<%1>").arg(name);
-    for (const QString& title : List(titles)) {
-        xml += QStringLiteral(
-                   "<管理項目><タイトル>%1</タイトル><必要度>任意</必要度><表示>Not</表示>"
-                   "<データ数>0+</データ数><操作>Next</操作></管理項目>")
-                   .arg(title);
-    }
-    return xml + QStringLiteral("</%1>").arg(name);
-}
-
-// 国交省-20 defines every title the paths use; 国交省-18 lacks the photograph's file name and
-// 参考図ファイル名; 農水省-23 defines 参考図1 too, which that family must ignore.
+// A READITEM.XML of optional items. 国交省-20 defines every title the paths use; 国交省-18 lacks
+// the photograph's file name and 参考図ファイル名; 農水省-23 defines 参考図1, which it ignores.
 bool WriteReadItem(const QString& programFolder) {
-    const QString xml =
-        Section("国交省-20",
-                "写真ファイル名;写真ファイルパス;参考図1;参考図2;参考図3;参考図ファイル名;"
-                "参考図ファイルパス1;参考図ファイルパス2;参考図ファイルパス3;参考図ファイルパス;"
-                "写真タイトル;撮影年月日;工種;備考") +
-        Section("国交省-18", "写真タイトル;参考図1") +
-        Section("農水省-23",
-                "写真ファイル名;写真ファイルパス;参考図1;参考図ファイル名;参考図ファイルパス1;"
-                "参考図ファイルパス");
+    const QList<QPair<QString, QString>> sections{
+        {"国交省-20",
+         "写真ファイル名;写真ファイルパス;参考図1;参考図2;参考図3;参考図ファイル名;"
+         "参考図ファイルパス1;"
+         "参考図ファイルパス2;参考図ファイルパス3;参考図ファイルパス;写真タイトル;撮影年月日;工種;"
+         "備考"},
+        {"国交省-18", "写真タイトル;参考図1"},
+        {"農水省-23",
+         "写真ファイル名;写真ファイルパス;参考図1;参考図ファイル名;参考図ファイルパス1;"
+         "参考図ファイルパス"}};
+    QString xml = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<information>");
+    for (const auto& [name, titles] : sections) {
+        xml += QStringLiteral("<%1>").arg(name);
+        for (const QString& title : List(titles)) {
+            xml += QStringLiteral(
+                       "<管理項目><タイトル>%1</タイトル><必要度>任意</必要度><表示>Not</表示>"
+                       "<データ数>0+</データ数><操作>Next</操作></管理項目>")
+                       .arg(title);
+        }
+        xml += QStringLiteral("</%1>").arg(name);
+    }
     return WriteFile(programFolder + QStringLiteral("/READITEM.XML"),
-                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<information>" + xml.toUtf8() +
-                         "</information>\n");
+                     (xml + QStringLiteral("</information>\n")).toUtf8());
 }
 
 // Items from "title=value" texts, in the given order.
@@ -77,8 +76,7 @@ QStringList Expand(QStringList texts, const QString& root, const QString& old = 
 
 }  // namespace
 
-// Where a photograph's files are, and the document's look-ups over its photographs, on
-// deliveries whose PHOTO.XML holds only the prolog and whose photographs the test makes.
+// Where a photograph's files are, and the document's look-ups over photographs the test makes.
 class ToviPhotoTest : public QObject {
     Q_OBJECT
 
@@ -356,9 +354,8 @@ private slots:
         QTEST(values, "after");
     }
 
-    // A photo reference is an ordered set whose Add answers the position; a text pair's single
-    // value is the first match; the actual array finds a photograph by its image path in any
-    // case.
+    // A photo reference is an ordered set; a text pair's single value is the first match; the
+    // actual array finds a photograph by its image path in any case.
     void lookUps() {
         ToviPhotoRef ref;
         QList<int> positions;
