@@ -66,10 +66,11 @@ ToviItemArray MakeItems(const ToviItemDef& def, const QStringList& entries) {
     return items;
 }
 
-// Replaces "{root}" (and "{old}") by the given folders, each ending in '/'.
+// Replaces "{root}/" (and "{old}/") by the given folders.
 QStringList Expand(QStringList texts, const QString& root, const QString& old = {}) {
     for (QString& text : texts) {
-        text.replace(QStringLiteral("{root}"), root).replace(QStringLiteral("{old}"), old);
+        text.replace(QStringLiteral("{root}"), root + '/')
+            .replace(QStringLiteral("{old}"), old + '/');
     }
     return texts;
 }
@@ -89,9 +90,9 @@ class ToviPhotoTest : public QObject {
         QDir().mkpath(folder);
         return folder;
     }
-    static void CreateFiles(const QString& root, const QString& files) {
+    static void CreateFiles(const QString& folder, const QString& files) {
         for (const QString& file : List(files)) {
-            QVERIFY(WriteFile(root + file, "x"));
+            QVERIFY(WriteFile(folder + '/' + file, "x"));
         }
     }
     // family 0 with PHOTO05.DTD reads 国交省-20, with PHOTO04.DTD 国交省-18; family 2 with
@@ -160,13 +161,12 @@ private slots:
         QCOMPARE(doc->GetErrorType(), ReadErrNone);
         doc->SetStandAlone(standAlone);
         ToviPhoto photo(doc.get(), MakeItems(*doc->GetItemDef(), List(items)));
-        const QString root = folder + QLatin1Char('/');
-        QCOMPARE(photo.GetImagePath(), Expand({image}, root).first());
-        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), root));
+        QCOMPARE(photo.GetImagePath(), Expand({image}, folder).first());
+        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), folder));
         // A plain walk after a change of root keeps nothing of the old paths.
         doc->RootPath(temp.filePath(QStringLiteral("elsewhere")));
         photo.MakePath();
-        const QString moved = standAlone ? temp.filePath(QStringLiteral("elsewhere/")) : root;
+        const QString moved = standAlone ? temp.filePath(QStringLiteral("elsewhere")) : folder;
         QCOMPARE(photo.GetImagePath(), Expand({image}, moved).first());
         QCOMPARE(photo.PicturePaths(), Expand(List(drawings), moved));
     }
@@ -189,7 +189,7 @@ private slots:
         const QString folder = NewFolder();
         const QString outside = temp.filePath(QStringLiteral("outside.jpg"));
         QVERIFY(WriteFile(outside, "x"));
-        CreateFiles(folder + QLatin1Char('/'),
+        CreateFiles(folder,
                     "PIC/P.JPG;DRA/P.JPG;PIC/sub/P.JPG;DRA/sub/P.JPG;PIC/C:P.JPG;DRA/C:P.JPG");
         value.replace(QStringLiteral("{outside}"), outside);
         auto doc = Open(folder, {QStringLiteral("写真ファイル名=%1;参考図1=%1").arg(value)});
@@ -237,17 +237,15 @@ private slots:
         QFETCH(QString, drawings);
         const QString oldFolder = NewFolder();
         const QString newFolder = NewFolder();
-        const QString oldRoot = oldFolder + QLatin1Char('/');
-        const QString newRoot = newFolder + QLatin1Char('/');
-        CreateFiles(oldRoot, oldFiles);
-        CreateFiles(newRoot, newFiles);
+        CreateFiles(oldFolder, oldFiles);
+        CreateFiles(newFolder, newFiles);
         auto doc = Open(oldFolder, {items});
         ToviPhoto& photo = Only(*doc);
         QVERIFY(!photo.IsExistFile());  // nothing has been tested yet
         doc->RootPath(newFolder);
         photo.UpdateImagePath();
-        QCOMPARE(photo.GetImagePath(), Expand({image}, newRoot, oldRoot).first());
-        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), newRoot, oldRoot));
+        QCOMPARE(photo.GetImagePath(), Expand({image}, newFolder, oldFolder).first());
+        QCOMPARE(photo.PicturePaths(), Expand(List(drawings), newFolder, oldFolder));
         QTEST(photo.IsExistFile(), "exists");
     }
 
@@ -272,7 +270,7 @@ private slots:
         QFETCH(QString, files);
         QFETCH(QString, expected);
         const QString folder = NewFolder();
-        CreateFiles(folder + QLatin1Char('/'), files);
+        CreateFiles(folder, files);
         auto doc = Open(folder, {items});
         QStringList names{"kept"};
         Only(*doc).GetOutputFilename(names);
