@@ -257,6 +257,7 @@ class ToviDataReviewTest : public QObject {
     QString labelled;    // five photographs, A A B B C by work type
     QString extraction;  // the delivery of kExtractionPhotos, with files
     RecordingHost host;
+    std::unique_ptr<ScriptedUi> ui;  // a fresh one for every test
     ToviExtractionHolder nothingMatches;
 
     std::unique_ptr<ToviData> Open(const QStringList& photos) {
@@ -309,6 +310,11 @@ private slots:
         }
         nothingMatches.conditions = Conditions(QStringLiteral("工種=Z"));
     }
+    void init() {
+        ui = std::make_unique<ScriptedUi>();
+        ToviUi::Install(ui.get());
+    }
+    void cleanup() { ToviUi::Install(nullptr); }
 
     // A copy carries titles and valid flags to any depth, wired to its own nodes, and no
     // photo indexes; assignment first deletes the target's children.
@@ -652,8 +658,6 @@ private slots:
         QFETCH(int, action);
         QFETCH(QString, view);
         QFETCH(bool, changed);
-        ScriptedUi ui;
-        ScopedUi scope(ui);
         std::unique_ptr<ToviData> doc = OpenBuilt(labelled, {"", "0", "15", "4c", "2"});
         QVERIFY(doc);
         ToviExtractionHolder ng;
@@ -669,17 +673,17 @@ private slots:
         }
         const bool hadComment = doc->HasComment();
         host.hints.clear();
-        ui.QueueDialog(dialogOk, {{QStringLiteral("action"), action}});
-        ui.QueueAnswer(ToviUi::AnswerOk);
+        ui->QueueDialog(dialogOk, {{QStringLiteral("action"), action}});
+        ui->QueueAnswer(ToviUi::AnswerOk);
 
         QTEST(doc->AllLabelCorrection(), "result");
         QTEST(AllLabels(*doc), "after");
         QCOMPARE(doc->IsCheckStatusChanged(), changed);
         QCOMPARE(host.hints, changed ? QList<int>{ToviData::HintLabelsChanged} : QList<int>{});
-        QCOMPARE(ui.DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
-        QCOMPARE(ui.DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
-        QCOMPARE(ui.Questions().size(), dialogOk ? 1 : 0);
-        QVERIFY(!dialogOk || ui.Questions().first().buttons == ToviUi::ButtonsOkCancel);
+        QCOMPARE(ui->DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
+        QCOMPARE(ui->DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
+        QCOMPARE(ui->Questions().size(), dialogOk ? 1 : 0);
+        QVERIFY(!dialogOk || ui->Questions().first().buttons == ToviUi::ButtonsOkCancel);
         // The comment flag waits for the next look at the current array.
         QCOMPARE(doc->HasComment(), hadComment);
     }
@@ -716,8 +720,6 @@ private slots:
     void conditions() {
         QFETCH(QString, conditions);
         QFETCH(QList<int>, found);
-        ScriptedUi ui;
-        ScopedUi scope(ui);
         std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
         QVERIFY(doc);
         RecordingSource source;
@@ -778,8 +780,6 @@ private slots:
     void emptyShootingDateSkipsProgress() {
         QFETCH(QString, conditions);
         QFETCH(bool, skipped);
-        ScriptedUi ui;
-        ScopedUi scope(ui);
         std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
         QVERIFY(doc);
         QCOMPARE(doc->CurrentArray().GetAt(0), 4);
@@ -792,15 +792,13 @@ private slots:
         for (int n = skipped ? 2 : 1; n <= count; ++n) {
             messages.append(Message(n, count));
         }
-        QCOMPARE(ui.LastProgress()->messages, messages);
-        QCOMPARE(ui.LastProgress()->positions.last(), static_cast<int>(messages.size()));
+        QCOMPARE(ui->LastProgress()->messages, messages);
+        QCOMPARE(ui->LastProgress()->positions.last(), static_cast<int>(messages.size()));
     }
 
     // Cancel at the first photograph: the node's whole content stays on show, extraction is
     // off, the source is told with 0, and the next selection is not filtered.
     void cancelOnFirstPhotograph() {
-        ScriptedUi ui;
-        ScopedUi scope(ui);
         std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
         QVERIFY(doc);
         ToviNode* earthwork = NodeAt(doc.get(), QStringLiteral("土工"));
@@ -810,11 +808,11 @@ private slots:
         source.conditions = Conditions(QStringLiteral("ng"));
         doc->SetExtractionData(&source);
         host.hints.clear();
-        ui.PressCancelAtPump(ui.Pumps() + 1);
+        ui->PressCancelAtPump(ui->Pumps() + 1);
 
         doc->ExecExtraction();
-        QCOMPARE(ui.LastProgress()->messages, QStringList{Message(1, 3)});
-        QCOMPARE(ui.LastProgress()->closeCount, 1);
+        QCOMPARE(ui->LastProgress()->messages, QStringList{Message(1, 3)});
+        QCOMPARE(ui->LastProgress()->closeCount, 1);
         QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 0, 2}));
         QVERIFY(!doc->IsExtractionOn());
         QCOMPARE(source.told, QList<int>{ToviExtractionSource::CancelButtonOnly});
@@ -822,7 +820,7 @@ private slots:
 
         doc->SetSelected(doc.get(), false);
         QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
-        QCOMPARE(ui.ProgressViews().size(), 1);
+        QCOMPARE(ui->ProgressViews().size(), 1);
         QCOMPARE(source.told.size(), 1);
         // Off already: a cancel with a value tells the source nothing.
         doc->CancelExtraction(ToviExtractionSource::CancelButtonOnly);
@@ -832,8 +830,6 @@ private slots:
     // Extraction always starts from a node's whole content: on every node selection, on a
     // rebuilt tree and on a second run; a changed photograph doesn't filter.
     void extractionFollowsRebuilds() {
-        ScriptedUi ui;
-        ScopedUi scope(ui);
         std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
         QVERIFY(doc);
         ToviExtractionHolder holder;
