@@ -1,0 +1,223 @@
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "loading/OpenNextDataTexts.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/MibFile.h"
+#include "platform/ToviEnvironment.h"
+#include "platform/ToviProfile.h"
+#include "tests/support/DeliveryWriter.h"
+#include "tests/support/ScriptedUi.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+namespace Texts = OpenNextDataTexts;
+
+// Records the wait windows as "animation:text" and closes as "end".
+class CombineUi : public ScriptedUi {
+public:
+    QStringList waits;
+    void BeginWait(QWidget*, const QString& message, int animation) override {
+        waits.append(QString::number(animation) + QLatin1Char(':') + message);
+    }
+    void EndWait() override { waits.append(QStringLiteral("end")); }
+};
+
+}  // namespace
+
+class ToviCombineTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir temp;
+    CombineUi ui;
+    QString full;  // the whole delivery's photo folder
+    std::unique_ptr<ToviData> document;
+
+    QString Path(const QString& name) const { return temp.filePath(name); }
+
+    // The photo folder of disc n: PHOTO.XML, the index beside it, and of PIC/ and DRA/ only
+    // the files whose position in the sorted listing gives n modulo discs.
+    QString Disc(int n, int discs) {
+        const QString root = Path(QStringLiteral("disc%1/INDEX_C/PHOTO").arg(n));
+        for (const QString& sub : {QStringLiteral("PIC"), QStringLiteral("DRA")}) {
+            QDir().mkpath(root + QLatin1Char('/') + sub);
+            const QStringList names = QDir(full + QLatin1Char('/') + sub).entryList(QDir::Files, QDir::Name);
+            for (int i = 0; i < names.size(); ++i) {
+                if (i % discs == n) {
+                    QFile::copy(full + QLatin1Char('/') + sub + QLatin1Char('/') + names[i],
+                                root + QLatin1Char('/') + sub + QLatin1Char('/') + names[i]);
+                }
+            }
+        }
+        QFile::copy(full + QStringLiteral("/PHOTO.XML"), root + QStringLiteral("/PHOTO.XML"));
+        QFile::copy(MibParentDir(full) + QStringLiteral("INDEX_C.XML"),
+                    MibParentDir(root) + QStringLiteral("INDEX_C.XML"));
+        return root;
+    }
+
+    // The mount table: the discs are optical, everything else a fixed disk.
+    void Mounts(const QStringList& optical) {
+        QByteArray table = "/dev/sda1 / ext4 rw 0 0\n";
+        for (const QString& point : optical) {
+            table += "/dev/sr0 " + QFile::encodeName(point) + " iso9660 ro 0 0\n";
+        }
+        QFile file(Path(QStringLiteral("mounts")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(table);
+        file.close();
+        ToviEnvironment::SetMountTableForTesting(file.fileName());
+    }
+
+    void Open(const QString& photoFolder) {
+        ToviEnouDataFactory factory;
+        document = factory.Create(nullptr, photoFolder, PhotoXMLMlit);
+        QVERIFY(document);
+        document->Load();
+    }
+
+    int Missing() {
+        int missing = 0;
+        for (int i = 0; i < document->GetTotalCountPhoto(); ++i) {
+            ToviPhoto* photo = document->GetPhotoActualPhotoArray(i);
+            photo->UpdateImagePath();
+            missing += photo->IsExistFile() ? 0 : 1;
+        }
+        return missing;
+    }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+        QVERIFY(QDir().mkpath(Path(QStringLiteral("work"))));
+        {
+            QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
+            user.setValue(QStringLiteral("QVScratch"), Path(QStringLiteral("work")));
+        }
+        ToviEnvironment::SetSettingsPathsForTesting(Path(QStringLiteral("user.ini")),
+                                                    Path(QStringLiteral("system.ini")));
+        QVERIFY(QDir().mkpath(ToviEnvironment::SuiteFolder()));
+        DeliveryOptions options;
+        options.photoCount = 9;
+        options.images = DeliveryOptions::Images::Tiny;
+        options.drawingShare = 0.5;
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(Path(QStringLiteral("full")), options, &written, &error),
+                 qPrintable(error));
+        full = written.photoFolder;
+    }
+    void init() {
+        ui = CombineUi();
+        ToviUi::Install(&ui);
+    }
+    void cleanup() {
+        ToviUi::Install(nullptr);
+        document.reset();
+        ToviEnvironment::SetMountTableForTesting(QString());
+        ToviEnouDataFactory().DeleteTempData();
+        for (int n = 0; n < 3; ++n) {
+            QDir(Path(QStringLiteral("disc%1").arg(n))).removeRecursively();
+        }
+    }
+    void cleanupTestCase() { ToviEnvironment::SetSettingsPathsForTesting(QString(), QString()); }
+
+    // Three discs: each copied into the work area after the other, the dialog asked twice
+    // with fewer files missing the second time, and everything found in the end.
+    void threeDiscs() {
+        const QStringList discs{Disc(0, 3), Disc(1, 3), Disc(2, 3)};
+        Mounts({Path(QStringLiteral("disc0")), Path(QStringLiteral("disc1")),
+                Path(QStringLiteral("disc2"))});
+        Open(discs[0]);
+        QVERIFY(Missing() > 0);
+        ui.QueueDialog(true, {{Texts::FolderField(), discs[1]}});
+        ui.QueueDialog(true, {{Texts::FolderField(), discs[2]}});
+        ToviEnouDataFactory factory;
+        QVERIFY(factory.StartCombineProc(discs[0], document.get(), true));
+
+        QCOMPARE(ui.DialogNames(), QStringList(2, Texts::DialogName()));
+        const QVariantMap first = ui.DialogInputs()[0];
+        const QVariantMap second = ui.DialogInputs()[1];
+        QCOMPARE(first.value(Texts::FolderField()).toString(), discs[0]);
+        QCOMPARE(first.value(Texts::MessageField()).toString(), Texts::Message());
+        const QStringList firstMissing = first.value(Texts::MissingField()).toStringList();
+        const QStringList secondMissing = second.value(Texts::MissingField()).toStringList();
+        QCOMPARE(first.value(Texts::ListLabelField()).toString(),
+                 Texts::ListLabel(static_cast<int>(firstMissing.size())));
+        QVERIFY(secondMissing.size() < firstMissing.size());
+        QVERIFY(!secondMissing.isEmpty());
+
+        const QString photos = factory.CombinePhotoFolder();
+        QCOMPARE(factory.GetDataFolderPath(), photos);
+        QCOMPARE(document->RootPath(), MibNormalDir(photos));
+        QCOMPARE(document->Title(), photos);
+        QCOMPARE(Missing(), 0);
+        for (int i = 0; i < document->GetTotalCountPhoto(); ++i) {
+            QVERIFY(document->GetPhotoActualPhotoArray(i)->GetImagePath().startsWith(photos));
+        }
+        QVERIFY(MibIsFileExist(factory.CombineFolder() + QStringLiteral("/INDEX_C.XML")));
+        QCOMPARE(ui.waits, (QStringList{"1:" + Texts::Copying(), "end", "1:" + Texts::Copying(),
+                                        "end", "1:" + Texts::Copying(), "end"}));
+        QCOMPARE(ui.Questions().size(), 1);
+        QCOMPARE(ui.Questions()[0].text, Texts::Complete());
+
+        factory.DeleteTempData();
+        QVERIFY(!QFileInfo::exists(factory.CombineFolder()));
+        QCOMPARE(ui.waits.mid(6), (QStringList{"3:" + Texts::Deleting(), "end"}));
+    }
+
+    // A delivery on a fixed disk is opened in place: complete, it only says so; incomplete,
+    // the dialog comes up, refuses a folder without PHOTO.XML, and a cancel ends the run with
+    // the files still missing.
+    void fixedDisk() {
+        Mounts({});
+        Open(full);
+        ToviEnouDataFactory factory;
+        QVERIFY(factory.StartCombineProc(full, document.get(), true));
+        QCOMPARE(factory.GetDataFolderPath(), full);
+        QVERIFY(ui.DialogNames().isEmpty());
+        QCOMPARE(ui.Questions()[0].text, Texts::Complete());
+        QVERIFY(ui.waits.isEmpty());
+        QVERIFY(!QFileInfo::exists(factory.CombineFolder()));
+
+        ui = CombineUi();
+        const QString half = Disc(0, 2);
+        Open(half);
+        ui.QueueDialog(true, {{Texts::FolderField(), Path(QStringLiteral("work"))}});
+        ui.QueueDialog(false);
+        QVERIFY(factory.StartCombineProc(half, document.get(), true));
+        QCOMPARE(ui.DialogNames().size(), 2);
+        QCOMPARE(ui.DialogInputs()[1].value(Texts::FolderField()).toString(),
+                 Path(QStringLiteral("work")));
+        QCOMPARE(ui.Questions().size(), 1);
+        QCOMPARE(ui.Questions()[0].text, Texts::NoPhotoXml());
+        QVERIFY(Missing() > 0);
+        QVERIFY(!QFileInfo::exists(factory.CombineFolder()));
+    }
+
+    // A folder of no usable kind is refused; a disc that cannot be copied leaves no work area.
+    void failures() {
+        Mounts({Path(QStringLiteral("disc0"))});
+        Open(full);
+        const QString root = document->RootPath();
+        ToviEnouDataFactory factory;
+        QVERIFY(!factory.StartCombineProc(QStringLiteral("relative/PHOTO"), document.get(), true));
+        QCOMPARE(ui.Questions().last().text, Texts::BadFolder());
+        QCOMPARE(document->RootPath(), root);
+
+        QVERIFY(!factory.StartCombineProc(Path(QStringLiteral("disc0/INDEX_C/PHOTO")),
+                                          document.get(), true));
+        QCOMPARE(ui.Questions().last().text, Texts::CopyFailed());
+        QVERIFY(!QFileInfo::exists(factory.CombineFolder()));
+        QCOMPARE(document->RootPath(), root);
+    }
+};
+
+QTEST_MAIN(ToviCombineTest)
+#include "ToviCombineTest.moc"
