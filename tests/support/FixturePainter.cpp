@@ -197,6 +197,8 @@ void Dimension(QPainter& p, QPointF a, QPointF b, const QString& text, QPointF t
 
 QImage DrawSitePhoto(const BoardContent& board, QSize size) {
     QImage image(size, QImage::Format_RGB32);
+    // Sky first over the whole picture: antialiased edges blend with what lies beneath.
+    image.fill(QColor(165, 200, 232));
     const double w = size.width();
     const double h = size.height();
     quint64 state = board.seed;
@@ -205,7 +207,6 @@ QImage DrawSitePhoto(const BoardContent& board, QSize size) {
     p.setRenderHint(QPainter::TextAntialiasing);
 
     const double horizon = h * (0.38 + RandomUnit(state) * 0.08);
-    p.fillRect(QRectF(0, 0, w, horizon), QColor(165, 200, 232));
     p.setPen(Qt::NoPen);
     p.setBrush(QColor(70, 115, 70));
     QPolygonF hills{{0, horizon},
