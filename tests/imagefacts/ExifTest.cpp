@@ -26,11 +26,6 @@ QString Comment(const QString& path, int code) {
 
 const QString kUnknown = QStringLiteral("(不明)");
 
-QList<const ToviTextPairArray*> Groups(const ToviExifInfo& info) {
-    return {&info.GetDate(),   &info.GetImage(), &info.GetMaker(),
-            &info.GetFormat(), &info.GetShoot(), &info.GetGPS()};
-}
-
 QString ExifValue(const ToviPhoto& photo, const QString& title) {
     QString value = QStringLiteral("<untouched>");
     photo.GetExifInfoFromTitle(title, value);
@@ -199,6 +194,19 @@ private slots:
                 QVERIFY2(!LumImage::GetComment(path, code, text),
                          qPrintable(QString::number(code)));
             }
+            // Loaded all the same, with every row there so that positions still line up.
+            ToviExifInfo info;
+            info.Load(path);
+            QVERIFY(info.IsLoaded());
+            const QList<std::pair<const ToviTextPairArray*, qsizetype>> groups{
+                {&info.GetDate(), 3},   {&info.GetImage(), 2}, {&info.GetMaker(), 5},
+                {&info.GetFormat(), 1}, {&info.GetShoot(), 9}, {&info.GetGPS(), 3}};
+            for (const auto& [group, rows] : groups) {
+                QCOMPARE(group->size(), rows);
+                for (const ToviTextPair& pair : *group) {
+                    QCOMPARE(pair.GetValue(), kUnknown);
+                }
+            }
         }
         int width = 0;
         int height = 0;
@@ -271,33 +279,6 @@ private slots:
         QVERIFY(!LumImage::GetMainImageFromSvg(Path(QStringLiteral("missing.SVG")), out + "2"));
     }
 
-    void fileWithoutExifReadsUnknown_data() {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("plain JPEG")
-            << MakeExifJpeg(Picture({64, 48}), Facts([](ExifFacts& f) { f.writeExif = false; }));
-        QTest::newRow("missing file") << QByteArray("<none>");
-    }
-
-    void fileWithoutExifReadsUnknown() {
-        QFETCH(QByteArray, bytes);
-        const QString path = Path(QStringLiteral("P0000001.JPG"));
-        if (bytes != "<none>") {
-            QVERIFY(WriteBytes(path, bytes));
-        }
-        ToviExifInfo info;
-        info.Load(path);
-        // Loaded all the same, with every row there so that positions still line up.
-        QVERIFY(info.IsLoaded());
-        const QList<qsizetype> sizes{3, 2, 5, 1, 9, 3};
-        const QList<const ToviTextPairArray*> groups = Groups(info);
-        for (int g = 0; g < groups.size(); ++g) {
-            QCOMPARE(groups[g]->size(), sizes[g]);
-            for (const ToviTextPair& pair : *groups[g]) {
-                QCOMPARE(pair.GetValue(), kUnknown);
-            }
-        }
-    }
-
     void copyAndClearKeepTheImageGroup() {
         const QString big = Path(QStringLiteral("BIG.JPG"));
         const QString small = Path(QStringLiteral("SMALL.JPG"));
@@ -351,17 +332,15 @@ private slots:
         QCOMPARE(info.GetPath(), info.GetMainImagePath());
         QCOMPARE(info.GetMaker()[0].GetValue(), QStringLiteral("SVGCAM"));
         QCOMPARE(info.GetImage()[0].GetValue(), QStringLiteral("64 x 48"));
-    }
 
-    // The extension is compared case included: a lower-case .svg is read as it stands.
-    void lowerCaseSvgIsReadAsItStands() {
-        const QString svg = Path(QStringLiteral("P0000002.svg"));
-        QVERIFY(WriteBytes(svg, SvgWithJpeg(ExifFacts())));
-        ToviExifInfo info;
-        info.MakeMainImageFromSvg(svg);
-        QVERIFY(info.GetMainImagePath().isEmpty());
-        info.Load(svg);
-        QCOMPARE(info.GetPath(), svg);
+        // The extension is compared case included: a lower-case .svg is read as it stands.
+        const QString lower = Path(QStringLiteral("P0000002.svg"));
+        QVERIFY(WriteBytes(lower, SvgWithJpeg(ExifFacts())));
+        ToviExifInfo asItStands;
+        asItStands.MakeMainImageFromSvg(lower);
+        QVERIFY(asItStands.GetMainImagePath().isEmpty());
+        asItStands.Load(lower);
+        QCOMPARE(asItStands.GetPath(), lower);
     }
 
     void svgWithoutMainImageLeavesNoStaleWorkFile() {
@@ -432,61 +411,55 @@ private slots:
         QCOMPARE(ExifValue(photo, QStringLiteral("Exifバージョン")).isEmpty(), !hasExif);
     }
 
-    void pixelCount_data() {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("dimensions");
-        QTest::addColumn<QString>("pixels");
-
-        QTest::newRow("15,000 rounds up") << QSize(15000, 1) << "15000×1"
-                                          << "2万画素";
-        QTest::newRow("14,999 rounds down") << QSize(14999, 1) << "14999×1"
-                                            << "1万画素";
-        QTest::newRow("9,999 as it is") << QSize(9999, 1) << "9999×1"
-                                        << "9999画素";
-    }
-
-    void fileSize_data() {
-        QTest::addColumn<qsizetype>("bytes");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("1,023 bytes") << qsizetype(1023) << "0 KB";
-        QTest::newRow("just under 1 MB") << qsizetype(1048575) << "1023 KB";
-    }
-    void fileSize() {
-        QFETCH(qsizetype, bytes);
-        const QString path = Path(QStringLiteral("P0000001.JPG"));
-        QVERIFY(WriteBytes(path, QByteArray(bytes, 'x')));
-        QTEST(FileValue(ToviPhoto(path), QStringLiteral("ファイルサイズ")), "shown");
-    }
-
-    // 読み取り専用 is Yes for a read-only file, but not for a hidden one.
-    void readOnly_data() {
+    // What a photograph answers about its file: the size in whole KB, the pixel count in 万
+    // rounded half up, read-only but not when hidden, nothing for an unknown title.
+    void fileFacts_data() {
         QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("read-only") << "P1.JPG"
+
+        const auto jpeg = [](QSize size) {
+            return MakeExifJpeg(Picture(size), Facts([](ExifFacts& f) { f.writeExif = false; }));
+        };
+        const QByteArray bytes(5, 'x');
+        QTest::newRow("width x height") << "P1.JPG" << jpeg({9999, 1}) << false << "幅×高さ"
+                                        << "9999×1";
+        QTest::newRow("15,000 rounds up") << "P1.JPG" << jpeg({15000, 1}) << false << "総画素数"
+                                          << "2万画素";
+        QTest::newRow("14,999 rounds down") << "P1.JPG" << jpeg({14999, 1}) << false << "総画素数"
+                                            << "1万画素";
+        QTest::newRow("9,999 as it is") << "P1.JPG" << jpeg({9999, 1}) << false << "総画素数"
+                                        << "9999画素";
+        QTest::newRow("1,023 bytes")
+            << "P1.JPG" << QByteArray(1023, 'x') << false << "ファイルサイズ"
+            << "0 KB";
+        QTest::newRow("just under 1 MB")
+            << "P1.JPG" << QByteArray(1048575, 'x') << false << "ファイルサイズ"
+            << "1023 KB";
+        QTest::newRow("read-only") << "P1.JPG" << bytes << true << "読み取り専用"
                                    << "Yes";
-        QTest::newRow("read-only and hidden") << ".P1.JPG"
+        QTest::newRow("read-only and hidden") << ".P1.JPG" << bytes << true << "読み取り専用"
                                               << "No";
+        QTest::newRow("unknown title") << "P1.JPG" << bytes << false << "種類"
+                                       << "";
     }
-    void readOnly() {
+    void fileFacts() {
         QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, readOnly);
+        QFETCH(QString, title);
+
         const QString path = Path(name);
-        QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
-        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner));
-        QTEST(FileValue(ToviPhoto(path), QStringLiteral("読み取り専用")), "shown");
-        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-    }
-
-    void pixelCount() {
-        QFETCH(QSize, size);
-        QFETCH(QString, dimensions);
-        QFETCH(QString, pixels);
-
-        const QString path = Path(QStringLiteral("P0000001.JPG"));
-        QVERIFY(
-            WriteExifJpeg(path, Picture(size), Facts([](ExifFacts& f) { f.writeExif = false; })));
-        const ToviPhoto photo(path);
-        QCOMPARE(FileValue(photo, QStringLiteral("幅×高さ")), dimensions);
-        QCOMPARE(FileValue(photo, QStringLiteral("総画素数")), pixels);
+        QVERIFY(WriteBytes(path, bytes));
+        QVERIFY(QFile::setPermissions(
+            path, QFileDevice::ReadOwner |
+                      (readOnly ? QFileDevice::Permissions() : QFileDevice::WriteOwner)));
+        QTEST(FileValue(ToviPhoto(path), title), "shown");
+        if (readOnly) {
+            QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner));
+        }
     }
 
     void missingFileHasNoFacts() {
@@ -501,10 +474,6 @@ private slots:
             }
             QCOMPARE(ExifValue(photo, QStringLiteral("撮影日時")), QString());
         }
-        // A known file and an unknown title.
-        const QString path = Path(QStringLiteral("P1.JPG"));
-        QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
-        QCOMPARE(FileValue(ToviPhoto(path), QStringLiteral("種類")), QString());
     }
 
 private:
