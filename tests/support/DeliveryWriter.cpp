@@ -313,6 +313,17 @@ QString ControlValue(Rng& rng) {
     return out.join(QStringLiteral("、"));
 }
 
+// Up to most words, or none when the chance is missed.
+QStringList Repeats(Rng& rng, int most, double chance, const std::array<const char*, 4>& words) {
+    QStringList out;
+    if (most > 0 && rng.Chance(chance)) {
+        for (int k = rng.Range(1, most); k > 0; --k) {
+            out << Text(rng.Pick(words));
+        }
+    }
+    return out;
+}
+
 PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOptions& options,
                     int index, int* drawingCounter) {
     const Shape shape = delivery.info->shape;
@@ -324,12 +335,9 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
     p.fileName = QStringLiteral("P%1.JPG").arg(p.serial, 7, 10, QLatin1Char('0'));
 
     const int majorPick = rng.Weighted(std::array<int, 3>{88, 7, 5});
-    const QString major = majorPick == 0   ? QStringLiteral("工事")
-                          : majorPick == 1 ? QStringLiteral("測量")
-                                           : QStringLiteral("調査");
     const bool works = majorPick == 0;
     if (shape != Shape::Flat11 || rng.Chance(classified)) {
-        p.major = major;
+        p.major = Text(std::array{"工事", "測量", "調査"}[static_cast<size_t>(majorPick)]);
     }
     const auto& table = delivery.river ? kRiverWorks : kRoadWorks;
     p.work = &table[static_cast<size_t>(rng.Below(static_cast<int>(table.size())))];
@@ -378,11 +386,8 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
         p.japaneseName =
             QStringLiteral("%1_%2.JPG").arg(base).arg(p.serial, 4, 10, QLatin1Char('0'));
     }
-    if (options.maxRepeats > 0 && shape != Shape::Flat11 && rng.Chance(optional * 0.5)) {
-        const int n = rng.Range(1, options.maxRepeats);
-        for (int k = 0; k < n; ++k) {
-            p.kubunSpares << Text(rng.Pick(kKubunSpares));
-        }
+    if (shape != Shape::Flat11) {
+        p.kubunSpares = Repeats(rng, options.maxRepeats, optional * 0.5, kKubunSpares);
     }
 
     if (rng.Chance(options.drawingShare)) {
@@ -399,12 +404,7 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
             if (shape == Shape::S05 && rng.Chance(optional)) {
                 d.japaneseName = QString(d.title).remove(QLatin1Char(' ')) + QStringLiteral(".JPG");
             }
-            if (options.maxRepeats > 0 && rng.Chance(optional * 0.5)) {
-                const int spares = rng.Range(1, options.maxRepeats);
-                for (int s = 0; s < spares; ++s) {
-                    d.spares << Text(rng.Pick(kDrawingSpares));
-                }
-            }
+            d.spares = Repeats(rng, options.maxRepeats, optional * 0.5, kDrawingSpares);
             p.drawings << d;
         }
     }
@@ -418,11 +418,9 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
     const bool dateRequired = shape == Shape::S04 || shape == Shape::S05;
     // 撮影情報 is never written empty: a photograph without a place keeps its date.
     p.dateWritten = dateRequired || rng.Chance(classified) || (shape != Shape::Flat11 && !p.place);
-    p.representative =
-        rng.Chance(categoryIndex == 0 ? 0.6 : 0.08) ? QStringLiteral("1") : QStringLiteral("0");
-    const bool submissionOptional = delivery.info->family == 2;
-    const QString submission = rng.Chance(0.4) ? QStringLiteral("1") : QStringLiteral("0");
-    if (!submissionOptional || rng.Chance(optional)) {
+    p.representative = rng.Chance(categoryIndex == 0 ? 0.6 : 0.08) ? "1" : "0";
+    const QString submission = rng.Chance(0.4) ? "1" : "0";
+    if (delivery.info->family != 2 || rng.Chance(optional)) {  // optional for 農水省 only
         p.submission = submission;
     }
     const bool measured = works && (categoryIndex == 4 || categoryIndex == 5);
@@ -433,7 +431,7 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
         p.explanation = Text(rng.Pick(kExplanations));
     }
     if (shape == Shape::Flat11 && rng.Chance(optional * 0.5)) {
-        p.seiriFlag = rng.Chance(0.5) ? QStringLiteral("1") : QStringLiteral("0");
+        p.seiriFlag = rng.Chance(0.5) ? "1" : "0";
     }
     return p;
 }
