@@ -290,42 +290,28 @@ QByteArray MakeExifJpeg(const QImage& image, const ExifFacts& facts, int quality
         return jpeg;
     }
 
-    QImage thumbImage;
+    QByteArray thumbnail;
     if (facts.embedThumbnail && !facts.thumbnailSize.isEmpty()) {
         // Stretched to exactly the asked size, whatever the picture's proportions.
-        thumbImage = QImage(facts.thumbnailSize, QImage::Format_RGB32);
-        QPainter painter(&thumbImage);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(thumbImage.rect(), image);
+        QImage thumbImage(facts.thumbnailSize, QImage::Format_RGB32);
+        {
+            QPainter painter(&thumbImage);
+            painter.setRenderHint(QPainter::SmoothPixmapTransform);
+            painter.drawImage(thumbImage.rect(), image);
+        }
+        thumbnail = StripJfif(EncodeJpeg(thumbImage, 80));
+        if (thumbnail.isEmpty()) {
+            return {};
+        }
     }
+    const QByteArray tiff = BuildTiff(facts, image.size(), thumbnail);
     // A segment's length field is 16 bits and counts itself; "Exif\0\0" takes 6 more.
-    constexpr int kMaxTiff = 0xFFFF - 2 - 6;
-    for (int thumbQuality = 80;; thumbQuality -= 15) {
-        QByteArray thumbnail;
-        if (!thumbImage.isNull()) {
-            thumbnail = StripJfif(EncodeJpeg(thumbImage, std::max(thumbQuality, 5)));
-            if (thumbnail.isEmpty()) {
-                return {};
-            }
-        }
-        const QByteArray tiff = BuildTiff(facts, image.size(), thumbnail);
-        if (tiff.size() > kMaxTiff) {
-            if (thumbImage.isNull() || thumbQuality <= 5) {
-                return {};
-            }
-            continue;
-        }
-        QByteArray out = jpeg.left(2);
-        const int length = 2 + 6 + static_cast<int>(tiff.size());
-        out.append('\xFF');
-        out.append('\xE1');
-        out.append(static_cast<char>(length >> 8));
-        out.append(static_cast<char>(length & 0xff));
-        out.append("Exif\0\0", 6);
-        out.append(tiff);
-        out.append(jpeg.mid(rest));
-        return out;
+    const int length = 2 + 6 + static_cast<int>(tiff.size());
+    if (length > 0xFFFF) {
+        return {};
     }
+    return jpeg.left(2) + QByteArray("\xFF\xE1", 2) + static_cast<char>(length >> 8) +
+           static_cast<char>(length & 0xff) + QByteArray("Exif\0\0", 6) + tiff + jpeg.mid(rest);
 }
 
 bool WriteExifJpeg(const QString& path, const QImage& image, const ExifFacts& facts, int quality) {
