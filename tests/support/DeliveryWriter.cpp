@@ -63,8 +63,8 @@ quint64 SubSeed(quint32 seed, int index, quint64 salt) {
 // The element trees differ by these shapes; the generations map onto them.
 enum class Shape { Flat11, S02, S03, S04, S05 };
 
+// In the order of Generation.
 struct GenerationInfo {
-    Generation generation;
     const char* section;
     const char* ascii;
     const char* dtd;
@@ -77,37 +77,32 @@ struct GenerationInfo {
 };
 
 const std::array<GenerationInfo, 11> kGenerations = {{
-    {Generation::Mlit11, "国交省-11", "mlit-11", "PHOTO.DTD", "1.00", 0, Shape::Flat11,
-     "土木199908-01", 2000, "INDE_C01.DTD"},
-    {Generation::Mlit14, "国交省-14", "mlit-14", "PHOTO02.DTD", "02", 0, Shape::S02,
-     "土木200207-01", 2003, "INDE_C02.DTD"},
-    {Generation::Mlit16, "国交省-16", "mlit-16", "PHOTO03.DTD", "03", 0, Shape::S03,
-     "土木200406-01", 2005, "INDE_C03.DTD"},
-    {Generation::Mlit18, "国交省-18", "mlit-18", "PHOTO04.DTD", "04", 0, Shape::S04,
-     "土木200601-01", 2007, "INDE_C03.DTD"},
-    {Generation::Mlit20, "国交省-20", "mlit-20", "PHOTO05.DTD", "05", 0, Shape::S05,
-     "土木202303-01", 2023, "INDE_C05.DTD"},
-    {Generation::Maff15, "農水省-15", "maff-15", "PHOTO02N.DTD", "02", 2, Shape::S02,
-     "農業土木200303-01", 2004, "INDE_C02.DTD"},
-    {Generation::Maff17, "農水省-17", "maff-17", "PHOTO03.DTD", "03", 2, Shape::S03,
-     "農業土木200504-01", 2006, "INDE_C03.DTD"},
-    {Generation::Maff23, "農水省-23", "maff-23", "PHOTO05.DTD", "05", 2, Shape::S05,
-     "農業土木201104-01", 2013, "INDE_C04.DTD"},
-    {Generation::Nexco14, "NEXCO-14", "nexco-14", "PHOTO02.DTD", "02", 3, Shape::S02, "JH200204-01",
-     2004, "INDE_C02.DTD"},
-    {Generation::Nexco18, "NEXCO-18", "nexco-18", "PHOTO03.DTD", "03", 3, Shape::S04,
-     "NEXCO200607-01", 2008, "INDE_C03.DTD"},
-    {Generation::Nexco24, "NEXCO-24", "nexco-24", "PHOTO04.DTD", "04", 3, Shape::S05,
-     "NEXCO201207-01", 2014, "INDE_C04.DTD"},
+    {"国交省-11", "mlit-11", "PHOTO.DTD", "1.00", 0, Shape::Flat11, "土木199908-01", 2000,
+     "INDE_C01.DTD"},
+    {"国交省-14", "mlit-14", "PHOTO02.DTD", "02", 0, Shape::S02, "土木200207-01", 2003,
+     "INDE_C02.DTD"},
+    {"国交省-16", "mlit-16", "PHOTO03.DTD", "03", 0, Shape::S03, "土木200406-01", 2005,
+     "INDE_C03.DTD"},
+    {"国交省-18", "mlit-18", "PHOTO04.DTD", "04", 0, Shape::S04, "土木200601-01", 2007,
+     "INDE_C03.DTD"},
+    {"国交省-20", "mlit-20", "PHOTO05.DTD", "05", 0, Shape::S05, "土木202303-01", 2023,
+     "INDE_C05.DTD"},
+    {"農水省-15", "maff-15", "PHOTO02N.DTD", "02", 2, Shape::S02, "農業土木200303-01", 2004,
+     "INDE_C02.DTD"},
+    {"農水省-17", "maff-17", "PHOTO03.DTD", "03", 2, Shape::S03, "農業土木200504-01", 2006,
+     "INDE_C03.DTD"},
+    {"農水省-23", "maff-23", "PHOTO05.DTD", "05", 2, Shape::S05, "農業土木201104-01", 2013,
+     "INDE_C04.DTD"},
+    {"NEXCO-14", "nexco-14", "PHOTO02.DTD", "02", 3, Shape::S02, "JH200204-01", 2004,
+     "INDE_C02.DTD"},
+    {"NEXCO-18", "nexco-18", "PHOTO03.DTD", "03", 3, Shape::S04, "NEXCO200607-01", 2008,
+     "INDE_C03.DTD"},
+    {"NEXCO-24", "nexco-24", "PHOTO04.DTD", "04", 3, Shape::S05, "NEXCO201207-01", 2014,
+     "INDE_C04.DTD"},
 }};
 
 const GenerationInfo& Info(Generation generation) {
-    for (const GenerationInfo& info : kGenerations) {
-        if (info.generation == generation) {
-            return info;
-        }
-    }
-    return kGenerations[4];
+    return kGenerations[static_cast<size_t>(generation)];
 }
 
 struct WorkRow {
@@ -740,8 +735,8 @@ int FamilyOf(Generation generation) {
 
 QList<Generation> AllGenerations() {
     QList<Generation> all;
-    for (const GenerationInfo& info : kGenerations) {
-        all << info.generation;
+    for (size_t i = 0; i < kGenerations.size(); ++i) {
+        all << static_cast<Generation>(i);
     }
     return all;
 }
@@ -750,7 +745,7 @@ bool GenerationFromName(const QString& name, Generation* generation) {
     for (const GenerationInfo& info : kGenerations) {
         if (name == Text(info.section) ||
             name.compare(QLatin1String(info.ascii), Qt::CaseInsensitive) == 0) {
-            *generation = info.generation;
+            *generation = static_cast<Generation>(&info - kGenerations.data());
             return true;
         }
     }
