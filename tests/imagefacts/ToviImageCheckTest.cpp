@@ -22,6 +22,11 @@ namespace {
 // What a program folder holds of one verifier library.
 enum class Lib { Missing, Full, Partial, NotALibrary, LowerCaseName };
 
+constexpr Status kUnaltered = ToviCheckProcessor::StatusUnaltered;
+constexpr Status kAltered = ToviCheckProcessor::StatusAltered;
+constexpr Status kOutside = ToviCheckProcessor::StatusOutsideTarget;
+constexpr Status kError = ToviCheckProcessor::StatusError;
+
 const char kMaker[] = "RVJ_Verify";
 const char kHashJpeg[] = "JCOMSIA_CheckHashValue";
 const char kHashSvg[] = "JCOMSIA_SVG_CheckHashValue";
@@ -71,17 +76,13 @@ private slots:
         QTest::addColumn<int>("code");
         QTest::addColumn<Status>("status");
 
-        const Status unaltered = ToviCheckProcessor::StatusUnaltered;
-        const Status altered = ToviCheckProcessor::StatusAltered;
-        const Status outside = ToviCheckProcessor::StatusOutsideTarget;
-        const Status error = ToviCheckProcessor::StatusError;
         // The two hash tables differ on -3, -301 and -307: those rows show the wrong table.
         const QList<std::tuple<const char*, int, Status>> rows{
-            {"maker", 0, unaltered}, {"maker", 1, altered},  {"maker", 2, outside},
-            {"maker", 3, error},     {"jpeg", 1, unaltered}, {"jpeg", -307, altered},
-            {"jpeg", -303, outside}, {"jpeg", -3, error},    {"jpeg", -301, error},
-            {"svg", -3, altered},    {"svg", -301, outside}, {"svg", -307, outside},
-            {"svg", 2, error},
+            {"maker", 0, kUnaltered}, {"maker", 1, kAltered},  {"maker", 2, kOutside},
+            {"maker", 3, kError},     {"jpeg", 1, kUnaltered}, {"jpeg", -307, kAltered},
+            {"jpeg", -303, kOutside}, {"jpeg", -3, kError},    {"jpeg", -301, kError},
+            {"svg", -3, kAltered},    {"svg", -301, kOutside}, {"svg", -307, kOutside},
+            {"svg", 2, kError},
         };
         for (const auto& [kind, code, status] : rows) {
             QTest::addRow("%s %d", kind, code) << QString::fromLatin1(kind) << code << status;
@@ -169,26 +170,19 @@ private slots:
         const QString m = QString::fromLatin1(kMaker);
         const QString h = QString::fromLatin1(kHashJpeg);
         QTest::newRow("maker's outside target stops the chain")
-            << "0,1" << g800 << Markers(2, 1) << 2 << ToviCheckProcessor::StatusOutsideTarget
-            << QStringList{m};
+            << "0,1" << g800 << Markers(2, 1) << 2 << kOutside << QStringList{m};
         QTest::newRow("another camera: the hash checker decides")
-            << "0,1" << other << Markers(0, 0) << 2 << ToviCheckProcessor::StatusAltered
-            << QStringList{h};
+            << "0,1" << other << Markers(0, 0) << 2 << kAltered << QStringList{h};
         QTest::newRow("maker's error goes on")
-            << "0,1" << g800 << Markers(7, 1) << 2 << ToviCheckProcessor::StatusUnaltered
-            << QStringList{m, h};
+            << "0,1" << g800 << Markers(7, 1) << 2 << kUnaltered << QStringList{m, h};
         QTest::newRow("hash outside, maker decides")
-            << "1,0" << g800 << Markers(1, -305) << 2 << ToviCheckProcessor::StatusAltered
-            << QStringList{h, m};
+            << "1,0" << g800 << Markers(1, -305) << 2 << kAltered << QStringList{h, m};
         QTest::newRow("hash error, maker outside")
-            << "2,1,0" << g800 << Markers(2, 99) << 3 << ToviCheckProcessor::StatusOutsideTarget
-            << QStringList{h, h, m};
+            << "2,1,0" << g800 << Markers(2, 99) << 3 << kOutside << QStringList{h, h, m};
         QTest::newRow("unknown types are skipped")
-            << "3,9,255,1" << other << Markers(0, 1) << 1 << ToviCheckProcessor::StatusUnaltered
-            << QStringList{h};
+            << "3,9,255,1" << other << Markers(0, 1) << 1 << kUnaltered << QStringList{h};
         QTest::newRow("only the maker, no target")
-            << "0" << other << Markers(0, 1) << 1 << ToviCheckProcessor::StatusError
-            << QStringList{};
+            << "0" << other << Markers(0, 1) << 1 << kError << QStringList{};
     }
     void chainOrder() {
         QFETCH(QString, types);
@@ -219,18 +213,16 @@ private slots:
         QTest::addColumn<int>("processors");
         QTest::addColumn<Status>("status");
 
-        QTest::newRow("both missing") << Lib::Missing << Lib::Missing << "0,2,1" << false << 0
-                                      << ToviCheckProcessor::StatusError;
+        QTest::newRow("both missing")
+            << Lib::Missing << Lib::Missing << "0,2,1" << false << 0 << kError;
         QTest::newRow("maker lacks its function, hash decides")
-            << Lib::Partial << Lib::Full << "0,1" << false << 2
-            << ToviCheckProcessor::StatusAltered;
+            << Lib::Partial << Lib::Full << "0,1" << false << 2 << kAltered;
         QTest::newRow("hash lacks the SVG function")
-            << Lib::Missing << Lib::Partial << "1" << true << 1 << ToviCheckProcessor::StatusError;
+            << Lib::Missing << Lib::Partial << "1" << true << 1 << kError;
         QTest::newRow("hash no library, maker decides")
-            << Lib::Full << Lib::NotALibrary << "2,0" << false << 1
-            << ToviCheckProcessor::StatusUnaltered;
-        QTest::newRow("name in another case") << Lib::Missing << Lib::LowerCaseName << "1" << false
-                                              << 1 << ToviCheckProcessor::StatusAltered;
+            << Lib::Full << Lib::NotALibrary << "2,0" << false << 1 << kUnaltered;
+        QTest::newRow("name in another case")
+            << Lib::Missing << Lib::LowerCaseName << "1" << false << 1 << kAltered;
     }
     void badLibraries() {
         QFETCH(Lib, maker);
@@ -252,10 +244,10 @@ private slots:
 
         // A checker asked directly without its library answers an error, never a crash.
         if (hash == Lib::Missing || hash == Lib::NotALibrary) {
-            QCOMPARE(ToviJacicImageChecker().Check(path), ToviCheckProcessor::StatusError);
+            QCOMPARE(ToviJacicImageChecker().Check(path), kError);
         }
         if (maker != Lib::Full) {
-            QCOMPARE(ToviRicohImageChecker().Check(path), ToviCheckProcessor::StatusError);
+            QCOMPARE(ToviRicohImageChecker().Check(path), kError);
         }
     }
 
