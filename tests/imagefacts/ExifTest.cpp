@@ -334,6 +334,18 @@ private slots:
         QCOMPARE(info.GetMaker()[0].GetValue(), QStringLiteral("SVGCAM"));
         QCOMPARE(info.GetImage()[0].GetValue(), QStringLiteral("64 x 48"));
 
+        // Photographs of one file title share the work file. One without a main image reads
+        // as unknown, not as the other one's camera.
+        QVERIFY(QDir().mkpath(Path(QStringLiteral("b"))));
+        const QString second = Path(QStringLiteral("b/P0000007.SVG"));
+        QVERIFY(WriteBytes(second, SvgWithHref("data:image/jpeg;base64,####")));
+        ToviExifInfo two;
+        two.MakeMainImageFromSvg(second);
+        QCOMPARE(two.GetMainImagePath(), info.GetMainImagePath());
+        QVERIFY(!QFile::exists(two.GetMainImagePath()));
+        two.Load(second);
+        QCOMPARE(two.GetMaker()[0].GetValue(), kUnknown);
+
         // The extension is compared case included: a lower-case .svg is read as it stands.
         const QString lower = Path(QStringLiteral("P0000002.svg"));
         QVERIFY(WriteBytes(lower, SvgWithJpeg(ExifFacts())));
@@ -342,29 +354,6 @@ private slots:
         QVERIFY(asItStands.GetMainImagePath().isEmpty());
         asItStands.Load(lower);
         QCOMPARE(asItStands.GetPath(), lower);
-    }
-
-    void svgWithoutMainImageLeavesNoStaleWorkFile() {
-        // Two SVG photographs of one file title share the work file. The second has no main
-        // image: it must read as unknown, not as the first one's camera.
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("a"))));
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("b"))));
-        const QString first = Path(QStringLiteral("a/P0000001.SVG"));
-        const QString second = Path(QStringLiteral("b/P0000001.SVG"));
-        QVERIFY(WriteBytes(first, SvgWithJpeg(Make("FIRST"))));
-        QVERIFY(WriteBytes(second, SvgWithHref("data:image/jpeg;base64,####")));
-
-        ToviExifInfo one;
-        one.MakeMainImageFromSvg(first);
-        one.Load(first);
-        QCOMPARE(one.GetMaker()[0].GetValue(), QStringLiteral("FIRST"));
-
-        ToviExifInfo two;
-        two.MakeMainImageFromSvg(second);
-        QCOMPARE(two.GetMainImagePath(), one.GetMainImagePath());
-        QVERIFY(!QFile::exists(two.GetMainImagePath()));
-        two.Load(second);
-        QCOMPARE(two.GetMaker()[0].GetValue(), kUnknown);
     }
 
     void checkExif_data() {
