@@ -91,8 +91,8 @@ private slots:
             << "A:設計値 1・・実測 2" << true << QStringList{"A|1・|2|"};
 
         // Trimming: ASCII blanks, tabs and line ends go; a full-width space stays.
-        QTest::newRow("blanks around everything")
-            << "  A  :\t設計値  100 ・ 実測値 98\r\n" << true << QStringList{"A|100|98|"};
+        QTest::newRow("blanks around everything") << "  A  :\t設計値  100 ・ 実測値 98\r\n"
+                                                  << true << QStringList{"A|100|98|"};
         QTest::newRow("full-width space before a word")
             << "A:　設計値 100" << false << QStringList{};
     }
