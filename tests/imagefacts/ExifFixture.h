@@ -27,11 +27,9 @@ inline QImage Picture(QSize size) {
     return image;
 }
 
-inline ExifFacts Facts(const std::function<void(ExifFacts&)>& change = {}) {
+inline ExifFacts Facts(const std::function<void(ExifFacts&)>& change) {
     ExifFacts facts;
-    if (change) {
-        change(facts);
-    }
+    change(facts);
     return facts;
 }
 
@@ -88,30 +86,23 @@ inline void PutLe(QByteArray& bytes, qsizetype at, quint32 value, int size) {
     }
 }
 
-// Position of the directory entry (tag, type, count) in the writer's little-endian Exif block,
-// and of the block's TIFF header; -1 when there is none.
-inline qsizetype FindEntry(const QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
-                           qsizetype* tiff) {
-    *tiff = jpeg.indexOf(QByteArray("Exif\0\0", 6));
-    if (*tiff < 0) {
-        return -1;
-    }
-    *tiff += 6;
+// Overwrites one entry (tag, type, count) of the writer's little-endian Exif block: its value
+// with bytes of the same length, or, given no bytes, its count with a huge one. False when the
+// entry is not there.
+inline bool Patch(QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
+                  const QByteArray& value) {
+    const qsizetype tiff = jpeg.indexOf(QByteArray("Exif\0\0", 6)) + 6;
     QByteArray pattern(8, '\0');
     PutLe(pattern, 0, tag, 2);
     PutLe(pattern, 2, type, 2);
     PutLe(pattern, 4, count, 4);
-    return jpeg.indexOf(pattern, *tiff);
-}
-
-// Overwrites the value of one entry with bytes of the same length; false when the entry is
-// not there.
-inline bool PatchValue(QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
-                       const QByteArray& value) {
-    qsizetype tiff = 0;
-    const qsizetype entry = FindEntry(jpeg, tag, type, count, &tiff);
+    const qsizetype entry = tiff < 6 ? -1 : jpeg.indexOf(pattern, tiff);
     if (entry < 0) {
         return false;
+    }
+    if (value.isEmpty()) {
+        PutLe(jpeg, entry + 4, 0x7FFFFFFF, 4);
+        return true;
     }
     const qsizetype at = value.size() <= 4
                              ? entry + 8
@@ -120,18 +111,6 @@ inline bool PatchValue(QByteArray& jpeg, quint16 tag, quint16 type, quint32 coun
         return false;
     }
     jpeg.replace(at, value.size(), value);
-    return true;
-}
-
-// Overwrites the count of one entry.
-inline bool PatchCount(QByteArray& jpeg, quint16 tag, quint16 type, quint32 count,
-                       quint32 newCount) {
-    qsizetype tiff = 0;
-    const qsizetype entry = FindEntry(jpeg, tag, type, count, &tiff);
-    if (entry < 0) {
-        return false;
-    }
-    PutLe(jpeg, entry + 4, newCount, 4);
     return true;
 }
 

@@ -26,9 +26,12 @@ QString Comment(const QString& path, int code) {
 
 const QString kUnknown = QStringLiteral("(不明)");
 
-QList<const ToviTextPairArray*> Groups(const ToviExifInfo& info) {
-    return {&info.GetDate(),   &info.GetImage(), &info.GetMaker(),
-            &info.GetFormat(), &info.GetShoot(), &info.GetGPS()};
+ExifFacts Make(const char* make) {
+    return Facts([&](ExifFacts& f) { f.make = QString::fromLatin1(make); });
+}
+
+ExifFacts NoExif() {
+    return Facts([](ExifFacts& f) { f.writeExif = false; });
 }
 
 QString ExifValue(const ToviPhoto& photo, const QString& title) {
@@ -77,7 +80,7 @@ private slots:
             f.altitude = -5.0;
         };
 
-        QTest::newRow("no software") << Facts() << int(LumCmntSoftware) << kAbsent;
+        QTest::newRow("no software") << ExifFacts() << int(LumCmntSoftware) << kAbsent;
         QTest::newRow("version 2.21") << Facts([](ExifFacts& f) { f.exifVersion = "0221"; })
                                       << int(LumCmntExifVersion) << "2.21";
         QTest::newRow("exposure 2 s") << Facts([](ExifFacts& f) { f.exposureTime = 2.0; })
@@ -91,7 +94,7 @@ private slots:
         QTest::newRow("latitude south")
             << Facts(southWest) << int(LumCmntGPSLatitude) << "S 33°52'07.68\"";
         QTest::newRow("below sea level") << Facts(southWest) << int(LumCmntGPSAltitude) << "-5.0 m";
-        QTest::newRow("code out of range") << Facts() << 99 << kAbsent;
+        QTest::newRow("code out of range") << ExifFacts() << 99 << kAbsent;
     }
 
     void fieldText() {
@@ -152,8 +155,7 @@ private slots:
         const auto t = static_cast<quint16>(tag);
         const auto y = static_cast<quint16>(type);
         const auto c = static_cast<quint32>(count);
-        QVERIFY(value.isEmpty() ? PatchCount(jpeg, t, y, c, 0x7FFFFFFF)
-                                : PatchValue(jpeg, t, y, c, value));
+        QVERIFY(Patch(jpeg, t, y, c, value));
         const QString path = Path(QStringLiteral("P0000001.JPG"));
         QVERIFY(WriteBytes(path, jpeg));
 
@@ -174,8 +176,7 @@ private slots:
         const qsizetype app1End = jpeg.indexOf(QByteArray("\xFF\xDB", 2));  // tables after APP1
         QVERIFY(app1End > 0);
         QTest::newRow("plain JPEG")
-            << MakeExifJpeg(Picture({320, 240}), Facts([](ExifFacts& f) { f.writeExif = false; }))
-            << false << QSize(320, 240);
+            << MakeExifJpeg(Picture({320, 240}), NoExif()) << false << QSize(320, 240);
         QTest::newRow("cut in the picture")
             << jpeg.left(jpeg.size() - 300) << true << QSize(320, 240);
         QTest::newRow("cut in the Exif block") << jpeg.left(app1End / 2) << false << QSize();
@@ -199,6 +200,19 @@ private slots:
                 QVERIFY2(!LumImage::GetComment(path, code, text),
                          qPrintable(QString::number(code)));
             }
+            // Loaded all the same, with every row there so that positions still line up.
+            ToviExifInfo info;
+            info.Load(path);
+            QVERIFY(info.IsLoaded());
+            const QList<std::pair<const ToviTextPairArray*, qsizetype>> groups{
+                {&info.GetDate(), 3},   {&info.GetImage(), 2}, {&info.GetMaker(), 5},
+                {&info.GetFormat(), 1}, {&info.GetShoot(), 9}, {&info.GetGPS(), 3}};
+            for (const auto& [group, rows] : groups) {
+                QCOMPARE(group->size(), rows);
+                for (const ToviTextPair& pair : *group) {
+                    QCOMPARE(pair.GetValue(), kUnknown);
+                }
+            }
         }
         int width = 0;
         int height = 0;
@@ -213,16 +227,13 @@ private slots:
         // length: each answer is that of the file as it is now.
         const QString first = Path(QStringLiteral("A.JPG"));
         const QString second = Path(QStringLiteral("B.JPG"));
-        QVERIFY(
-            WriteExifJpeg(first, Picture({64, 48}), Facts([](ExifFacts& f) { f.make = "AAAA"; })));
-        QVERIFY(
-            WriteExifJpeg(second, Picture({64, 48}), Facts([](ExifFacts& f) { f.make = "BBBB"; })));
+        QVERIFY(WriteExifJpeg(first, Picture({64, 48}), Make("AAAA")));
+        QVERIFY(WriteExifJpeg(second, Picture({64, 48}), Make("BBBB")));
         QCOMPARE(Comment(first, LumCmntMake), QStringLiteral("AAAA"));
         QCOMPARE(Comment(second, LumCmntMake), QStringLiteral("BBBB"));
         QCOMPARE(Comment(first, LumCmntMake), QStringLiteral("AAAA"));
 
-        QVERIFY(
-            WriteExifJpeg(first, Picture({64, 48}), Facts([](ExifFacts& f) { f.make = "CCCC"; })));
+        QVERIFY(WriteExifJpeg(first, Picture({64, 48}), Make("CCCC")));
         QCOMPARE(Comment(first, LumCmntMake), QStringLiteral("CCCC"));
         QVERIFY(QFile::remove(first));
         QCOMPARE(Comment(first, LumCmntMake), kAbsent);
@@ -232,7 +243,7 @@ private slots:
         QTest::addColumn<QByteArray>("svg");
         QTest::addColumn<bool>("written");
 
-        const ExifFacts facts = Facts([](ExifFacts& f) { f.make = "SVGCAM"; });
+        const ExifFacts facts = Make("SVGCAM");
         const QByteArray jpeg = MakeExifJpeg(Picture({64, 48}), facts);
         const QByteArray base64 = jpeg.toBase64();
         QByteArray wrapped;
@@ -271,40 +282,11 @@ private slots:
         QVERIFY(!LumImage::GetMainImageFromSvg(Path(QStringLiteral("missing.SVG")), out + "2"));
     }
 
-    void fileWithoutExifReadsUnknown_data() {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("plain JPEG")
-            << MakeExifJpeg(Picture({64, 48}), Facts([](ExifFacts& f) { f.writeExif = false; }));
-        QTest::newRow("missing file") << QByteArray("<none>");
-    }
-
-    void fileWithoutExifReadsUnknown() {
-        QFETCH(QByteArray, bytes);
-        const QString path = Path(QStringLiteral("P0000001.JPG"));
-        if (bytes != "<none>") {
-            QVERIFY(WriteBytes(path, bytes));
-        }
-        ToviExifInfo info;
-        info.Load(path);
-        // Loaded all the same, with every row there so that positions still line up.
-        QVERIFY(info.IsLoaded());
-        const QList<qsizetype> sizes{3, 2, 5, 1, 9, 3};
-        const QList<const ToviTextPairArray*> groups = Groups(info);
-        for (int g = 0; g < groups.size(); ++g) {
-            QCOMPARE(groups[g]->size(), sizes[g]);
-            for (const ToviTextPair& pair : *groups[g]) {
-                QCOMPARE(pair.GetValue(), kUnknown);
-            }
-        }
-    }
-
     void copyAndClearKeepTheImageGroup() {
         const QString big = Path(QStringLiteral("BIG.JPG"));
         const QString small = Path(QStringLiteral("SMALL.JPG"));
-        QVERIFY(
-            WriteExifJpeg(big, Picture({640, 480}), Facts([](ExifFacts& f) { f.make = "BIG"; })));
-        QVERIFY(
-            WriteExifJpeg(small, Picture({64, 48}), Facts([](ExifFacts& f) { f.make = "SML"; })));
+        QVERIFY(WriteExifJpeg(big, Picture({640, 480}), Make("BIG")));
+        QVERIFY(WriteExifJpeg(small, Picture({64, 48}), Make("SML")));
         ToviExifInfo source;
         source.Load(big);
 
@@ -335,7 +317,7 @@ private slots:
 
     void svgReadThroughWorkFile() {
         const QString svg = Path(QStringLiteral("P0000007.SVG"));
-        QVERIFY(WriteBytes(svg, SvgWithJpeg(Facts([](ExifFacts& f) { f.make = "SVGCAM"; }))));
+        QVERIFY(WriteBytes(svg, SvgWithJpeg(Make("SVGCAM"))));
 
         ToviExifInfo info;
         // Load alone never writes the work file: without it every value is unknown.
@@ -351,40 +333,27 @@ private slots:
         QCOMPARE(info.GetPath(), info.GetMainImagePath());
         QCOMPARE(info.GetMaker()[0].GetValue(), QStringLiteral("SVGCAM"));
         QCOMPARE(info.GetImage()[0].GetValue(), QStringLiteral("64 x 48"));
-    }
 
-    // The extension is compared case included: a lower-case .svg is read as it stands.
-    void lowerCaseSvgIsReadAsItStands() {
-        const QString svg = Path(QStringLiteral("P0000002.svg"));
-        QVERIFY(WriteBytes(svg, SvgWithJpeg(ExifFacts())));
-        ToviExifInfo info;
-        info.MakeMainImageFromSvg(svg);
-        QVERIFY(info.GetMainImagePath().isEmpty());
-        info.Load(svg);
-        QCOMPARE(info.GetPath(), svg);
-    }
-
-    void svgWithoutMainImageLeavesNoStaleWorkFile() {
-        // Two SVG photographs of one file title share the work file. The second has no main
-        // image: it must read as unknown, not as the first one's camera.
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("a"))));
+        // Photographs of one file title share the work file. One without a main image reads
+        // as unknown, not as the other one's camera.
         QVERIFY(QDir().mkpath(Path(QStringLiteral("b"))));
-        const QString first = Path(QStringLiteral("a/P0000001.SVG"));
-        const QString second = Path(QStringLiteral("b/P0000001.SVG"));
-        QVERIFY(WriteBytes(first, SvgWithJpeg(Facts([](ExifFacts& f) { f.make = "FIRST"; }))));
+        const QString second = Path(QStringLiteral("b/P0000007.SVG"));
         QVERIFY(WriteBytes(second, SvgWithHref("data:image/jpeg;base64,####")));
-
-        ToviExifInfo one;
-        one.MakeMainImageFromSvg(first);
-        one.Load(first);
-        QCOMPARE(one.GetMaker()[0].GetValue(), QStringLiteral("FIRST"));
-
         ToviExifInfo two;
         two.MakeMainImageFromSvg(second);
-        QCOMPARE(two.GetMainImagePath(), one.GetMainImagePath());
+        QCOMPARE(two.GetMainImagePath(), info.GetMainImagePath());
         QVERIFY(!QFile::exists(two.GetMainImagePath()));
         two.Load(second);
         QCOMPARE(two.GetMaker()[0].GetValue(), kUnknown);
+
+        // The extension is compared case included: a lower-case .svg is read as it stands.
+        const QString lower = Path(QStringLiteral("P0000002.svg"));
+        QVERIFY(WriteBytes(lower, SvgWithJpeg(ExifFacts())));
+        ToviExifInfo asItStands;
+        asItStands.MakeMainImageFromSvg(lower);
+        QVERIFY(asItStands.GetMainImagePath().isEmpty());
+        asItStands.Load(lower);
+        QCOMPARE(asItStands.GetPath(), lower);
     }
 
     void checkExif_data() {
@@ -393,8 +362,7 @@ private slots:
         QTest::addColumn<bool>("hasExif");
 
         const QByteArray exif = MakeExifJpeg(Picture({64, 48}), ExifFacts());
-        const QByteArray plain =
-            MakeExifJpeg(Picture({64, 48}), Facts([](ExifFacts& f) { f.writeExif = false; }));
+        const QByteArray plain = MakeExifJpeg(Picture({64, 48}), NoExif());
         QTest::newRow("JPEG with Exif") << "P1.JPG" << exif << true;
         QTest::newRow("JPEG without Exif") << "P1.JPG" << plain << false;
         QTest::newRow("missing file") << "P1.JPG" << QByteArray("<none>") << false;
@@ -405,8 +373,7 @@ private slots:
     // Asked once: a later change of the file is not noticed; a copy carries the answer.
     void checkExifIsAskedOnce() {
         const QString path = Path(QStringLiteral("P1.JPG"));
-        QVERIFY(WriteExifJpeg(path, Picture({64, 48}),
-                              Facts([](ExifFacts& f) { f.writeExif = false; })));
+        QVERIFY(WriteExifJpeg(path, Picture({64, 48}), NoExif()));
         ToviPhoto photo(path);
         QVERIFY(!photo.CheckExif());
         QVERIFY(WriteExifJpeg(path, Picture({64, 48}), ExifFacts()));
@@ -432,61 +399,53 @@ private slots:
         QCOMPARE(ExifValue(photo, QStringLiteral("Exifバージョン")).isEmpty(), !hasExif);
     }
 
-    void pixelCount_data() {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("dimensions");
-        QTest::addColumn<QString>("pixels");
-
-        QTest::newRow("15,000 rounds up") << QSize(15000, 1) << "15000×1"
-                                          << "2万画素";
-        QTest::newRow("14,999 rounds down") << QSize(14999, 1) << "14999×1"
-                                            << "1万画素";
-        QTest::newRow("9,999 as it is") << QSize(9999, 1) << "9999×1"
-                                        << "9999画素";
-    }
-
-    void fileSize_data() {
-        QTest::addColumn<qsizetype>("bytes");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("1,023 bytes") << qsizetype(1023) << "0 KB";
-        QTest::newRow("just under 1 MB") << qsizetype(1048575) << "1023 KB";
-    }
-    void fileSize() {
-        QFETCH(qsizetype, bytes);
-        const QString path = Path(QStringLiteral("P0000001.JPG"));
-        QVERIFY(WriteBytes(path, QByteArray(bytes, 'x')));
-        QTEST(FileValue(ToviPhoto(path), QStringLiteral("ファイルサイズ")), "shown");
-    }
-
-    // 読み取り専用 is Yes for a read-only file, but not for a hidden one.
-    void readOnly_data() {
+    // What a photograph answers about its file: the size in whole KB, the pixel count in 万
+    // rounded half up, read-only but not when hidden, nothing for an unknown title.
+    void fileFacts_data() {
         QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("read-only") << "P1.JPG"
+
+        const auto jpeg = [](QSize size) { return MakeExifJpeg(Picture(size), NoExif()); };
+        const QByteArray bytes(5, 'x');
+        QTest::newRow("width x height") << "P1.JPG" << jpeg({9999, 1}) << false << "幅×高さ"
+                                        << "9999×1";
+        QTest::newRow("15,000 rounds up") << "P1.JPG" << jpeg({15000, 1}) << false << "総画素数"
+                                          << "2万画素";
+        QTest::newRow("14,999 rounds down") << "P1.JPG" << jpeg({14999, 1}) << false << "総画素数"
+                                            << "1万画素";
+        QTest::newRow("9,999 as it is") << "P1.JPG" << jpeg({9999, 1}) << false << "総画素数"
+                                        << "9999画素";
+        QTest::newRow("1,023 bytes")
+            << "P1.JPG" << QByteArray(1023, 'x') << false << "ファイルサイズ"
+            << "0 KB";
+        QTest::newRow("just under 1 MB")
+            << "P1.JPG" << QByteArray(1048575, 'x') << false << "ファイルサイズ"
+            << "1023 KB";
+        QTest::newRow("read-only") << "P1.JPG" << bytes << true << "読み取り専用"
                                    << "Yes";
-        QTest::newRow("read-only and hidden") << ".P1.JPG"
+        QTest::newRow("read-only and hidden") << ".P1.JPG" << bytes << true << "読み取り専用"
                                               << "No";
+        QTest::newRow("unknown title") << "P1.JPG" << bytes << false << "種類"
+                                       << "";
     }
-    void readOnly() {
+    void fileFacts() {
         QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, readOnly);
+        QFETCH(QString, title);
+
         const QString path = Path(name);
-        QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
-        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner));
-        QTEST(FileValue(ToviPhoto(path), QStringLiteral("読み取り専用")), "shown");
-        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-    }
-
-    void pixelCount() {
-        QFETCH(QSize, size);
-        QFETCH(QString, dimensions);
-        QFETCH(QString, pixels);
-
-        const QString path = Path(QStringLiteral("P0000001.JPG"));
-        QVERIFY(
-            WriteExifJpeg(path, Picture(size), Facts([](ExifFacts& f) { f.writeExif = false; })));
-        const ToviPhoto photo(path);
-        QCOMPARE(FileValue(photo, QStringLiteral("幅×高さ")), dimensions);
-        QCOMPARE(FileValue(photo, QStringLiteral("総画素数")), pixels);
+        QVERIFY(WriteBytes(path, bytes));
+        QVERIFY(QFile::setPermissions(
+            path, QFileDevice::ReadOwner |
+                      (readOnly ? QFileDevice::Permissions() : QFileDevice::WriteOwner)));
+        QTEST(FileValue(ToviPhoto(path), title), "shown");
+        if (readOnly) {
+            QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner));
+        }
     }
 
     void missingFileHasNoFacts() {
@@ -501,10 +460,6 @@ private slots:
             }
             QCOMPARE(ExifValue(photo, QStringLiteral("撮影日時")), QString());
         }
-        // A known file and an unknown title.
-        const QString path = Path(QStringLiteral("P1.JPG"));
-        QVERIFY(WriteBytes(path, QByteArray(5, 'x')));
-        QCOMPARE(FileValue(ToviPhoto(path), QStringLiteral("種類")), QString());
     }
 
 private:

@@ -22,6 +22,11 @@ namespace {
 // What a program folder holds of one verifier library.
 enum class Lib { Missing, Full, Partial, NotALibrary, LowerCaseName };
 
+constexpr Status kUnaltered = ToviCheckProcessor::StatusUnaltered;
+constexpr Status kAltered = ToviCheckProcessor::StatusAltered;
+constexpr Status kOutside = ToviCheckProcessor::StatusOutsideTarget;
+constexpr Status kError = ToviCheckProcessor::StatusError;
+
 const char kMaker[] = "RVJ_Verify";
 const char kHashJpeg[] = "JCOMSIA_CheckHashValue";
 const char kHashSvg[] = "JCOMSIA_SVG_CheckHashValue";
@@ -30,14 +35,11 @@ const char kHashSvg[] = "JCOMSIA_SVG_CheckHashValue";
 QByteArray Markers(std::optional<int> maker, std::optional<int> hash,
                    std::optional<int> svg = std::nullopt) {
     QByteArray bytes;
-    if (maker) {
-        bytes += "@RVJ=" + QByteArray::number(*maker) + "@";
-    }
-    if (hash) {
-        bytes += "@JCOMSIA=" + QByteArray::number(*hash) + "@";
-    }
-    if (svg) {
-        bytes += "@JCOMSIA_SVG=" + QByteArray::number(*svg) + "@";
+    for (const auto& [key, code] :
+         {std::pair{"RVJ", maker}, {"JCOMSIA", hash}, {"JCOMSIA_SVG", svg}}) {
+        if (code) {
+            bytes += "@" + QByteArray(key) + "=" + QByteArray::number(*code) + "@";
+        }
     }
     return bytes;
 }
@@ -53,366 +55,321 @@ class ToviImageCheckTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void init();
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
+        logPath = temp.filePath(QStringLiteral("calls.log"));
+        qputenv("TOVI_STANDIN_LOG", QFile::encodeName(logPath));
+        const QString full = QStringLiteral(TOVI_STANDIN_DIR "/full/") +
+                             ToviVerifierLibrary::FileName(QStringLiteral("JACICCHS"));
+        QVERIFY2(QFileInfo::exists(full), qPrintable(full));
+    }
+    void cleanupTestCase() {
+        ToviVerifierLibrary::SetProgramPathOverride(QString());
+        qunsetenv("TOVI_STANDIN_LOG");
+    }
+    void init() { QFile::remove(logPath); }
 
-    void codes_data();
-    void codes();
-    void makerTarget_data();
-    void makerTarget();
-    void setFileKeepsStoredCase();
-    void chainOrder_data();
-    void chainOrder();
-    void badLibraries_data();
-    void badLibraries();
-    void documentResults();
+    void codes_data() {
+        // Which verifier answers: the maker's, or the hash checker on a JPEG or an SVG.
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<Status>("status");
+
+        // The two hash tables differ on -3, -301 and -307: those rows show the wrong table.
+        const QList<std::tuple<const char*, int, Status>> rows{
+            {"maker", 0, kUnaltered}, {"maker", 1, kAltered},  {"maker", 2, kOutside},
+            {"maker", 3, kError},     {"jpeg", 1, kUnaltered}, {"jpeg", -307, kAltered},
+            {"jpeg", -303, kOutside}, {"jpeg", -3, kError},    {"jpeg", -301, kError},
+            {"svg", -3, kAltered},    {"svg", -301, kOutside}, {"svg", -307, kOutside},
+            {"svg", 2, kError},
+        };
+        for (const auto& [kind, code, status] : rows) {
+            QTest::addRow("%s %d", kind, code) << QString::fromLatin1(kind) << code << status;
+        }
+    }
+    void codes() {
+        QFETCH(QString, kind);
+        QFETCH(int, code);
+        QFETCH(Status, status);
+        if (kind == QLatin1String("maker")) {
+            UseProgramFolder(Lib::Full, Lib::Missing);
+            const QString path = Jpeg(QStringLiteral("maker.jpg"), QStringLiteral("G800"),
+                                      Markers(code, std::nullopt));
+            ToviRicohImageChecker checker;
+            QVERIFY(checker.IsEnableDLL());
+            QVERIFY(checker.Initiate());
+            QCOMPARE(checker.Check(path), status);
+            // The verifier gets the whole file in memory.
+            QCOMPARE(
+                CallLines(),
+                QStringList{
+                    QStringLiteral("%1 %2 %3").arg(kMaker).arg(QFileInfo(path).size()).arg(code)});
+            return;
+        }
+        UseProgramFolder(Lib::Missing, Lib::Full);
+        // Both hash markers are there, so that asking the wrong function shows; the extension
+        // decides, whatever its case.
+        const QStringList names =
+            kind == QLatin1String("jpeg")
+                ? QStringList{QStringLiteral("hash.JPG")}
+                : QStringList{QStringLiteral("hash.svg"), QStringLiteral("hash.SVG")};
+        for (const QString& name : names) {
+            const QString path =
+                kind == QLatin1String("jpeg")
+                    ? Jpeg(name, QStringLiteral("X"), Markers(std::nullopt, code, 1))
+                    : Svg(name, Markers(std::nullopt, 1, code));
+            ToviJacicImageChecker checker;
+            QCOMPARE(checker.Check(path), status);
+            QCOMPARE(
+                CallLines(),
+                QStringList{QStringLiteral("%1 %2 %3")
+                                .arg(kind == QLatin1String("jpeg") ? kHashJpeg : kHashSvg, name)
+                                .arg(code)});
+        }
+    }
+
+    // The maker's cameras by the Exif model, blanks of both widths around it trimmed.
+    void makerTarget_data() {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<bool>("exif");
+        QTest::addColumn<bool>("target");
+        QTest::newRow("G700 SE") << QStringLiteral("G700 SE") << true << true;
+        QTest::newRow("blanks around") << QStringLiteral("\u3000 G800 \u3000") << true << true;
+        QTest::newRow("full-width inner blank") << QStringLiteral("G700\u3000SE") << true << false;
+        QTest::newRow("longer name") << QStringLiteral("G800 SE II") << true << false;
+        QTest::newRow("no Exif") << QStringLiteral("G800") << false << false;
+    }
+    void makerTarget() {
+        QFETCH(QString, model);
+        QFETCH(bool, exif);
+        QFETCH(bool, target);
+        ToviRicohImageChecker checker;
+        QCOMPARE(checker.IsTarget(Jpeg(QStringLiteral("model.jpg"), model, QByteArray(), exif)),
+                 target);
+    }
+
+    // The file name keeps the case it was first given in.
+    void setFileKeepsStoredCase() {
+        ToviImageCheckCommon check;
+        check.SetFile(QStringLiteral("/d/PIC/P0000001.JPG"));
+        check.SetFile(QStringLiteral("/d/pic/p0000001.jpg"));
+        QCOMPARE(check.GetFile(), QStringLiteral("/d/PIC/P0000001.JPG"));
+    }
+
+    void chainOrder_data() {
+        QTest::addColumn<QString>("types");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QByteArray>("markers");
+        QTest::addColumn<int>("processors");
+        QTest::addColumn<Status>("status");
+        QTest::addColumn<QStringList>("calls");
+
+        const QString g800 = QStringLiteral("G800");
+        const QString other = QStringLiteral("FIELD-CAM G7");
+        const QString m = QString::fromLatin1(kMaker);
+        const QString h = QString::fromLatin1(kHashJpeg);
+        QTest::newRow("maker's outside target stops the chain")
+            << "0,1" << g800 << Markers(2, 1) << 2 << kOutside << QStringList{m};
+        QTest::newRow("another camera: the hash checker decides")
+            << "0,1" << other << Markers(0, 0) << 2 << kAltered << QStringList{h};
+        QTest::newRow("maker's error goes on")
+            << "0,1" << g800 << Markers(7, 1) << 2 << kUnaltered << QStringList{m, h};
+        QTest::newRow("hash outside, maker decides")
+            << "1,0" << g800 << Markers(1, -305) << 2 << kAltered << QStringList{h, m};
+        QTest::newRow("hash error, maker outside")
+            << "2,1,0" << g800 << Markers(2, 99) << 3 << kOutside << QStringList{h, h, m};
+        QTest::newRow("unknown types are skipped")
+            << "3,9,255,1" << other << Markers(0, 1) << 1 << kUnaltered << QStringList{h};
+        QTest::newRow("only the maker, no target")
+            << "0" << other << Markers(0, 1) << 1 << kError << QStringList{};
+    }
+    void chainOrder() {
+        QFETCH(QString, types);
+        QFETCH(QString, model);
+        QFETCH(QByteArray, markers);
+        QFETCH(int, processors);
+        QFETCH(Status, status);
+        QFETCH(QStringList, calls);
+
+        UseProgramFolder(Lib::Full, Lib::Full);
+        ToviImageCheckCommon check;
+        check.SetCheckCameraType(ToviData::ParseEditCheckTypes(types));
+        QCOMPARE(check.GetProcessorCount(), processors);
+        check.SetFile(Jpeg(QStringLiteral("chain.jpg"), model, markers));
+        QCOMPARE(check.CheckProcessedImage(), status);
+        QCOMPARE(Calls(), calls);
+
+        // A rebuild replaces the whole chain.
+        check.SetCheckCameraType({ToviImageCheckCommon::CameraBlackboard});
+        QCOMPARE(check.GetProcessorCount(), 1);
+    }
+
+    void badLibraries_data() {
+        QTest::addColumn<Lib>("maker");
+        QTest::addColumn<Lib>("hash");
+        QTest::addColumn<QString>("types");
+        QTest::addColumn<bool>("svg");
+        QTest::addColumn<int>("processors");
+        QTest::addColumn<Status>("status");
+
+        QTest::newRow("both missing")
+            << Lib::Missing << Lib::Missing << "0,2,1" << false << 0 << kError;
+        QTest::newRow("maker lacks its function, hash decides")
+            << Lib::Partial << Lib::Full << "0,1" << false << 2 << kAltered;
+        QTest::newRow("hash lacks the SVG function")
+            << Lib::Missing << Lib::Partial << "1" << true << 1 << kError;
+        QTest::newRow("hash no library, maker decides")
+            << Lib::Full << Lib::NotALibrary << "2,0" << false << 1 << kUnaltered;
+        QTest::newRow("name in another case")
+            << Lib::Missing << Lib::LowerCaseName << "1" << false << 1 << kAltered;
+    }
+    void badLibraries() {
+        QFETCH(Lib, maker);
+        QFETCH(Lib, hash);
+        QFETCH(QString, types);
+        QFETCH(bool, svg);
+        QFETCH(int, processors);
+        QFETCH(Status, status);
+
+        UseProgramFolder(maker, hash);
+        const QByteArray markers = Markers(0, 0, 1);
+        const QString path = svg ? Svg(QStringLiteral("bad.svg"), markers)
+                                 : Jpeg(QStringLiteral("bad.jpg"), QStringLiteral("G800"), markers);
+        ToviImageCheckCommon check;
+        check.SetCheckCameraType(ToviData::ParseEditCheckTypes(types));
+        QCOMPARE(check.GetProcessorCount(), processors);
+        check.SetFile(path);
+        QCOMPARE(check.CheckProcessedImage(), status);
+
+        // A checker asked directly without its library answers an error, never a crash.
+        if (hash == Lib::Missing || hash == Lib::NotALibrary) {
+            QCOMPARE(ToviJacicImageChecker().Check(path), kError);
+        }
+        if (maker != Lib::Full) {
+            QCOMPARE(ToviRicohImageChecker().Check(path), kError);
+        }
+    }
+
+    // The document's results: nothing asked while the check is off, cleared when its terms
+    // change, and 3 when the chosen verifier's library is gone.
+    void documentResults() {
+        UseProgramFolder(Lib::Full, Lib::Full);
+        ToviData document(nullptr, temp.path(), PhotoXMLMlit);
+        const QString other = QStringLiteral("FIELD-CAM G7");
+        const QList<QByteArray> markers{Markers(0, 1), Markers(0, 0), Markers(0, -305),
+                                        Markers(0, 99)};
+        for (int i = 0; i < markers.size(); ++i) {
+            document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(
+                Jpeg(QStringLiteral("doc%1.jpg").arg(i), other, markers[i])));
+        }
+        // Every photograph's result, after checking it when asked.
+        const auto results = [&](bool check = false) {
+            QList<int> list;
+            for (ToviPhoto* photo : *document.GetPhotoDataArray()) {
+                if (check) {
+                    document.CheckEditJPEG(photo);
+                }
+                list.append(photo->GetEditChkResult());
+            }
+            return list;
+        };
+        const auto checkAll = [&] { return results(true); };
+        const auto set = [&](bool on, const QString& types) {
+            ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
+            setting.SetDoEditCheck(on);
+            setting.SetEditCheckTypes(types);
+            document.SetVisualSetting(setting, false);
+        };
+
+        QCOMPARE(checkAll(), QList<int>({0, 0, 0, 0}));
+        QVERIFY(Calls().isEmpty());
+        document.CheckEditJPEG(nullptr);
+
+        set(true, QStringLiteral("1"));
+        QCOMPARE(checkAll(), QList<int>({1, 2, 3, 3}));
+        set(true, QStringLiteral("1"));  // the same terms keep the results
+        QCOMPARE(results(), QList<int>({1, 2, 3, 3}));
+        document.SetVisualSetting(document.GetVisualSetting(), true);  // unless forced
+        QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+        set(true, QStringLiteral("0"));
+        QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+        // Only the maker's verifier, and these photographs aren't its cameras.
+        QCOMPARE(checkAll(), QList<int>({3, 3, 3, 3}));
+        set(false, QStringLiteral("1"));  // switched off and other types in one step
+        QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
+        CallLines();
+        QCOMPARE(checkAll(), QList<int>({0, 0, 0, 0}));
+        QVERIFY(Calls().isEmpty());
+        // With the check off on both sides other types count for nothing.
+        document.GetPhotoActualPhotoArray(0)->SetEditChkResult(ToviPhoto::EditCheckAltered);
+        set(false, QStringLiteral("2,0"));
+        QCOMPARE(results(), QList<int>({2, 0, 0, 0}));
+
+        // Type 1 chosen, its library gone: an empty chain and the result 3, nothing asked.
+        UseProgramFolder(Lib::Full, Lib::Missing);
+        set(true, QStringLiteral("1"));
+        QCOMPARE(document.GetImageCheck()->GetProcessorCount(), 0);
+        QCOMPARE(checkAll(), QList<int>({3, 3, 3, 3}));
+        QVERIFY(Calls().isEmpty());
+    }
 
 private:
     // A fresh program folder holding the chosen libraries; the verifiers are looked for there.
-    QString UseProgramFolder(Lib maker, Lib hash);
-    // A JPEG from a camera of this model (none: no model tag) followed by markers.
+    void UseProgramFolder(Lib maker, Lib hash) {
+        const QString folder = temp.filePath(QStringLiteral("program%1").arg(++folders));
+        QDir().mkpath(folder);
+        const auto place = [&](Lib lib, const QString& base) {
+            const QString name = ToviVerifierLibrary::FileName(base);
+            const QString target =
+                folder + QLatin1Char('/') + (lib == Lib::LowerCaseName ? name.toLower() : name);
+            if (lib == Lib::NotALibrary) {
+                QVERIFY(WriteBytes(target, "this is no shared library\n"));
+            } else if (lib != Lib::Missing) {
+                const QString from = QStringLiteral(TOVI_STANDIN_DIR) +
+                                     (lib == Lib::Partial ? "/partial/" : "/full/") + name;
+                QVERIFY2(QFile::copy(from, target), qPrintable(from));
+            }
+        };
+        place(maker, QStringLiteral("RVRFYJPG"));
+        place(hash, QStringLiteral("JACICCHS"));
+        ToviVerifierLibrary::SetProgramPathOverride(folder);
+    }
+    // A JPEG from a camera of this model followed by markers.
     QString Jpeg(const QString& name, const QString& model, const QByteArray& markers,
-                 bool exif = true);
-    QString Svg(const QString& name, const QByteArray& markers);
+                 bool exif = true) {
+        ExifFacts facts;
+        facts.writeExif = exif;
+        facts.model = model;
+        const QString path = temp.filePath(name);
+        WriteBytes(path, MakeExifJpeg(Picture({64, 48}), facts) + markers);
+        return path;
+    }
+    QString Svg(const QString& name, const QByteArray& markers) {
+        QByteArray svg = SvgWithJpeg(ExifFacts());
+        svg.replace("</svg>", "<!-- " + markers + " -->\n</svg>");
+        const QString path = temp.filePath(name);
+        WriteBytes(path, svg);
+        return path;
+    }
+    QStringList CallLines() {
+        const QString text = QString::fromUtf8(ReadBytes(logPath));
+        QFile::remove(logPath);
+        return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
     // The functions the stand-ins were called through since the last look, in order.
-    QStringList Calls();
-    QStringList CallLines();
+    QStringList Calls() {
+        QStringList functions;
+        for (const QString& line : CallLines()) {
+            functions.append(line.section(QLatin1Char(' '), 0, 0));
+        }
+        return functions;
+    }
 
     QTemporaryDir temp;
     int folders = 0;
     QString logPath;
 };
-
-void ToviImageCheckTest::initTestCase() {
-    QVERIFY(temp.isValid());
-    ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
-    logPath = temp.filePath(QStringLiteral("calls.log"));
-    qputenv("TOVI_STANDIN_LOG", QFile::encodeName(logPath));
-    const QString full = QStringLiteral(TOVI_STANDIN_DIR "/full/") +
-                         ToviVerifierLibrary::FileName(QStringLiteral("JACICCHS"));
-    QVERIFY2(QFileInfo::exists(full), qPrintable(full));
-}
-
-void ToviImageCheckTest::cleanupTestCase() {
-    ToviVerifierLibrary::SetProgramPathOverride(QString());
-    qunsetenv("TOVI_STANDIN_LOG");
-}
-
-void ToviImageCheckTest::init() {
-    QFile::remove(logPath);
-}
-
-QString ToviImageCheckTest::UseProgramFolder(Lib maker, Lib hash) {
-    const QString folder = temp.filePath(QStringLiteral("program%1").arg(++folders));
-    QDir().mkpath(folder);
-    const auto place = [&](Lib lib, const QString& base) {
-        const QString name = ToviVerifierLibrary::FileName(base);
-        const QString target =
-            folder + QLatin1Char('/') + (lib == Lib::LowerCaseName ? name.toLower() : name);
-        if (lib == Lib::NotALibrary) {
-            QVERIFY(WriteBytes(target, "this is no shared library\n"));
-        } else if (lib != Lib::Missing) {
-            const QString from = QStringLiteral(TOVI_STANDIN_DIR) +
-                                 (lib == Lib::Partial ? "/partial/" : "/full/") + name;
-            QVERIFY2(QFile::copy(from, target), qPrintable(from));
-        }
-    };
-    place(maker, QStringLiteral("RVRFYJPG"));
-    place(hash, QStringLiteral("JACICCHS"));
-    ToviVerifierLibrary::SetProgramPathOverride(folder);
-    return folder;
-}
-
-QString ToviImageCheckTest::Jpeg(const QString& name, const QString& model,
-                                 const QByteArray& markers, bool exif) {
-    ExifFacts facts;
-    facts.writeExif = exif;
-    facts.model = model;
-    const QString path = temp.filePath(name);
-    WriteBytes(path, MakeExifJpeg(Picture({64, 48}), facts) + markers);
-    return path;
-}
-
-QString ToviImageCheckTest::Svg(const QString& name, const QByteArray& markers) {
-    QByteArray svg = SvgWithJpeg(ExifFacts());
-    svg.replace("</svg>", "<!-- " + markers + " -->\n</svg>");
-    const QString path = temp.filePath(name);
-    WriteBytes(path, svg);
-    return path;
-}
-
-QStringList ToviImageCheckTest::CallLines() {
-    const QString text = QString::fromUtf8(ReadBytes(logPath));
-    QFile::remove(logPath);
-    return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
-
-QStringList ToviImageCheckTest::Calls() {
-    QStringList functions;
-    for (const QString& line : CallLines()) {
-        functions.append(line.section(QLatin1Char(' '), 0, 0));
-    }
-    return functions;
-}
-
-void ToviImageCheckTest::codes_data() {
-    // Which verifier answers: the maker's, or the hash checker on a JPEG or an SVG.
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<Status>("status");
-
-    const Status unaltered = ToviCheckProcessor::StatusUnaltered;
-    const Status altered = ToviCheckProcessor::StatusAltered;
-    const Status outside = ToviCheckProcessor::StatusOutsideTarget;
-    const Status error = ToviCheckProcessor::StatusError;
-    // The two hash tables differ on -3, -301 and -307: those rows show the wrong table.
-    const QList<std::tuple<const char*, int, Status>> rows{
-        {"maker", 0, unaltered}, {"maker", 1, altered},  {"maker", 2, outside},
-        {"maker", 3, error},     {"jpeg", 1, unaltered}, {"jpeg", -307, altered},
-        {"jpeg", -303, outside}, {"jpeg", -3, error},    {"jpeg", -301, error},
-        {"svg", -3, altered},    {"svg", -301, outside}, {"svg", -307, outside},
-        {"svg", 2, error},
-    };
-    for (const auto& [kind, code, status] : rows) {
-        QTest::addRow("%s %d", kind, code) << QString::fromLatin1(kind) << code << status;
-    }
-}
-
-void ToviImageCheckTest::codes() {
-    QFETCH(QString, kind);
-    QFETCH(int, code);
-    QFETCH(Status, status);
-    if (kind == QLatin1String("maker")) {
-        UseProgramFolder(Lib::Full, Lib::Missing);
-        const QString path =
-            Jpeg(QStringLiteral("maker.jpg"), QStringLiteral("G800"), Markers(code, std::nullopt));
-        ToviRicohImageChecker checker;
-        QVERIFY(checker.IsEnableDLL());
-        QVERIFY(checker.Initiate());
-        QCOMPARE(checker.Check(path), status);
-        // The verifier gets the whole file in memory.
-        QCOMPARE(CallLines(),
-                 QStringList{
-                     QStringLiteral("%1 %2 %3").arg(kMaker).arg(QFileInfo(path).size()).arg(code)});
-        return;
-    }
-    UseProgramFolder(Lib::Missing, Lib::Full);
-    // Both hash markers are there, so that asking the wrong function shows; the extension
-    // decides, whatever its case.
-    const QStringList names =
-        kind == QLatin1String("jpeg")
-            ? QStringList{QStringLiteral("hash.JPG")}
-            : QStringList{QStringLiteral("hash.svg"), QStringLiteral("hash.SVG")};
-    for (const QString& name : names) {
-        const QString path = kind == QLatin1String("jpeg")
-                                 ? Jpeg(name, QStringLiteral("X"), Markers(std::nullopt, code, 1))
-                                 : Svg(name, Markers(std::nullopt, 1, code));
-        ToviJacicImageChecker checker;
-        QCOMPARE(checker.Check(path), status);
-        QCOMPARE(CallLines(),
-                 QStringList{QStringLiteral("%1 %2 %3")
-                                 .arg(kind == QLatin1String("jpeg") ? kHashJpeg : kHashSvg, name)
-                                 .arg(code)});
-    }
-}
-
-// The maker's cameras by the Exif model, blanks of both widths around it trimmed.
-void ToviImageCheckTest::makerTarget_data() {
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<bool>("exif");
-    QTest::addColumn<bool>("target");
-    QTest::newRow("G700 SE") << QStringLiteral("G700 SE") << true << true;
-    QTest::newRow("blanks around") << QStringLiteral("\u3000 G800 \u3000") << true << true;
-    QTest::newRow("full-width inner blank") << QStringLiteral("G700\u3000SE") << true << false;
-    QTest::newRow("longer name") << QStringLiteral("G800 SE II") << true << false;
-    QTest::newRow("no Exif") << QStringLiteral("G800") << false << false;
-}
-
-void ToviImageCheckTest::makerTarget() {
-    QFETCH(QString, model);
-    QFETCH(bool, exif);
-    QFETCH(bool, target);
-    ToviRicohImageChecker checker;
-    QCOMPARE(checker.IsTarget(Jpeg(QStringLiteral("model.jpg"), model, QByteArray(), exif)),
-             target);
-}
-
-// The file name keeps the case it was first given in.
-void ToviImageCheckTest::setFileKeepsStoredCase() {
-    ToviImageCheckCommon check;
-    check.SetFile(QStringLiteral("/d/PIC/P0000001.JPG"));
-    check.SetFile(QStringLiteral("/d/pic/p0000001.jpg"));
-    QCOMPARE(check.GetFile(), QStringLiteral("/d/PIC/P0000001.JPG"));
-}
-
-void ToviImageCheckTest::chainOrder_data() {
-    QTest::addColumn<QString>("types");
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<QByteArray>("markers");
-    QTest::addColumn<int>("processors");
-    QTest::addColumn<Status>("status");
-    QTest::addColumn<QStringList>("calls");
-
-    const QString g800 = QStringLiteral("G800");
-    const QString other = QStringLiteral("FIELD-CAM G7");
-    const QString m = QString::fromLatin1(kMaker);
-    const QString h = QString::fromLatin1(kHashJpeg);
-    QTest::newRow("maker's outside target stops the chain")
-        << "0,1" << g800 << Markers(2, 1) << 2 << ToviCheckProcessor::StatusOutsideTarget
-        << QStringList{m};
-    QTest::newRow("another camera: the hash checker decides")
-        << "0,1" << other << Markers(0, 0) << 2 << ToviCheckProcessor::StatusAltered
-        << QStringList{h};
-    QTest::newRow("maker's error goes on")
-        << "0,1" << g800 << Markers(7, 1) << 2 << ToviCheckProcessor::StatusUnaltered
-        << QStringList{m, h};
-    QTest::newRow("hash outside, maker decides")
-        << "1,0" << g800 << Markers(1, -305) << 2 << ToviCheckProcessor::StatusAltered
-        << QStringList{h, m};
-    QTest::newRow("hash error, maker outside")
-        << "2,1,0" << g800 << Markers(2, 99) << 3 << ToviCheckProcessor::StatusOutsideTarget
-        << QStringList{h, h, m};
-    QTest::newRow("unknown types are skipped")
-        << "3,9,255,1" << other << Markers(0, 1) << 1 << ToviCheckProcessor::StatusUnaltered
-        << QStringList{h};
-    QTest::newRow("only the maker, no target")
-        << "0" << other << Markers(0, 1) << 1 << ToviCheckProcessor::StatusError << QStringList{};
-}
-
-void ToviImageCheckTest::chainOrder() {
-    QFETCH(QString, types);
-    QFETCH(QString, model);
-    QFETCH(QByteArray, markers);
-    QFETCH(int, processors);
-    QFETCH(Status, status);
-    QFETCH(QStringList, calls);
-
-    UseProgramFolder(Lib::Full, Lib::Full);
-    ToviImageCheckCommon check;
-    check.SetCheckCameraType(ToviData::ParseEditCheckTypes(types));
-    QCOMPARE(check.GetProcessorCount(), processors);
-    check.SetFile(Jpeg(QStringLiteral("chain.jpg"), model, markers));
-    QCOMPARE(check.CheckProcessedImage(), status);
-    QCOMPARE(Calls(), calls);
-
-    // A rebuild replaces the whole chain.
-    check.SetCheckCameraType({ToviImageCheckCommon::CameraBlackboard});
-    QCOMPARE(check.GetProcessorCount(), 1);
-}
-
-void ToviImageCheckTest::badLibraries_data() {
-    QTest::addColumn<Lib>("maker");
-    QTest::addColumn<Lib>("hash");
-    QTest::addColumn<QString>("types");
-    QTest::addColumn<bool>("svg");
-    QTest::addColumn<int>("processors");
-    QTest::addColumn<Status>("status");
-
-    QTest::newRow("both missing") << Lib::Missing << Lib::Missing << "0,2,1" << false << 0
-                                  << ToviCheckProcessor::StatusError;
-    QTest::newRow("maker lacks its function, hash decides")
-        << Lib::Partial << Lib::Full << "0,1" << false << 2 << ToviCheckProcessor::StatusAltered;
-    QTest::newRow("hash lacks the SVG function")
-        << Lib::Missing << Lib::Partial << "1" << true << 1 << ToviCheckProcessor::StatusError;
-    QTest::newRow("hash no library, maker decides")
-        << Lib::Full << Lib::NotALibrary << "2,0" << false << 1
-        << ToviCheckProcessor::StatusUnaltered;
-    QTest::newRow("name in another case") << Lib::Missing << Lib::LowerCaseName << "1" << false << 1
-                                          << ToviCheckProcessor::StatusAltered;
-}
-
-void ToviImageCheckTest::badLibraries() {
-    QFETCH(Lib, maker);
-    QFETCH(Lib, hash);
-    QFETCH(QString, types);
-    QFETCH(bool, svg);
-    QFETCH(int, processors);
-    QFETCH(Status, status);
-
-    UseProgramFolder(maker, hash);
-    const QByteArray markers = Markers(0, 0, 1);
-    const QString path = svg ? Svg(QStringLiteral("bad.svg"), markers)
-                             : Jpeg(QStringLiteral("bad.jpg"), QStringLiteral("G800"), markers);
-    ToviImageCheckCommon check;
-    check.SetCheckCameraType(ToviData::ParseEditCheckTypes(types));
-    QCOMPARE(check.GetProcessorCount(), processors);
-    check.SetFile(path);
-    QCOMPARE(check.CheckProcessedImage(), status);
-
-    // A checker asked directly without its library answers an error, never a crash.
-    if (hash == Lib::Missing || hash == Lib::NotALibrary) {
-        QCOMPARE(ToviJacicImageChecker().Check(path), ToviCheckProcessor::StatusError);
-    }
-    if (maker != Lib::Full) {
-        QCOMPARE(ToviRicohImageChecker().Check(path), ToviCheckProcessor::StatusError);
-    }
-}
-
-// The document's results: nothing asked while the check is off, cleared when its terms
-// change, and 3 when the chosen verifier's library is gone.
-void ToviImageCheckTest::documentResults() {
-    UseProgramFolder(Lib::Full, Lib::Full);
-    ToviData document(nullptr, temp.path(), PhotoXMLMlit);
-    const QString other = QStringLiteral("FIELD-CAM G7");
-    const QList<QByteArray> markers{Markers(0, 1), Markers(0, 0), Markers(0, -305), Markers(0, 99)};
-    for (int i = 0; i < markers.size(); ++i) {
-        document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(
-            Jpeg(QStringLiteral("doc%1.jpg").arg(i), other, markers[i])));
-    }
-    const auto checkAll = [&] {
-        QList<int> list;
-        for (ToviPhoto* photo : *document.GetPhotoDataArray()) {
-            document.CheckEditJPEG(photo);
-            list.append(photo->GetEditChkResult());
-        }
-        return list;
-    };
-    const auto results = [&] {
-        QList<int> list;
-        for (ToviPhoto* photo : *document.GetPhotoDataArray()) {
-            list.append(photo->GetEditChkResult());
-        }
-        return list;
-    };
-    const auto set = [&](bool on, const QString& types) {
-        ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
-        setting.SetDoEditCheck(on);
-        setting.SetEditCheckTypes(types);
-        document.SetVisualSetting(setting, false);
-    };
-
-    QCOMPARE(checkAll(), QList<int>({0, 0, 0, 0}));
-    QVERIFY(Calls().isEmpty());
-    document.CheckEditJPEG(nullptr);
-
-    set(true, QStringLiteral("1"));
-    QCOMPARE(checkAll(), QList<int>({1, 2, 3, 3}));
-    set(true, QStringLiteral("1"));  // the same terms keep the results
-    QCOMPARE(results(), QList<int>({1, 2, 3, 3}));
-    document.SetVisualSetting(document.GetVisualSetting(), true);  // unless forced
-    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
-    set(true, QStringLiteral("0"));
-    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
-    // Only the maker's verifier, and these photographs aren't its cameras.
-    QCOMPARE(checkAll(), QList<int>({3, 3, 3, 3}));
-    set(false, QStringLiteral("1"));  // switched off and other types in one step
-    QCOMPARE(results(), QList<int>({0, 0, 0, 0}));
-    CallLines();
-    QCOMPARE(checkAll(), QList<int>({0, 0, 0, 0}));
-    QVERIFY(Calls().isEmpty());
-    // With the check off on both sides other types count for nothing.
-    document.GetPhotoActualPhotoArray(0)->SetEditChkResult(ToviPhoto::EditCheckAltered);
-    set(false, QStringLiteral("2,0"));
-    QCOMPARE(results(), QList<int>({2, 0, 0, 0}));
-
-    // Type 1 chosen, its library gone: an empty chain and the result 3, nothing asked.
-    UseProgramFolder(Lib::Full, Lib::Missing);
-    set(true, QStringLiteral("1"));
-    QCOMPARE(document.GetImageCheck()->GetProcessorCount(), 0);
-    QCOMPARE(checkAll(), QList<int>({3, 3, 3, 3}));
-    QVERIFY(Calls().isEmpty());
-}
 
 QTEST_GUILESS_MAIN(ToviImageCheckTest)
 #include "ToviImageCheckTest.moc"

@@ -9,8 +9,11 @@
 #include <QSaveFile>
 #include <QTransform>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
+#include <numeric>
 #include <optional>
 
 #include "platform/Cp932.h"
@@ -40,18 +43,11 @@ public:
     // Index into weights, chosen in proportion to them.
     template <size_t N>
     int Weighted(const std::array<int, N>& weights) {
-        int total = 0;
-        for (int w : weights) {
-            total += w;
+        size_t i = 0;
+        for (int r = Below(std::accumulate(weights.begin(), weights.end(), 0)); r >= weights[i];) {
+            r -= weights[i++];
         }
-        int r = Below(total);
-        for (size_t i = 0; i < N; ++i) {
-            if (r < weights[i]) {
-                return static_cast<int>(i);
-            }
-            r -= weights[i];
-        }
-        return 0;
+        return static_cast<int>(i);
     }
 
 private:
@@ -67,8 +63,8 @@ quint64 SubSeed(quint32 seed, int index, quint64 salt) {
 // The element trees differ by these shapes; the generations map onto them.
 enum class Shape { Flat11, S02, S03, S04, S05 };
 
+// In the order of Generation.
 struct GenerationInfo {
-    Generation generation;
     const char* section;
     const char* ascii;
     const char* dtd;
@@ -81,40 +77,33 @@ struct GenerationInfo {
 };
 
 const std::array<GenerationInfo, 11> kGenerations = {{
-    {Generation::Mlit11, "国交省-11", "mlit-11", "PHOTO.DTD", "1.00", 0, Shape::Flat11,
-     "土木199908-01", 2000, "INDE_C01.DTD"},
-    {Generation::Mlit14, "国交省-14", "mlit-14", "PHOTO02.DTD", "02", 0, Shape::S02,
-     "土木200207-01", 2003, "INDE_C02.DTD"},
-    {Generation::Mlit16, "国交省-16", "mlit-16", "PHOTO03.DTD", "03", 0, Shape::S03,
-     "土木200406-01", 2005, "INDE_C03.DTD"},
-    {Generation::Mlit18, "国交省-18", "mlit-18", "PHOTO04.DTD", "04", 0, Shape::S04,
-     "土木200601-01", 2007, "INDE_C03.DTD"},
-    {Generation::Mlit20, "国交省-20", "mlit-20", "PHOTO05.DTD", "05", 0, Shape::S05,
-     "土木202303-01", 2023, "INDE_C05.DTD"},
-    {Generation::Maff15, "農水省-15", "maff-15", "PHOTO02N.DTD", "02", 2, Shape::S02,
-     "農業土木200303-01", 2004, "INDE_C02.DTD"},
-    {Generation::Maff17, "農水省-17", "maff-17", "PHOTO03.DTD", "03", 2, Shape::S03,
-     "農業土木200504-01", 2006, "INDE_C03.DTD"},
-    {Generation::Maff23, "農水省-23", "maff-23", "PHOTO05.DTD", "05", 2, Shape::S05,
-     "農業土木201104-01", 2013, "INDE_C04.DTD"},
-    {Generation::Nexco14, "NEXCO-14", "nexco-14", "PHOTO02.DTD", "02", 3, Shape::S02, "JH200204-01",
-     2004, "INDE_C02.DTD"},
-    {Generation::Nexco18, "NEXCO-18", "nexco-18", "PHOTO03.DTD", "03", 3, Shape::S04,
-     "NEXCO200607-01", 2008, "INDE_C03.DTD"},
-    {Generation::Nexco24, "NEXCO-24", "nexco-24", "PHOTO04.DTD", "04", 3, Shape::S05,
-     "NEXCO201207-01", 2014, "INDE_C04.DTD"},
+    {"国交省-11", "mlit-11", "PHOTO.DTD", "1.00", 0, Shape::Flat11, "土木199908-01", 2000,
+     "INDE_C01.DTD"},
+    {"国交省-14", "mlit-14", "PHOTO02.DTD", "02", 0, Shape::S02, "土木200207-01", 2003,
+     "INDE_C02.DTD"},
+    {"国交省-16", "mlit-16", "PHOTO03.DTD", "03", 0, Shape::S03, "土木200406-01", 2005,
+     "INDE_C03.DTD"},
+    {"国交省-18", "mlit-18", "PHOTO04.DTD", "04", 0, Shape::S04, "土木200601-01", 2007,
+     "INDE_C03.DTD"},
+    {"国交省-20", "mlit-20", "PHOTO05.DTD", "05", 0, Shape::S05, "土木202303-01", 2023,
+     "INDE_C05.DTD"},
+    {"農水省-15", "maff-15", "PHOTO02N.DTD", "02", 2, Shape::S02, "農業土木200303-01", 2004,
+     "INDE_C02.DTD"},
+    {"農水省-17", "maff-17", "PHOTO03.DTD", "03", 2, Shape::S03, "農業土木200504-01", 2006,
+     "INDE_C03.DTD"},
+    {"農水省-23", "maff-23", "PHOTO05.DTD", "05", 2, Shape::S05, "農業土木201104-01", 2013,
+     "INDE_C04.DTD"},
+    {"NEXCO-14", "nexco-14", "PHOTO02.DTD", "02", 3, Shape::S02, "JH200204-01", 2004,
+     "INDE_C02.DTD"},
+    {"NEXCO-18", "nexco-18", "PHOTO03.DTD", "03", 3, Shape::S04, "NEXCO200607-01", 2008,
+     "INDE_C03.DTD"},
+    {"NEXCO-24", "nexco-24", "PHOTO04.DTD", "04", 3, Shape::S05, "NEXCO201207-01", 2014,
+     "INDE_C04.DTD"},
 }};
 
 const GenerationInfo& Info(Generation generation) {
-    for (const GenerationInfo& info : kGenerations) {
-        if (info.generation == generation) {
-            return info;
-        }
-    }
-    return kGenerations[4];
+    return kGenerations[static_cast<size_t>(generation)];
 }
-
-// ---- vocabulary ---------------------------------------------------------------------------
 
 struct WorkRow {
     const char* kousyu;    // 工種
@@ -184,13 +173,9 @@ QString Text(const char* utf8) {
 }
 
 QString EraYear(int year) {
-    if (year >= 2019) {
-        return QStringLiteral("令和%1年度").arg(year - 2018);
-    }
-    return QStringLiteral("平成%1年度").arg(year - 1988);
+    return year >= 2019 ? QStringLiteral("令和%1年度").arg(year - 2018)
+                        : QStringLiteral("平成%1年度").arg(year - 1988);
 }
-
-// ---- the plan of one delivery -------------------------------------------------------------
 
 struct DrawingPlan {
     QString fileName;
@@ -241,27 +226,15 @@ DeliveryPlan PlanDelivery(const DeliveryOptions& options) {
     const int year = plan.info->year;
     const std::array<const char*, 4> rivers = {"緑川", "朝日川", "白石川", "桜井川"};
     const std::array<int, 4> routes = {17, 123, 246, 401};
-    if (plan.river) {
-        plan.workName =
-            QStringLiteral("%1 %2護岸改修工事").arg(EraYear(year), Text(rng.Pick(rivers)));
-    } else {
-        plan.workName =
-            QStringLiteral("%1 国道%2号 道路改良工事").arg(EraYear(year)).arg(rng.Pick(routes));
-    }
-    switch (plan.info->family) {
-        case 2:
-            plan.orderer = QStringLiteral("農林水産省");
-            plan.office = QStringLiteral("関東農政局 緑ヶ丘農業水利事業所");
-            break;
-        case 3:
-            plan.orderer = QStringLiteral("高速道路株式会社");
-            plan.office = QStringLiteral("緑ヶ丘管理事務所");
-            break;
-        default:
-            plan.orderer = QStringLiteral("国土交通省");
-            plan.office = QStringLiteral("関東地方整備局 緑ヶ丘河川国道事務所");
-            break;
-    }
+    plan.workName =
+        plan.river
+            ? QStringLiteral("%1 %2護岸改修工事").arg(EraYear(year), Text(rng.Pick(rivers)))
+            : QStringLiteral("%1 国道%2号 道路改良工事").arg(EraYear(year)).arg(rng.Pick(routes));
+    const int family = plan.info->family;
+    plan.orderer = family == 2 ? "農林水産省" : family == 3 ? "高速道路株式会社" : "国土交通省";
+    plan.office = family == 2   ? "関東農政局 緑ヶ丘農業水利事業所"
+                  : family == 3 ? "緑ヶ丘管理事務所"
+                                : "関東地方整備局 緑ヶ丘河川国道事務所";
     plan.ordererCode = QString::number(rng.Range(10000000, 99999999));
     plan.contractor = QStringLiteral("緑川建設株式会社");
     plan.contractorCode = QString::number(rng.Range(100000, 999999));
@@ -335,6 +308,17 @@ QString ControlValue(Rng& rng) {
     return out.join(QStringLiteral("、"));
 }
 
+// Up to most words, or none when the chance is missed.
+QStringList Repeats(Rng& rng, int most, double chance, const std::array<const char*, 4>& words) {
+    QStringList out;
+    if (most > 0 && rng.Chance(chance)) {
+        for (int k = rng.Range(1, most); k > 0; --k) {
+            out << Text(rng.Pick(words));
+        }
+    }
+    return out;
+}
+
 PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOptions& options,
                     int index, int* drawingCounter) {
     const Shape shape = delivery.info->shape;
@@ -346,12 +330,9 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
     p.fileName = QStringLiteral("P%1.JPG").arg(p.serial, 7, 10, QLatin1Char('0'));
 
     const int majorPick = rng.Weighted(std::array<int, 3>{88, 7, 5});
-    const QString major = majorPick == 0   ? QStringLiteral("工事")
-                          : majorPick == 1 ? QStringLiteral("測量")
-                                           : QStringLiteral("調査");
     const bool works = majorPick == 0;
     if (shape != Shape::Flat11 || rng.Chance(classified)) {
-        p.major = major;
+        p.major = Text(std::array{"工事", "測量", "調査"}[static_cast<size_t>(majorPick)]);
     }
     const auto& table = delivery.river ? kRiverWorks : kRoadWorks;
     p.work = &table[static_cast<size_t>(rng.Below(static_cast<int>(table.size())))];
@@ -361,64 +342,47 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
     if (works || rng.Chance(optional)) {
         p.category = works ? category : QStringLiteral("その他");
     }
-    if (works) {
-        if (rng.Chance(classified)) {
-            p.kousyu = Text(p.work->kousyu);
-        }
-        if (rng.Chance(classified)) {
-            p.syubetsu = Text(p.work->syubetsu);
-        }
-        if (rng.Chance(classified)) {
-            p.saibetsu = Text(p.work->saibetsu);
+    for (auto [field, text] : {std::pair{&PhotoPlan::kousyu, p.work->kousyu},
+                               {&PhotoPlan::syubetsu, p.work->syubetsu},
+                               {&PhotoPlan::saibetsu, p.work->saibetsu}}) {
+        if (works && rng.Chance(classified)) {
+            p.*field = Text(text);
         }
     }
     const QString subject = p.saibetsu ? *p.saibetsu : p.syubetsu ? *p.syubetsu : QString();
     const auto withSubject = [&](const QString& what) {
         return subject.isEmpty() ? what : subject + QLatin1Char(' ') + what;
     };
-    if (!works) {
-        p.title = Text(majorPick == 1 ? rng.Pick(kSurveyTitles) : rng.Pick(kStudyTitles));
-    } else {
+    p.title = [&]() -> QString {
+        if (!works) {
+            return Text(majorPick == 1 ? rng.Pick(kSurveyTitles) : rng.Pick(kStudyTitles));
+        }
         switch (categoryIndex) {
             case 0:
-                p.title = index < options.photoCount / 2 ? QStringLiteral("着手前 全景")
-                                                         : QStringLiteral("完成 全景");
-                break;
+                return index < options.photoCount / 2 ? "着手前 全景" : "完成 全景";
             case 1:
-                p.title = withSubject(Text(rng.Pick(kWorkActions)));
-                break;
+                return withSubject(Text(rng.Pick(kWorkActions)));
             case 2:
-                p.title = Text(rng.Pick(kSafety));
-                break;
+                return Text(rng.Pick(kSafety));
             case 3:
-                p.title = Text(p.work->material) + QStringLiteral(" 材料検収");
-                break;
+                return Text(p.work->material) + " 材料検収";
             case 4:
-                p.title = withSubject(Text(rng.Pick(kTests)));
-                break;
+                return withSubject(Text(rng.Pick(kTests)));
             case 5:
-                p.title = withSubject(QStringLiteral("出来形 ") + Text(rng.Pick(kMeasures)));
-                break;
+                return withSubject("出来形 " + Text(rng.Pick(kMeasures)));
             case 6:
-                p.title =
-                    rng.Chance(0.5) ? QStringLiteral("被災状況") : QStringLiteral("応急処置状況");
-                break;
-            default:
-                p.title = QStringLiteral("現場環境 清掃状況");
-                break;
+                return rng.Chance(0.5) ? "被災状況" : "応急処置状況";
         }
-    }
+        return "現場環境 清掃状況";
+    }();
 
     if (shape == Shape::S05 && rng.Chance(optional)) {
         const QString base = QString(p.title).remove(QLatin1Char(' '));
         p.japaneseName =
             QStringLiteral("%1_%2.JPG").arg(base).arg(p.serial, 4, 10, QLatin1Char('0'));
     }
-    if (options.maxRepeats > 0 && shape != Shape::Flat11 && rng.Chance(optional * 0.5)) {
-        const int n = rng.Range(1, options.maxRepeats);
-        for (int k = 0; k < n; ++k) {
-            p.kubunSpares << Text(rng.Pick(kKubunSpares));
-        }
+    if (shape != Shape::Flat11) {
+        p.kubunSpares = Repeats(rng, options.maxRepeats, optional * 0.5, kKubunSpares);
     }
 
     if (rng.Chance(options.drawingShare)) {
@@ -435,12 +399,7 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
             if (shape == Shape::S05 && rng.Chance(optional)) {
                 d.japaneseName = QString(d.title).remove(QLatin1Char(' ')) + QStringLiteral(".JPG");
             }
-            if (options.maxRepeats > 0 && rng.Chance(optional * 0.5)) {
-                const int spares = rng.Range(1, options.maxRepeats);
-                for (int s = 0; s < spares; ++s) {
-                    d.spares << Text(rng.Pick(kDrawingSpares));
-                }
-            }
+            d.spares = Repeats(rng, options.maxRepeats, optional * 0.5, kDrawingSpares);
             p.drawings << d;
         }
     }
@@ -454,11 +413,9 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
     const bool dateRequired = shape == Shape::S04 || shape == Shape::S05;
     // 撮影情報 is never written empty: a photograph without a place keeps its date.
     p.dateWritten = dateRequired || rng.Chance(classified) || (shape != Shape::Flat11 && !p.place);
-    p.representative =
-        rng.Chance(categoryIndex == 0 ? 0.6 : 0.08) ? QStringLiteral("1") : QStringLiteral("0");
-    const bool submissionOptional = delivery.info->family == 2;
-    const QString submission = rng.Chance(0.4) ? QStringLiteral("1") : QStringLiteral("0");
-    if (!submissionOptional || rng.Chance(optional)) {
+    p.representative = rng.Chance(categoryIndex == 0 ? 0.6 : 0.08) ? "1" : "0";
+    const QString submission = rng.Chance(0.4) ? "1" : "0";
+    if (delivery.info->family != 2 || rng.Chance(optional)) {  // optional for 農水省 only
         p.submission = submission;
     }
     const bool measured = works && (categoryIndex == 4 || categoryIndex == 5);
@@ -469,7 +426,7 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
         p.explanation = Text(rng.Pick(kExplanations));
     }
     if (shape == Shape::Flat11 && rng.Chance(optional * 0.5)) {
-        p.seiriFlag = rng.Chance(0.5) ? QStringLiteral("1") : QStringLiteral("0");
+        p.seiriFlag = rng.Chance(0.5) ? "1" : "0";
     }
     return p;
 }
@@ -489,7 +446,6 @@ ExifFacts PlanExif(const DeliveryPlan& delivery, const DeliveryOptions& options,
     facts.exposureTime = 1.0 / rng.Pick(std::array<int, 5>{60, 125, 250, 500, 1000});
     facts.fNumber = rng.Pick(std::array<double, 4>{2.8, 4.0, 5.6, 8.0});
     facts.focalLength = rng.Pick(std::array<double, 4>{4.5, 6.0, 9.0, 12.3});
-    facts.maxAperture = 2.8;
     facts.isoSpeed = rng.Pick(std::array<int, 3>{100, 200, 400});
     facts.exposureBias = rng.Pick(std::array<double, 6>{0.0, 0.0, 0.0, -0.3, 0.3, 0.7});
     facts.flash = rng.Pick(std::array<int, 5>{0, 0, 0, 16, 25});
@@ -500,87 +456,92 @@ ExifFacts PlanExif(const DeliveryPlan& delivery, const DeliveryOptions& options,
         facts.longitude = delivery.siteLongitude + (rng.Real() - 0.5) * 0.004;
         facts.altitude = std::round((5.0 + rng.Real() * 100.0) * 10.0) / 10.0;
     }
-    facts.embedThumbnail = true;
     if (options.images == DeliveryOptions::Images::Tiny) {
         facts.thumbnailSize = QSize(32, 24);
     }
-    const bool sideways = facts.orientation == 6 || facts.orientation == 8;
-    if (sideways) {
+    if (facts.orientation == 6 || facts.orientation == 8) {
         facts.thumbnailSize.transpose();
     }
     return facts;
 }
 
-// ---- Shift_JIS XML out --------------------------------------------------------------------
+using Elements = QList<QPair<QString, QString>>;
+using Leaves = QList<std::pair<QString, std::optional<QString>>>;
 
-// Streams XML text as CP932 bytes. Tags and the repeated vocabulary are converted once and
-// kept, which is what makes a hundred thousand photographs a matter of seconds.
+std::optional<QString> Maybe(bool written, const QString& text) {
+    return written ? std::optional<QString>(text) : std::nullopt;
+}
+
+bool Fail(QString* error, const QString& message) {
+    *error = message;
+    return false;
+}
+
+// Streams XML text as CP932 bytes and, when asked, records the leaves in file order. Tags and
+// the repeated vocabulary are converted once and kept, which is what makes a hundred thousand
+// photographs a matter of seconds.
 class SjisXml {
 public:
     SjisXml(QIODevice* device, bool indent) : device(device), indent(indent) {
         buffer.reserve(kFlushAt + 4096);
     }
 
-    void Raw(const QString& text) { buffer.append(Encode(text)); }
-    void Line(const QString& text) {
-        Raw(text);
-        buffer.append("\r\n");
-    }
+    void Record(Elements* target) { record = target; }
+    void Line(const QString& text) { buffer.append(Encode(text)).append("\r\n"); }
     void Open(const QString& tag, const QString& attributes = {}) {
-        Indent();
-        buffer.append('<');
-        buffer.append(Encode(tag));
+        Indent().append('<').append(Encode(tag));
         if (!attributes.isEmpty()) {
-            buffer.append(' ');
-            buffer.append(Encode(attributes));
+            buffer.append(' ').append(Encode(attributes));
         }
-        buffer.append('>');
-        EndLine();
+        EndLine('>');
         ++depth;
     }
     void Close(const QString& tag) {
         --depth;
-        Indent();
-        buffer.append("</");
-        buffer.append(Encode(tag));
-        buffer.append('>');
-        EndLine();
-        MaybeFlush();
+        Indent().append("</").append(Encode(tag));
+        EndLine('>');
+        if (buffer.size() >= kFlushAt) {
+            Flush();
+        }
     }
-    void Leaf(const QString& tag, const QString& text) {
+    // An empty text leaves the element out.
+    void Leaf(const QString& tag, const std::optional<QString>& text) {
+        if (!text) {
+            return;
+        }
         const QByteArray tagBytes = Encode(tag);
-        Indent();
-        buffer.append('<');
-        buffer.append(tagBytes);
-        buffer.append('>');
-        AppendEscaped(text);
-        buffer.append("</");
-        buffer.append(tagBytes);
-        buffer.append('>');
-        EndLine();
+        QString escaped = *text;
+        escaped.replace('&', "&amp;").replace('<', "&lt;").replace('>', "&gt;");
+        Indent().append('<').append(tagBytes).append('>').append(Encode(escaped));
+        buffer.append("</").append(tagBytes);
+        EndLine('>');
+        if (record) {
+            record->append({tag, *text});
+        }
+    }
+    void Write(const Leaves& leaves) {
+        for (const auto& [tag, text] : leaves) {
+            Leaf(tag, text);
+        }
+    }
+    void Block(const QString& tag, const Leaves& leaves) {
+        Open(tag);
+        Write(leaves);
+        Close(tag);
     }
     bool Finish() {
         Flush();
         return ok;
     }
-    bool Ok() const { return ok; }
 
 private:
     static constexpr qsizetype kFlushAt = 1 << 20;
 
-    void Indent() {
-        if (indent) {
-            buffer.append(QByteArray(depth * 2, ' '));
-        }
-    }
-    void EndLine() {
+    QByteArray& Indent() { return buffer.append(QByteArray(indent ? depth * 2 : 0, ' ')); }
+    void EndLine(char last) {
+        buffer.append(last);
         if (indent) {
             buffer.append("\r\n");
-        }
-    }
-    void MaybeFlush() {
-        if (buffer.size() >= kFlushAt) {
-            Flush();
         }
     }
     void Flush() {
@@ -589,45 +550,17 @@ private:
         }
         buffer.clear();
     }
-    void AppendEscaped(const QString& text) {
-        bool plain = true;
-        for (QChar c : text) {
-            if (c == QLatin1Char('&') || c == QLatin1Char('<') || c == QLatin1Char('>')) {
-                plain = false;
-                break;
-            }
-        }
-        if (plain) {
-            buffer.append(Encode(text));
-            return;
-        }
-        QString escaped = text;
-        escaped.replace(QLatin1Char('&'), QStringLiteral("&amp;"))
-            .replace(QLatin1Char('<'), QStringLiteral("&lt;"))
-            .replace(QLatin1Char('>'), QStringLiteral("&gt;"));
-        buffer.append(Encode(escaped));
-    }
     // By value: the cache may rehash on the next insert, and the copy is only a reference count.
     QByteArray Encode(const QString& text) {
-        bool ascii = true;
-        for (QChar c : text) {
-            if (c.unicode() >= 0x80) {
-                ascii = false;
-                break;
-            }
-        }
-        if (ascii) {
+        if (std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; })) {
             return text.toLatin1();
         }
-        auto it = cache.constFind(text);
-        if (it != cache.constEnd()) {
+        if (auto it = cache.constFind(text); it != cache.constEnd()) {
             return *it;
         }
         bool converted = true;
         QByteArray bytes = Cp932::FromUnicode(text, &converted);
-        if (!converted) {
-            ok = false;
-        }
+        ok = ok && converted;
         if (cache.size() > 100000) {
             cache.clear();
         }
@@ -641,215 +574,149 @@ private:
     bool ok = true;
     QByteArray buffer;
     QHash<QString, QByteArray> cache;
+    Elements* record = nullptr;
 };
 
-using Elements = QList<QPair<QString, QString>>;
-
-// Writes leaves and, when asked, records them in file order.
-class Recorder {
-public:
-    Recorder(SjisXml& xml, Elements* record) : xml(xml), record(record) {}
-    void Leaf(const QString& tag, const QString& text) {
-        xml.Leaf(tag, text);
-        if (record) {
-            record->append({tag, text});
-        }
+// Writes the XML file at path through body, which may fail with its own error.
+bool WriteXml(const QString& path, bool indent, QString* error,
+              const std::function<bool(SjisXml&)>& body) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return Fail(error, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
     }
-    void Leaf(const QString& tag, const std::optional<QString>& text) {
-        if (text) {
-            Leaf(tag, *text);
-        }
+    SjisXml xml(&file, indent);
+    xml.Line(QStringLiteral("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"));
+    if (!body(xml)) {
+        return false;
     }
-    void Use(Elements* target) { record = target; }
+    if (!xml.Finish()) {
+        return Fail(error, QStringLiteral("cannot write %1 (disk full, or text without a "
+                                          "Shift_JIS form)")
+                               .arg(path));
+    }
+    return file.commit() ||
+           Fail(error, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+}
 
-private:
-    SjisXml& xml;
-    Elements* record;
-};
-
-void WritePhoto(SjisXml& xml, Recorder& out, const PhotoPlan& p, Shape shape) {
-    const QString date = p.date.toString(Qt::ISODate);
-    xml.Open(QStringLiteral("写真情報"));
+void WritePhoto(SjisXml& xml, const PhotoPlan& p, Shape shape) {
+    const QString serial = QString::number(p.serial);
+    const std::optional<QString> date = Maybe(p.dateWritten, p.date.toString(Qt::ISODate));
+    const Leaves classification = {{"写真-大分類", p.major}, {"写真区分", p.category},
+                                   {"工種", p.kousyu},       {"種別", p.syubetsu},
+                                   {"細別", p.saibetsu},     {"写真タイトル", p.title}};
+    xml.Open("写真情報");
     if (shape == Shape::Flat11) {
-        out.Leaf(QStringLiteral("シリアル番号"), QString::number(p.serial));
-        out.Leaf(QStringLiteral("写真ファイル名"), p.fileName);
-        out.Leaf(QStringLiteral("写真-大分類"), p.major);
-        out.Leaf(QStringLiteral("写真区分"), p.category);
-        out.Leaf(QStringLiteral("工種"), p.kousyu);
-        out.Leaf(QStringLiteral("種別"), p.syubetsu);
-        out.Leaf(QStringLiteral("細別"), p.saibetsu);
-        out.Leaf(QStringLiteral("写真タイトル"), p.title);
-        out.Leaf(QStringLiteral("撮影箇所"), p.place);
-        if (p.dateWritten) {
-            out.Leaf(QStringLiteral("撮影年月日"), date);
-        }
+        xml.Write({{"シリアル番号", serial}, {"写真ファイル名", p.fileName}});
+        xml.Write(classification);
+        xml.Write({{"撮影箇所", p.place}, {"撮影年月日", date}});
         for (int k = 0; k < p.drawings.size(); ++k) {
-            out.Leaf(QStringLiteral("参考図%1").arg(k + 1), p.drawings[k].fileName);
+            xml.Leaf(QStringLiteral("参考図%1").arg(k + 1), p.drawings[k].fileName);
         }
-        out.Leaf(QStringLiteral("整理フラグ"), p.seiriFlag);
-        xml.Close(QStringLiteral("写真情報"));
+        xml.Leaf("整理フラグ", p.seiriFlag);
+        xml.Close("写真情報");
         return;
     }
-
-    xml.Open(QStringLiteral("写真ファイル情報"));
-    out.Leaf(QStringLiteral("シリアル番号"), QString::number(p.serial));
-    out.Leaf(QStringLiteral("写真ファイル名"), p.fileName);
-    out.Leaf(QStringLiteral("写真ファイル日本語名"), p.japaneseName);
-    out.Leaf(QStringLiteral("メディア番号"), QStringLiteral("1"));
-    xml.Close(QStringLiteral("写真ファイル情報"));
-
-    xml.Open(QStringLiteral("撮影工種区分"));
-    out.Leaf(QStringLiteral("写真-大分類"), p.major);
-    out.Leaf(QStringLiteral("写真区分"), p.category);
-    out.Leaf(QStringLiteral("工種"), p.kousyu);
-    out.Leaf(QStringLiteral("種別"), p.syubetsu);
-    out.Leaf(QStringLiteral("細別"), p.saibetsu);
-    out.Leaf(QStringLiteral("写真タイトル"), p.title);
+    xml.Block("写真ファイル情報", {{"シリアル番号", serial},
+                                   {"写真ファイル名", p.fileName},
+                                   {"写真ファイル日本語名", p.japaneseName},
+                                   {"メディア番号", "1"}});
+    xml.Open("撮影工種区分");
+    xml.Write(classification);
     for (const QString& spare : p.kubunSpares) {
-        out.Leaf(QStringLiteral("工種区分予備"), spare);
+        xml.Leaf("工種区分予備", spare);
     }
-    xml.Close(QStringLiteral("撮影工種区分"));
-
+    xml.Close("撮影工種区分");
     for (const DrawingPlan& d : p.drawings) {
-        xml.Open(QStringLiteral("付加情報"));
-        out.Leaf(QStringLiteral("参考図ファイル名"), d.fileName);
-        if (shape == Shape::S05) {
-            out.Leaf(QStringLiteral("参考図ファイル日本語名"), d.japaneseName);
-        }
-        out.Leaf(QStringLiteral("参考図タイトル"), d.title);
+        xml.Open("付加情報");
+        xml.Write({{"参考図ファイル名", d.fileName},
+                   {"参考図ファイル日本語名", Maybe(shape == Shape::S05, d.japaneseName)},
+                   {"参考図タイトル", d.title}});
         for (const QString& spare : d.spares) {
-            out.Leaf(QStringLiteral("付加情報予備"), spare);
+            xml.Leaf("付加情報予備", spare);
         }
-        xml.Close(QStringLiteral("付加情報"));
+        xml.Close("付加情報");
     }
-
-    xml.Open(QStringLiteral("撮影情報"));
-    out.Leaf(QStringLiteral("撮影箇所"), p.place);
-    if (p.dateWritten) {
-        out.Leaf(QStringLiteral("撮影年月日"), date);
-    }
-    xml.Close(QStringLiteral("撮影情報"));
-
-    out.Leaf(QStringLiteral("代表写真"), p.representative);
-    out.Leaf(QStringLiteral("提出頻度写真"), p.submission);
-    out.Leaf(QStringLiteral("施工管理値"), p.controlValue);
-    out.Leaf(QStringLiteral("請負者説明文"), p.explanation);
-    xml.Close(QStringLiteral("写真情報"));
+    xml.Block("撮影情報", {{"撮影箇所", p.place}, {"撮影年月日", date}});
+    xml.Write({{"代表写真", p.representative},
+               {"提出頻度写真", p.submission},
+               {"施工管理値", p.controlValue},
+               {"請負者説明文", p.explanation}});
+    xml.Close("写真情報");
 }
 
 bool WriteIndexFile(const QString& path, const DeliveryPlan& plan, bool indent, QString* error) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        *error = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
-        return false;
-    }
     const GenerationInfo& info = *plan.info;
-    const bool newer = info.shape == Shape::S05;
-    SjisXml xml(&file, indent);
-    Recorder out(xml, nullptr);
-    xml.Line(QStringLiteral("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"));
-    xml.Line(QStringLiteral("<!DOCTYPE constdata SYSTEM \"%1\">").arg(Text(info.indexDtd)));
-    const QString version = Text(info.indexDtd).mid(6, 2);
-    xml.Open(QStringLiteral("constdata"), QStringLiteral("DTD_version=\"%1\"").arg(version));
-    xml.Open(QStringLiteral("基礎情報"));
-    out.Leaf(QStringLiteral("メディア番号"), QStringLiteral("1"));
-    out.Leaf(QStringLiteral("メディア総枚数"), QStringLiteral("1"));
-    out.Leaf(QStringLiteral("適用要領基準"), Text(info.standard));
-    out.Leaf(QStringLiteral("写真フォルダ名"), QStringLiteral("PHOTO"));
-    xml.Close(QStringLiteral("基礎情報"));
-    xml.Open(QStringLiteral("工事件名等"));
-    out.Leaf(QStringLiteral("発注年度"), QString::number(info.year));
-    out.Leaf(QStringLiteral("工事番号"), plan.ordererCode + QStringLiteral("01"));
-    out.Leaf(QStringLiteral("工事名称"), plan.workName);
-    out.Leaf(QStringLiteral("工事分野"),
-             plan.river ? QStringLiteral("河川") : QStringLiteral("道路"));
-    out.Leaf(QStringLiteral("工事業種"), QStringLiteral("一般土木工事"));
-    xml.Open(QStringLiteral("住所情報"));
-    out.Leaf(QStringLiteral("住所コード"), QStringLiteral("13999"));
-    out.Leaf(QStringLiteral("住所"), QStringLiteral("緑ヶ丘県緑ヶ丘市本町一丁目"));
-    xml.Close(QStringLiteral("住所情報"));
-    out.Leaf(QStringLiteral("工期開始日"), plan.start.toString(Qt::ISODate));
-    out.Leaf(QStringLiteral("工期終了日"), plan.end.toString(Qt::ISODate));
-    out.Leaf(QStringLiteral("工事内容"), plan.river ? QStringLiteral("護岸工、河川土工、樋管工")
-                                                    : QStringLiteral("道路土工、擁壁工、舗装工"));
-    xml.Close(QStringLiteral("工事件名等"));
-    xml.Open(QStringLiteral("場所情報"));
-    out.Leaf(QStringLiteral("測地系"), QStringLiteral("01"));
-    xml.Close(QStringLiteral("場所情報"));
-    xml.Open(QStringLiteral("発注者情報"));
-    out.Leaf(QStringLiteral("発注者-大分類"), plan.orderer);
-    out.Leaf(QStringLiteral("発注者-中分類"), plan.office);
-    out.Leaf(QStringLiteral("発注者コード"), plan.ordererCode);
-    xml.Close(QStringLiteral("発注者情報"));
-    const QString party = newer ? QStringLiteral("受注者") : QStringLiteral("請負者");
-    xml.Open(party + QStringLiteral("情報"));
-    out.Leaf(party + QStringLiteral("名"), plan.contractor);
-    out.Leaf(party + QStringLiteral("コード"), plan.contractorCode);
-    xml.Close(party + QStringLiteral("情報"));
-    xml.Close(QStringLiteral("constdata"));
-    if (!xml.Finish() || !file.commit()) {
-        *error = QStringLiteral("cannot write %1").arg(path);
-        return false;
-    }
-    return true;
-}
-
-bool WriteJpeg(const QString& path, const QImage& image, const ExifFacts& facts, QString* error) {
-    if (!WriteExifJpeg(path, image, facts, 85)) {
-        *error = QStringLiteral("cannot write %1").arg(path);
-        return false;
-    }
-    return true;
-}
-
-// The stored pixels of a photograph whose camera was turned: the viewer rotates them back by
-// the orientation tag, so the scene is drawn upright and turned the other way here.
-QImage AsStored(const QImage& upright, int orientation) {
-    if (orientation == 6) {
-        return upright.transformed(QTransform().rotate(-90));
-    }
-    if (orientation == 8) {
-        return upright.transformed(QTransform().rotate(90));
-    }
-    return upright;
+    return WriteXml(path, indent, error, [&](SjisXml& xml) {
+        xml.Line(QStringLiteral("<!DOCTYPE constdata SYSTEM \"%1\">").arg(Text(info.indexDtd)));
+        const QString version = Text(info.indexDtd).mid(6, 2);
+        xml.Open("constdata", QStringLiteral("DTD_version=\"%1\"").arg(version));
+        xml.Block("基礎情報", {{"メディア番号", "1"},
+                               {"メディア総枚数", "1"},
+                               {"適用要領基準", Text(info.standard)},
+                               {"写真フォルダ名", "PHOTO"}});
+        xml.Open("工事件名等");
+        xml.Write({{"発注年度", QString::number(info.year)},
+                   {"工事番号", plan.ordererCode + "01"},
+                   {"工事名称", plan.workName},
+                   {"工事分野", plan.river ? "河川" : "道路"},
+                   {"工事業種", "一般土木工事"}});
+        xml.Block("住所情報", {{"住所コード", "13999"}, {"住所", "緑ヶ丘県緑ヶ丘市本町一丁目"}});
+        xml.Write(
+            {{"工期開始日", plan.start.toString(Qt::ISODate)},
+             {"工期終了日", plan.end.toString(Qt::ISODate)},
+             {"工事内容", plan.river ? "護岸工、河川土工、樋管工" : "道路土工、擁壁工、舗装工"}});
+        xml.Close("工事件名等");
+        xml.Block("場所情報", {{"測地系", "01"}});
+        xml.Block("発注者情報", {{"発注者-大分類", plan.orderer},
+                                 {"発注者-中分類", plan.office},
+                                 {"発注者コード", plan.ordererCode}});
+        const QString party = info.shape == Shape::S05 ? "受注者" : "請負者";
+        xml.Block(party + "情報",
+                  {{party + "名", plan.contractor}, {party + "コード", plan.contractorCode}});
+        xml.Close("constdata");
+        return true;
+    });
 }
 
 bool WriteImages(const QString& photoFolder, const DeliveryPlan& delivery,
                  const DeliveryOptions& options, int index, const PhotoPlan& photo,
                  const ExifFacts& facts, QString* error) {
     const bool boards = options.images == DeliveryOptions::Images::Boards;
-    QImage upright;
+    const auto jpeg = [&](const QString& path, const QImage& image, const ExifFacts& exif) {
+        return WriteExifJpeg(path, image, exif, 85) ||
+               Fail(error, QStringLiteral("cannot write %1").arg(path));
+    };
+    QImage upright(64, 48, QImage::Format_RGB32);
     if (boards) {
-        BoardContent board;
-        board.workName = delivery.workName;
-        board.kousyu = photo.kousyu.value_or(QString());
-        board.syubetsu = photo.syubetsu.value_or(QString());
-        board.place = photo.place.value_or(QString());
-        board.title = photo.title;
-        board.date = photo.date;
-        board.scene = photo.work->scene;
-        board.river = delivery.river;
-        board.seed = SubSeed(options.seed, index, 0xB0A2);
-        upright = DrawSitePhoto(board, options.imageSize);
+        upright = DrawSitePhoto({.workName = delivery.workName,
+                                 .kousyu = photo.kousyu.value_or(QString()),
+                                 .syubetsu = photo.syubetsu.value_or(QString()),
+                                 .place = photo.place.value_or(QString()),
+                                 .title = photo.title,
+                                 .date = photo.date,
+                                 .scene = photo.work->scene,
+                                 .river = delivery.river,
+                                 .seed = SubSeed(options.seed, index, 0xB0A2)},
+                                options.imageSize);
     } else {
-        upright = QImage(64, 48, QImage::Format_RGB32);
         upright.fill(QColor::fromHsv((index * 37) % 360, 120, 200));
     }
-    if (!WriteJpeg(photoFolder + QStringLiteral("/PIC/") + photo.fileName,
-                   AsStored(upright, facts.orientation), facts, error)) {
+    // The stored pixels of a photograph whose camera was turned: the viewer rotates them back
+    // by the orientation tag, so the scene is drawn upright and turned the other way here.
+    const int turn = facts.orientation == 6 ? -90 : facts.orientation == 8 ? 90 : 0;
+    const QImage stored = turn ? upright.transformed(QTransform().rotate(turn)) : upright;
+    if (!jpeg(photoFolder + "/PIC/" + photo.fileName, stored, facts)) {
         return false;
     }
     ExifFacts plain;
     plain.writeExif = false;
     for (const DrawingPlan& d : photo.drawings) {
-        QImage drawing;
+        QImage drawing(64, 48, QImage::Format_RGB32);
+        drawing.fill(Qt::white);
         if (boards) {
             drawing = DrawReferenceDrawing(d.scene, d.title, options.imageSize);
-        } else {
-            drawing = QImage(64, 48, QImage::Format_RGB32);
-            drawing.fill(Qt::white);
         }
-        if (!WriteJpeg(photoFolder + QStringLiteral("/DRA/") + d.fileName, drawing, plain, error)) {
+        if (!jpeg(photoFolder + "/DRA/" + d.fileName, drawing, plain)) {
             return false;
         }
     }
@@ -868,8 +735,8 @@ int FamilyOf(Generation generation) {
 
 QList<Generation> AllGenerations() {
     QList<Generation> all;
-    for (const GenerationInfo& info : kGenerations) {
-        all << info.generation;
+    for (size_t i = 0; i < kGenerations.size(); ++i) {
+        all << static_cast<Generation>(i);
     }
     return all;
 }
@@ -878,7 +745,7 @@ bool GenerationFromName(const QString& name, Generation* generation) {
     for (const GenerationInfo& info : kGenerations) {
         if (name == Text(info.section) ||
             name.compare(QLatin1String(info.ascii), Qt::CaseInsensitive) == 0) {
-            *generation = info.generation;
+            *generation = static_cast<Generation>(&info - kGenerations.data());
             return true;
         }
     }
@@ -888,36 +755,29 @@ bool GenerationFromName(const QString& name, Generation* generation) {
 bool WriteDelivery(const QString& root, const DeliveryOptions& options, WrittenDelivery* written,
                    QString* error) {
     QString ignored;
-    if (!error) {
-        error = &ignored;
-    }
+    error = error ? error : &ignored;
     if (options.photoCount < 1) {
-        *error = QStringLiteral("a delivery needs at least one photograph");
-        return false;
+        return Fail(error, "a delivery needs at least one photograph");
     }
     const bool images = options.images != DeliveryOptions::Images::None;
     if (options.images == DeliveryOptions::Images::Boards) {
         if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
-            *error = QStringLiteral("drawing the blackboard photographs needs a QGuiApplication");
-            return false;
+            return Fail(error, "drawing the blackboard photographs needs a QGuiApplication");
         }
         if (options.imageSize.width() < 32 || options.imageSize.height() < 24) {
-            *error = QStringLiteral("the image size must be at least 32 x 24");
-            return false;
+            return Fail(error, "the image size must be at least 32 x 24");
         }
     }
 
     const QString indexFolder = QDir(root).absoluteFilePath(QStringLiteral("INDEX_C"));
     const QString photoFolder = indexFolder + QStringLiteral("/PHOTO");
-    if (!QDir().mkpath(photoFolder) ||
-        (images && !QDir().mkpath(photoFolder + QStringLiteral("/PIC")))) {
-        *error = QStringLiteral("cannot create the folder %1").arg(photoFolder);
-        return false;
+    if (!QDir().mkpath(photoFolder) || (images && !QDir().mkpath(photoFolder + "/PIC"))) {
+        return Fail(error, QStringLiteral("cannot create the folder %1").arg(photoFolder));
     }
 
     const DeliveryPlan delivery = PlanDelivery(options);
     const GenerationInfo& info = *delivery.info;
-    const Shape shape = info.shape;
+    const bool flat = info.shape == Shape::Flat11;
 
     // Planned in full first: the management block says whether there are drawings at all.
     Rng rng(SubSeed(options.seed, 0, 0x9407));
@@ -928,9 +788,8 @@ bool WriteDelivery(const QString& root, const DeliveryOptions& options, WrittenD
         plans.append(PlanPhoto(rng, delivery, options, i, &drawingCounter));
     }
     const bool hasDrawings = drawingCounter > 0;
-    if (images && hasDrawings && !QDir().mkpath(photoFolder + QStringLiteral("/DRA"))) {
-        *error = QStringLiteral("cannot create the folder %1/DRA").arg(photoFolder);
-        return false;
+    if (images && hasDrawings && !QDir().mkpath(photoFolder + "/DRA")) {
+        return Fail(error, QStringLiteral("cannot create the folder %1/DRA").arg(photoFolder));
     }
 
     if (written) {
@@ -939,85 +798,55 @@ bool WriteDelivery(const QString& root, const DeliveryOptions& options, WrittenD
         written->family = info.family;
         written->photos.reserve(options.photoCount);
     }
-
-    if (!WriteIndexFile(indexFolder + QStringLiteral("/INDEX_C.XML"), delivery, options.indent,
-                        error)) {
+    if (!WriteIndexFile(indexFolder + "/INDEX_C.XML", delivery, options.indent, error)) {
         return false;
     }
 
-    const QString xmlPath = photoFolder + QStringLiteral("/PHOTO.XML");
-    QSaveFile file(xmlPath);
-    if (!file.open(QIODevice::WriteOnly)) {
-        *error = QStringLiteral("cannot write %1: %2").arg(xmlPath, file.errorString());
-        return false;
-    }
-    SjisXml xml(&file, options.indent);
-    Recorder out(xml, written ? &written->managementElements : nullptr);
-    xml.Line(QStringLiteral("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"));
-    xml.Line(QStringLiteral("<!DOCTYPE photodata SYSTEM \"%1\">").arg(Text(info.dtd)));
-    xml.Open(QStringLiteral("photodata"),
-             QStringLiteral("DTD_version=\"%1\"").arg(Text(info.dtdVersion)));
-    xml.Open(QStringLiteral("基礎情報"));
-    if (shape == Shape::Flat11) {
-        out.Leaf(QStringLiteral("メディア番号"), QStringLiteral("1"));
-        out.Leaf(QStringLiteral("メディア総枚数"), QStringLiteral("1"));
-    }
-    out.Leaf(QStringLiteral("写真フォルダ名"), QStringLiteral("PHOTO/PIC"));
-    if (hasDrawings) {
-        out.Leaf(QStringLiteral("参考図フォルダ名"), QStringLiteral("PHOTO/DRA"));
-    }
-    if (shape != Shape::Flat11) {
-        out.Leaf(QStringLiteral("適用要領基準"), Text(info.standard));
-    }
-    xml.Close(QStringLiteral("基礎情報"));
-    if (shape == Shape::Flat11) {
-        xml.Open(QStringLiteral("工事情報"));
-        out.Leaf(QStringLiteral("工事件名"), delivery.workName);
-        xml.Close(QStringLiteral("工事情報"));
-    }
+    return WriteXml(photoFolder + "/PHOTO.XML", options.indent, error, [&](SjisXml& xml) {
+        xml.Record(written ? &written->managementElements : nullptr);
+        xml.Line(QStringLiteral("<!DOCTYPE photodata SYSTEM \"%1\">").arg(Text(info.dtd)));
+        xml.Open("photodata", QStringLiteral("DTD_version=\"%1\"").arg(Text(info.dtdVersion)));
+        xml.Block("基礎情報", {{"メディア番号", Maybe(flat, "1")},
+                               {"メディア総枚数", Maybe(flat, "1")},
+                               {"写真フォルダ名", "PHOTO/PIC"},
+                               {"参考図フォルダ名", Maybe(hasDrawings, "PHOTO/DRA")},
+                               {"適用要領基準", Maybe(!flat, Text(info.standard))}});
+        if (flat) {
+            xml.Block("工事情報", {{"工事件名", delivery.workName}});
+        }
 
-    for (int i = 0; i < plans.size(); ++i) {
-        const PhotoPlan& plan = plans[i];
-        WrittenPhoto* photo = nullptr;
-        if (written) {
-            written->photos.append(WrittenPhoto());
-            photo = &written->photos.last();
-            photo->fileName = plan.fileName;
-            for (const DrawingPlan& d : plan.drawings) {
-                photo->drawings << d.fileName;
+        for (int i = 0; i < plans.size(); ++i) {
+            const PhotoPlan& plan = plans[i];
+            WrittenPhoto* photo = nullptr;
+            if (written) {
+                photo = &written->photos.emplace_back();
+                photo->fileName = plan.fileName;
+                for (const DrawingPlan& d : plan.drawings) {
+                    photo->drawings << d.fileName;
+                }
+            }
+            xml.Record(photo ? &photo->elements : nullptr);
+            WritePhoto(xml, plan, info.shape);
+            if (images || photo) {
+                const ExifFacts facts = PlanExif(delivery, options, i, plan);
+                if (photo) {
+                    photo->exif = facts;
+                }
+                if (images && !WriteImages(photoFolder, delivery, options, i, plan, facts, error)) {
+                    return false;
+                }
             }
         }
-        out.Use(photo ? &photo->elements : nullptr);
-        WritePhoto(xml, out, plan, shape);
-        if (images || photo) {
-            const ExifFacts facts = PlanExif(delivery, options, i, plan);
-            if (photo) {
-                photo->exif = facts;
-            }
-            if (images && !WriteImages(photoFolder, delivery, options, i, plan, facts, error)) {
-                return false;
-            }
-        }
-    }
 
-    out.Use(written ? &written->managementElements : nullptr);
-    Rng tail(SubSeed(options.seed, 0, 0x7A11));
-    if (options.maxRepeats > 0 && tail.Chance(options.optionalShare)) {
-        const int n = tail.Range(1, options.maxRepeats);
-        for (int k = 0; k < n; ++k) {
-            out.Leaf(QStringLiteral("ソフトメーカ用TAG"),
-                     QStringLiteral("TOVI-MAKEDELIVERY %1").arg(k + 1));
+        xml.Record(written ? &written->managementElements : nullptr);
+        Rng tail(SubSeed(options.seed, 0, 0x7A11));
+        if (options.maxRepeats > 0 && tail.Chance(options.optionalShare)) {
+            const int n = tail.Range(1, options.maxRepeats);
+            for (int k = 0; k < n; ++k) {
+                xml.Leaf("ソフトメーカ用TAG", QStringLiteral("TOVI-MAKEDELIVERY %1").arg(k + 1));
+            }
         }
-    }
-    xml.Close(QStringLiteral("photodata"));
-    if (!xml.Finish()) {
-        *error = QStringLiteral("cannot write %1 (disk full, or text without a Shift_JIS form)")
-                     .arg(xmlPath);
-        return false;
-    }
-    if (!file.commit()) {
-        *error = QStringLiteral("cannot write %1: %2").arg(xmlPath, file.errorString());
-        return false;
-    }
-    return true;
+        xml.Close("photodata");
+        return true;
+    });
 }

@@ -13,24 +13,14 @@
 
 namespace {
 
-enum TiffType : quint16 {
-    kByte = 1,
-    kAscii = 2,
-    kShort = 3,
-    kLong = 4,
-    kRational = 5,
-    kUndefined = 7,
-    kSRational = 10,
-};
+// TIFF field types.
+constexpr quint16 kByte = 1, kAscii = 2, kShort = 3, kLong = 4, kRational = 5, kUndefined = 7,
+                  kSRational = 10;
 
-void PutU16(QByteArray& out, quint16 v) {
-    out.append(static_cast<char>(v & 0xff));
-    out.append(static_cast<char>(v >> 8));
-}
-
-void PutU32(QByteArray& out, quint32 v) {
-    for (int shift = 0; shift < 32; shift += 8) {
-        out.append(static_cast<char>((v >> shift) & 0xff));
+// Little-endian, as the whole block is.
+void PutLe(QByteArray& out, quint32 v, int bytes) {
+    for (int i = 0; i < bytes; ++i) {
+        out.append(static_cast<char>((v >> (8 * i)) & 0xff));
     }
 }
 
@@ -72,26 +62,23 @@ public:
     void Add(quint16 tag, quint16 type, quint32 count, QByteArray data) {
         entries.append({tag, type, count, std::move(data)});
     }
+    // An empty text leaves the tag out.
     void AddAscii(quint16 tag, const QString& text) {
-        QByteArray bytes = text.toUtf8();
-        bytes.append('\0');
-        Add(tag, kAscii, static_cast<quint32>(bytes.size()), bytes);
+        if (!text.isEmpty()) {
+            AddBytes(tag, kAscii, text.toUtf8() + '\0');
+        }
     }
-    void AddShort(quint16 tag, quint16 value) {
+    // One kShort or kLong.
+    void AddNumber(quint16 tag, quint16 type, quint32 value) {
         QByteArray data;
-        PutU16(data, value);
-        Add(tag, kShort, 1, data);
-    }
-    void AddLong(quint16 tag, quint32 value) {
-        QByteArray data;
-        PutU32(data, value);
-        Add(tag, kLong, 1, data);
+        PutLe(data, value, type == kShort ? 2 : 4);
+        Add(tag, type, 1, data);
     }
     void AddRationals(quint16 tag, const QList<Rational>& values, bool isSigned = false) {
         QByteArray data;
         for (const Rational& r : values) {
-            PutU32(data, static_cast<quint32>(r.num));
-            PutU32(data, static_cast<quint32>(r.den));
+            PutLe(data, static_cast<quint32>(r.num), 4);
+            PutLe(data, static_cast<quint32>(r.den), 4);
         }
         Add(tag, isSigned ? kSRational : kRational, static_cast<quint32>(values.size()), data);
     }
@@ -102,19 +89,15 @@ public:
         for (Entry& e : entries) {
             if (e.tag == tag) {
                 e.data.clear();
-                PutU32(e.data, value);
+                PutLe(e.data, value, 4);
             }
         }
     }
 
-    quint32 Size() const {
-        quint32 size = 2 + 12 * static_cast<quint32>(entries.size()) + 4;
-        for (const Entry& e : entries) {
-            if (e.data.size() > 4) {
-                size += static_cast<quint32>(e.data.size() + (e.data.size() & 1));
-            }
-        }
-        return size;
+    quint32 Size() {
+        QByteArray scratch;
+        Write(scratch, 0);
+        return static_cast<quint32>(scratch.size());
     }
 
     // Appends the directory to tiff, which must be at offset; entries go in tag order, as
@@ -125,24 +108,19 @@ public:
         const quint32 offset = static_cast<quint32>(tiff.size());
         quint32 dataOffset = offset + 2 + 12 * static_cast<quint32>(entries.size()) + 4;
         QByteArray area;
-        PutU16(tiff, static_cast<quint16>(entries.size()));
+        PutLe(tiff, static_cast<quint16>(entries.size()), 2);
         for (const Entry& e : entries) {
-            PutU16(tiff, e.tag);
-            PutU16(tiff, e.type);
-            PutU32(tiff, e.count);
+            PutLe(tiff, e.tag, 2);
+            PutLe(tiff, e.type, 2);
+            PutLe(tiff, e.count, 4);
             if (e.data.size() <= 4) {
-                QByteArray inline4 = e.data;
-                inline4.append(QByteArray(4 - inline4.size(), '\0'));
-                tiff.append(inline4);
+                tiff.append(e.data.leftJustified(4, '\0'));
             } else {
-                PutU32(tiff, dataOffset + static_cast<quint32>(area.size()));
-                area.append(e.data);
-                if (e.data.size() & 1) {
-                    area.append('\0');
-                }
+                PutLe(tiff, dataOffset + static_cast<quint32>(area.size()), 4);
+                area.append(e.data).append(QByteArray(e.data.size() & 1, '\0'));
             }
         }
-        PutU32(tiff, next);
+        PutLe(tiff, next, 4);
         tiff.append(area);
     }
 
@@ -180,64 +158,42 @@ QByteArray EncodeJpeg(const QImage& image, int quality) {
 // Position after SOI and a JFIF APP0 segment if there is one: an Exif file carries its APP1
 // first, so the JFIF header that the encoder writes is dropped.
 qsizetype AfterSoiAndJfif(const QByteArray& jpeg) {
-    if (jpeg.size() < 4 || static_cast<uchar>(jpeg[0]) != 0xFF ||
-        static_cast<uchar>(jpeg[1]) != 0xD8) {
+    const auto byte = [&](int i) { return static_cast<uchar>(jpeg[i]); };
+    if (jpeg.size() < 4 || byte(0) != 0xFF || byte(1) != 0xD8) {
         return -1;
     }
-    if (static_cast<uchar>(jpeg[2]) == 0xFF && static_cast<uchar>(jpeg[3]) == 0xE0 &&
-        jpeg.size() >= 6) {
-        const int length = (static_cast<uchar>(jpeg[4]) << 8) | static_cast<uchar>(jpeg[5]);
-        if (2 + 2 + length <= jpeg.size()) {
-            return 2 + 2 + length;
-        }
-    }
-    return 2;
+    const qsizetype end = jpeg.size() >= 6 ? 4 + ((byte(4) << 8) | byte(5)) : 0;
+    return byte(2) == 0xFF && byte(3) == 0xE0 && end > 0 && end <= jpeg.size() ? end : 2;
 }
 
 QByteArray StripJfif(const QByteArray& jpeg) {
     const qsizetype rest = AfterSoiAndJfif(jpeg);
-    if (rest < 0) {
-        return {};
-    }
-    return jpeg.left(2) + jpeg.mid(rest);
+    return rest < 0 ? QByteArray() : jpeg.left(2) + jpeg.mid(rest);
 }
 
 // The TIFF structure of the Exif block: IFD0, Exif IFD, GPS IFD, IFD1, thumbnail.
 QByteArray BuildTiff(const ExifFacts& facts, QSize imageSize, const QByteArray& thumbnail) {
-    Ifd ifd0;
-    Ifd exif;
-    Ifd gps;
-    Ifd ifd1;
+    Ifd ifd0, exif, gps, ifd1;
 
-    if (!facts.make.isEmpty()) {
-        ifd0.AddAscii(0x010F, facts.make);
-    }
-    if (!facts.model.isEmpty()) {
-        ifd0.AddAscii(0x0110, facts.model);
-    }
+    ifd0.AddAscii(0x010F, facts.make);
+    ifd0.AddAscii(0x0110, facts.model);
     if (facts.orientation > 0) {
-        ifd0.AddShort(0x0112, static_cast<quint16>(facts.orientation));
+        ifd0.AddNumber(0x0112, kShort, static_cast<quint16>(facts.orientation));
     }
     ifd0.AddRationals(0x011A, {{72, 1}});
     ifd0.AddRationals(0x011B, {{72, 1}});
-    ifd0.AddShort(0x0128, 2);  // inches
-    if (!facts.software.isEmpty()) {
-        ifd0.AddAscii(0x0131, facts.software);
-    }
+    ifd0.AddNumber(0x0128, kShort, 2);  // inches
+    ifd0.AddAscii(0x0131, facts.software);
     const bool hasDate = facts.dateTimeOriginal.isValid();
     if (hasDate) {
         ifd0.AddBytes(0x0132, kAscii, ExifDate(facts.dateTimeOriginal));
     }
-    if (!facts.artist.isEmpty()) {
-        ifd0.AddAscii(0x013B, facts.artist);
-    }
-    ifd0.AddShort(0x0213, 1);  // YCbCr centred
-    if (!facts.copyright.isEmpty()) {
-        ifd0.AddAscii(0x8298, facts.copyright);
-    }
-    ifd0.AddLong(0x8769, 0);
+    ifd0.AddAscii(0x013B, facts.artist);
+    ifd0.AddNumber(0x0213, kShort, 1);  // YCbCr centred
+    ifd0.AddAscii(0x8298, facts.copyright);
+    ifd0.AddNumber(0x8769, kLong, 0);
     if (facts.hasGps) {
-        ifd0.AddLong(0x8825, 0);
+        ifd0.AddNumber(0x8825, kLong, 0);
     }
 
     if (facts.exposureTime > 0) {
@@ -249,11 +205,9 @@ QByteArray BuildTiff(const ExifFacts& facts, QSize imageSize, const QByteArray& 
         exif.AddRationals(0x9202, {ToRational(2.0 * std::log2(facts.fNumber), 1000)});
     }
     if (facts.isoSpeed > 0) {
-        exif.AddShort(0x8827, static_cast<quint16>(facts.isoSpeed));
+        exif.AddNumber(0x8827, kShort, static_cast<quint16>(facts.isoSpeed));
     }
-    QByteArray version = facts.exifVersion.left(4);
-    version.append(QByteArray(4 - version.size(), '0'));
-    exif.AddBytes(0x9000, kUndefined, version);
+    exif.AddBytes(0x9000, kUndefined, facts.exifVersion.left(4).leftJustified(4, '0'));
     if (hasDate) {
         exif.AddBytes(0x9003, kAscii, ExifDate(facts.dateTimeOriginal));
         exif.AddBytes(0x9004, kAscii, ExifDate(facts.dateTimeOriginal));
@@ -264,18 +218,18 @@ QByteArray BuildTiff(const ExifFacts& facts, QSize imageSize, const QByteArray& 
         exif.AddRationals(0x9205, {ToRational(2.0 * std::log2(facts.maxAperture), 1000)});
     }
     if (facts.meteringMode >= 0) {
-        exif.AddShort(0x9207, static_cast<quint16>(facts.meteringMode));
+        exif.AddNumber(0x9207, kShort, static_cast<quint16>(facts.meteringMode));
     }
     if (facts.flash >= 0) {
-        exif.AddShort(0x9209, static_cast<quint16>(facts.flash));
+        exif.AddNumber(0x9209, kShort, static_cast<quint16>(facts.flash));
     }
     if (facts.focalLength > 0) {
         exif.AddRationals(0x920A, {ToRational(facts.focalLength, 100)});
     }
     exif.AddBytes(0xA000, kUndefined, QByteArray("0100"));
-    exif.AddShort(0xA001, 1);  // sRGB
-    exif.AddLong(0xA002, static_cast<quint32>(imageSize.width()));
-    exif.AddLong(0xA003, static_cast<quint32>(imageSize.height()));
+    exif.AddNumber(0xA001, kShort, 1);  // sRGB
+    exif.AddNumber(0xA002, kLong, static_cast<quint32>(imageSize.width()));
+    exif.AddNumber(0xA003, kLong, static_cast<quint32>(imageSize.height()));
 
     if (facts.hasGps) {
         gps.AddBytes(0x0000, kByte, QByteArray("\x02\x03\x00\x00", 4));
@@ -289,12 +243,12 @@ QByteArray BuildTiff(const ExifFacts& facts, QSize imageSize, const QByteArray& 
 
     const bool withThumbnail = !thumbnail.isEmpty();
     if (withThumbnail) {
-        ifd1.AddShort(0x0103, 6);  // JPEG
+        ifd1.AddNumber(0x0103, kShort, 6);  // JPEG
         ifd1.AddRationals(0x011A, {{72, 1}});
         ifd1.AddRationals(0x011B, {{72, 1}});
-        ifd1.AddShort(0x0128, 2);
-        ifd1.AddLong(0x0201, 0);
-        ifd1.AddLong(0x0202, static_cast<quint32>(thumbnail.size()));
+        ifd1.AddNumber(0x0128, kShort, 2);
+        ifd1.AddNumber(0x0201, kLong, 0);
+        ifd1.AddNumber(0x0202, kLong, static_cast<quint32>(thumbnail.size()));
     }
 
     // Offsets count from the start of the TIFF header, which is 8 bytes long.
@@ -308,7 +262,7 @@ QByteArray BuildTiff(const ExifFacts& facts, QSize imageSize, const QByteArray& 
     ifd1.SetLong(0x0201, thumbAt);
 
     QByteArray tiff("II\x2A\x00", 4);
-    PutU32(tiff, ifd0At);
+    PutLe(tiff, ifd0At, 4);
     ifd0.Write(tiff, withThumbnail ? ifd1At : 0);
     exif.Write(tiff, 0);
     if (facts.hasGps) {
@@ -336,42 +290,28 @@ QByteArray MakeExifJpeg(const QImage& image, const ExifFacts& facts, int quality
         return jpeg;
     }
 
-    QImage thumbImage;
+    QByteArray thumbnail;
     if (facts.embedThumbnail && !facts.thumbnailSize.isEmpty()) {
         // Stretched to exactly the asked size, whatever the picture's proportions.
-        thumbImage = QImage(facts.thumbnailSize, QImage::Format_RGB32);
-        QPainter painter(&thumbImage);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(thumbImage.rect(), image);
+        QImage thumbImage(facts.thumbnailSize, QImage::Format_RGB32);
+        {
+            QPainter painter(&thumbImage);
+            painter.setRenderHint(QPainter::SmoothPixmapTransform);
+            painter.drawImage(thumbImage.rect(), image);
+        }
+        thumbnail = StripJfif(EncodeJpeg(thumbImage, 80));
+        if (thumbnail.isEmpty()) {
+            return {};
+        }
     }
+    const QByteArray tiff = BuildTiff(facts, image.size(), thumbnail);
     // A segment's length field is 16 bits and counts itself; "Exif\0\0" takes 6 more.
-    constexpr int kMaxTiff = 0xFFFF - 2 - 6;
-    for (int thumbQuality = 80;; thumbQuality -= 15) {
-        QByteArray thumbnail;
-        if (!thumbImage.isNull()) {
-            thumbnail = StripJfif(EncodeJpeg(thumbImage, std::max(thumbQuality, 5)));
-            if (thumbnail.isEmpty()) {
-                return {};
-            }
-        }
-        const QByteArray tiff = BuildTiff(facts, image.size(), thumbnail);
-        if (tiff.size() > kMaxTiff) {
-            if (thumbImage.isNull() || thumbQuality <= 5) {
-                return {};
-            }
-            continue;
-        }
-        QByteArray out = jpeg.left(2);
-        const int length = 2 + 6 + static_cast<int>(tiff.size());
-        out.append('\xFF');
-        out.append('\xE1');
-        out.append(static_cast<char>(length >> 8));
-        out.append(static_cast<char>(length & 0xff));
-        out.append("Exif\0\0", 6);
-        out.append(tiff);
-        out.append(jpeg.mid(rest));
-        return out;
+    const int length = 2 + 6 + static_cast<int>(tiff.size());
+    if (length > 0xFFFF) {
+        return {};
     }
+    return jpeg.left(2) + QByteArray("\xFF\xE1", 2) + static_cast<char>(length >> 8) +
+           static_cast<char>(length & 0xff) + QByteArray("Exif\0\0", 6) + tiff + jpeg.mid(rest);
 }
 
 bool WriteExifJpeg(const QString& path, const QImage& image, const ExifFacts& facts, int quality) {

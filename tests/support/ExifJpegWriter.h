@@ -39,8 +39,8 @@ struct ExifFacts {
     QSize thumbnailSize{160, 120};
 };
 
-// The JPEG bytes of image with the facts' Exif block; empty on failure.
-// The APP1 segment is kept under 64 KB by lowering the thumbnail's quality when needed.
+// The JPEG bytes of image with the facts' Exif block; empty on failure, which includes a
+// thumbnail too large for the 64 KB the Exif block may take.
 QByteArray MakeExifJpeg(const QImage& image, const ExifFacts& facts, int quality = 85);
 // Writes MakeExifJpeg's bytes to path; false on failure.
 bool WriteExifJpeg(const QString& path, const QImage& image, const ExifFacts& facts,

@@ -18,16 +18,12 @@ QFont FontOfHeight(double pixels) {
     return font;
 }
 
-// Same generator as the delivery writer's, kept local so the painter stands alone.
-quint64 NextRandom(quint64& state) {
+// In [0, 1): the delivery writer's generator, kept local so the painter stands alone.
+double RandomUnit(quint64& state) {
     quint64 z = (state += 0x9E3779B97F4A7C15ull);
     z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
     z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return z ^ (z >> 31);
-}
-
-double RandomUnit(quint64& state) {
-    return static_cast<double>(NextRandom(state) >> 11) * (1.0 / 9007199254740992.0);
+    return static_cast<double>((z ^ (z >> 31)) >> 11) * (1.0 / 9007199254740992.0);
 }
 
 void DrawCone(QPainter& p, QPointF base, double h) {
@@ -46,83 +42,62 @@ void DrawCone(QPainter& p, QPointF base, double h) {
 void DrawStructure(QPainter& p, FixtureScene scene, const QRectF& area) {
     const double w = area.width();
     const double h = area.height();
-    const QPointF o = area.topLeft();
+    const auto at = [&](double x, double y) { return area.topLeft() + QPointF(w * x, h * y); };
     p.setPen(QPen(QColor(90, 90, 90), std::max(1.0, w * 0.004)));
     switch (scene) {
-        case FixtureScene::Wall: {
+        case FixtureScene::Wall:
             p.setBrush(QColor(185, 185, 180));
-            QPolygonF wall{{o.x() + w * 0.15, o.y() + h},
-                           {o.x() + w * 0.25, o.y() + h * 0.15},
-                           {o.x() + w * 0.85, o.y() + h * 0.15},
-                           {o.x() + w * 0.95, o.y() + h}};
-            p.drawPolygon(wall);
+            p.drawPolygon(QPolygonF{at(0.15, 1), at(0.25, 0.15), at(0.85, 0.15), at(0.95, 1)});
             for (int k = 1; k < 5; ++k) {
-                const double x = o.x() + w * (0.25 + 0.12 * k);
-                p.drawLine(QPointF(x, o.y() + h * 0.15), QPointF(x, o.y() + h));
+                p.drawLine(at(0.25 + 0.12 * k, 0.15), at(0.25 + 0.12 * k, 1));
             }
             break;
-        }
-        case FixtureScene::Earth: {
+        case FixtureScene::Earth:
             p.setBrush(QColor(140, 105, 60));
-            QPolygonF mound{{o.x(), o.y() + h},
-                            {o.x() + w * 0.3, o.y() + h * 0.35},
-                            {o.x() + w * 0.6, o.y() + h * 0.3},
-                            {o.x() + w, o.y() + h}};
-            p.drawPolygon(mound);
+            p.drawPolygon(QPolygonF{at(0, 1), at(0.3, 0.35), at(0.6, 0.3), at(1, 1)});
             // an excavator in flat yellow
             p.setBrush(QColor(240, 190, 30));
-            p.drawRect(QRectF(o.x() + w * 0.62, o.y() + h * 0.45, w * 0.22, h * 0.25));
-            p.drawLine(QPointF(o.x() + w * 0.62, o.y() + h * 0.5),
-                       QPointF(o.x() + w * 0.45, o.y() + h * 0.3));
-            p.drawLine(QPointF(o.x() + w * 0.45, o.y() + h * 0.3),
-                       QPointF(o.x() + w * 0.4, o.y() + h * 0.6));
+            p.drawRect(QRectF(at(0.62, 0.45), QSizeF(w * 0.22, h * 0.25)));
+            p.drawLine(at(0.62, 0.5), at(0.45, 0.3));
+            p.drawLine(at(0.45, 0.3), at(0.4, 0.6));
             p.setBrush(QColor(50, 50, 50));
-            p.drawRect(QRectF(o.x() + w * 0.6, o.y() + h * 0.7, w * 0.26, h * 0.1));
+            p.drawRect(QRectF(at(0.6, 0.7), QSizeF(w * 0.26, h * 0.1)));
             break;
-        }
         case FixtureScene::Box: {
             p.setBrush(QColor(175, 175, 170));
-            const QRectF outer(o.x() + w * 0.2, o.y() + h * 0.35, w * 0.6, h * 0.6);
+            const QRectF outer(at(0.2, 0.35), QSizeF(w * 0.6, h * 0.6));
             p.drawRect(outer);
             p.setBrush(QColor(50, 50, 55));
             p.drawRect(outer.adjusted(w * 0.08, h * 0.1, -w * 0.08, -h * 0.1));
             break;
         }
         case FixtureScene::Layers: {
-            const QColor layers[] = {QColor(40, 40, 45), QColor(120, 115, 105),
-                                     QColor(165, 150, 120)};
+            const QColor layers[] = {{40, 40, 45}, {120, 115, 105}, {165, 150, 120}};
             for (int k = 0; k < 3; ++k) {
                 p.setBrush(layers[k]);
-                p.drawRect(QRectF(o.x(), o.y() + h * (0.55 + 0.15 * k), w, h * 0.15));
+                p.drawRect(QRectF(at(0, 0.55 + 0.15 * k), QSizeF(w, h * 0.15)));
             }
             p.setPen(QPen(Qt::white, std::max(2.0, w * 0.01), Qt::DashLine));
-            p.drawLine(QPointF(o.x(), o.y() + h * 0.6), QPointF(o.x() + w, o.y() + h * 0.6));
+            p.drawLine(at(0, 0.6), at(1, 0.6));
             break;
         }
-        case FixtureScene::Rail: {
+        case FixtureScene::Rail:
             p.setBrush(QColor(200, 200, 205));
             for (int k = 0; k < 6; ++k) {
-                p.drawRect(
-                    QRectF(o.x() + w * (0.05 + 0.17 * k), o.y() + h * 0.45, w * 0.02, h * 0.5));
+                p.drawRect(QRectF(at(0.05 + 0.17 * k, 0.45), QSizeF(w * 0.02, h * 0.5)));
             }
             p.setBrush(QColor(235, 235, 240));
-            p.drawRect(QRectF(o.x(), o.y() + h * 0.45, w, h * 0.12));
+            p.drawRect(QRectF(at(0, 0.45), QSizeF(w, h * 0.12)));
             break;
-        }
-        case FixtureScene::Slope: {
+        case FixtureScene::Slope:
             p.setBrush(QColor(170, 170, 160));
-            QPolygonF slope{{o.x(), o.y() + h},
-                            {o.x() + w * 0.45, o.y() + h * 0.2},
-                            {o.x() + w, o.y() + h * 0.2},
-                            {o.x() + w, o.y() + h}};
-            p.drawPolygon(slope);
+            p.drawPolygon(QPolygonF{at(0, 1), at(0.45, 0.2), at(1, 0.2), at(1, 1)});
             for (int row = 1; row < 6; ++row) {
-                const double y = o.y() + h * (0.2 + 0.8 * row / 6.0);
-                const double x0 = o.x() + w * 0.45 * (1.0 - row / 6.0 * 1.0);
-                p.drawLine(QPointF(x0, y), QPointF(o.x() + w, y));
+                const double y = 0.2 + 0.8 * row / 6.0;
+                const double x0 = w * 0.45 * (1.0 - row / 6.0);
+                p.drawLine(area.topLeft() + QPointF(x0, h * y), at(1, y));
             }
             break;
-        }
     }
 }
 
@@ -197,6 +172,8 @@ void Dimension(QPainter& p, QPointF a, QPointF b, const QString& text, QPointF t
 
 QImage DrawSitePhoto(const BoardContent& board, QSize size) {
     QImage image(size, QImage::Format_RGB32);
+    // Sky first over the whole picture: antialiased edges blend with what lies beneath.
+    image.fill(QColor(165, 200, 232));
     const double w = size.width();
     const double h = size.height();
     quint64 state = board.seed;
@@ -205,7 +182,6 @@ QImage DrawSitePhoto(const BoardContent& board, QSize size) {
     p.setRenderHint(QPainter::TextAntialiasing);
 
     const double horizon = h * (0.38 + RandomUnit(state) * 0.08);
-    p.fillRect(QRectF(0, 0, w, horizon), QColor(165, 200, 232));
     p.setPen(Qt::NoPen);
     p.setBrush(QColor(70, 115, 70));
     QPolygonF hills{{0, horizon},
@@ -253,89 +229,75 @@ QImage DrawReferenceDrawing(FixtureScene scene, const QString& title, QSize size
     p.drawRect(QRectF(w * 0.02, h * 0.02, w * 0.96, h * 0.96));
 
     const QRectF area(w * 0.15, h * 0.12, w * 0.6, h * 0.58);
-    const double ax = area.left();
-    const double ay = area.top();
     const double aw = area.width();
     const double ah = area.height();
+    const auto at = [&](double x, double y) { return area.topLeft() + QPointF(aw * x, ah * y); };
     const QPen thin(Qt::black, 1);
     switch (scene) {
-        case FixtureScene::Wall:
-        case FixtureScene::Box:
-        case FixtureScene::Rail: {
-            if (scene == FixtureScene::Box) {
-                const QRectF outer(ax + aw * 0.15, ay + ah * 0.2, aw * 0.7, ah * 0.7);
-                p.drawRect(outer);
-                p.drawRect(outer.adjusted(aw * 0.1, ah * 0.1, -aw * 0.1, -ah * 0.1));
-                p.setPen(thin);
-                Dimension(p, {outer.left(), outer.bottom() + 15},
-                          {outer.right(), outer.bottom() + 15}, QStringLiteral("2400"), {0, 14});
-                Dimension(p, {outer.right() + 15, outer.top()},
-                          {outer.right() + 15, outer.bottom()}, QStringLiteral("2000"), {40, 0});
-            } else {
-                QPolygonF wall{{ax + aw * 0.3, ay + ah * 0.1},  {ax + aw * 0.45, ay + ah * 0.1},
-                               {ax + aw * 0.55, ay + ah * 0.8}, {ax + aw * 0.9, ay + ah * 0.8},
-                               {ax + aw * 0.9, ay + ah},        {ax + aw * 0.1, ay + ah},
-                               {ax + aw * 0.1, ay + ah * 0.8},  {ax + aw * 0.3, ay + ah * 0.8}};
-                p.drawPolygon(wall);
-                p.setPen(thin);
-                Dimension(p, {ax + aw * 0.3, ay + ah * 0.1 - 15},
-                          {ax + aw * 0.45, ay + ah * 0.1 - 15}, QStringLiteral("300"), {0, -14});
-                Dimension(p, {ax + aw * 0.05, ay + ah * 0.1}, {ax + aw * 0.05, ay + ah},
-                          QStringLiteral("1500"), {-40, 0});
-                Dimension(p, {ax + aw * 0.1, ay + ah + 15}, {ax + aw * 0.9, ay + ah + 15},
-                          QStringLiteral("1800"), {0, 14});
-            }
+        case FixtureScene::Box: {
+            const QRectF outer(at(0.15, 0.2), QSizeF(aw * 0.7, ah * 0.7));
+            p.drawRect(outer);
+            p.drawRect(outer.adjusted(aw * 0.1, ah * 0.1, -aw * 0.1, -ah * 0.1));
+            p.setPen(thin);
+            Dimension(p, outer.bottomLeft() + QPointF(0, 15), outer.bottomRight() + QPointF(0, 15),
+                      "2400", {0, 14});
+            Dimension(p, outer.topRight() + QPointF(15, 0), outer.bottomRight() + QPointF(15, 0),
+                      "2000", {40, 0});
             break;
         }
+        case FixtureScene::Wall:
+        case FixtureScene::Rail:
+            p.drawPolygon(QPolygonF{at(0.3, 0.1), at(0.45, 0.1), at(0.55, 0.8), at(0.9, 0.8),
+                                    at(0.9, 1), at(0.1, 1), at(0.1, 0.8), at(0.3, 0.8)});
+            p.setPen(thin);
+            Dimension(p, at(0.3, 0.1) - QPointF(0, 15), at(0.45, 0.1) - QPointF(0, 15), "300",
+                      {0, -14});
+            Dimension(p, at(0.05, 0.1), at(0.05, 1), "1500", {-40, 0});
+            Dimension(p, at(0.1, 1) + QPointF(0, 15), at(0.9, 1) + QPointF(0, 15), "1800", {0, 14});
+            break;
         case FixtureScene::Earth:
-        case FixtureScene::Slope: {
-            p.drawLine(QPointF(ax, ay + ah * 0.2), QPointF(ax + aw * 0.3, ay + ah * 0.2));
-            p.drawLine(QPointF(ax + aw * 0.3, ay + ah * 0.2), QPointF(ax + aw * 0.75, ay + ah));
-            p.drawLine(QPointF(ax + aw * 0.75, ay + ah), QPointF(ax + aw, ay + ah));
-            if (scene == FixtureScene::Slope) {
-                for (int k = 1; k < 6; ++k) {
-                    const double t = k / 6.0;
-                    const QPointF on(ax + aw * (0.3 + 0.45 * t), ay + ah * (0.2 + 0.8 * t));
-                    p.drawLine(on, on + QPointF(-aw * 0.06, ah * 0.04));
-                }
+        case FixtureScene::Slope:
+            p.drawLine(at(0, 0.2), at(0.3, 0.2));
+            p.drawLine(at(0.3, 0.2), at(0.75, 1));
+            p.drawLine(at(0.75, 1), at(1, 1));
+            for (int k = 1; k < 6 && scene == FixtureScene::Slope; ++k) {
+                const double t = k / 6.0;
+                const QPointF on = at(0.3 + 0.45 * t, 0.2 + 0.8 * t);
+                p.drawLine(on, on + QPointF(-aw * 0.06, ah * 0.04));
             }
             p.setPen(thin);
-            p.drawText(
-                QRectF(ax + aw * 0.55, ay + ah * 0.45, aw * 0.3, 24), Qt::AlignLeft,
-                scene == FixtureScene::Slope ? QStringLiteral("1:0.5") : QStringLiteral("1:1.5"));
-            Dimension(p, {ax + aw * 0.95, ay + ah * 0.2}, {ax + aw * 0.95, ay + ah},
-                      QStringLiteral("3000"), {-40, 0});
+            p.drawText(QRectF(at(0.55, 0.45), QSizeF(aw * 0.3, 24)), Qt::AlignLeft,
+                       scene == FixtureScene::Slope ? "1:0.5" : "1:1.5");
+            Dimension(p, at(0.95, 0.2), at(0.95, 1), "3000", {-40, 0});
             break;
-        }
         case FixtureScene::Layers: {
             const double thickness[] = {0.15, 0.3, 0.4};
             const char* labels[] = {"t=50", "t=150", "t=200"};
-            double y = ay + ah * 0.1;
+            double y = area.top() + ah * 0.1;
             for (int k = 0; k < 3; ++k) {
-                const QRectF layer(ax, y, aw, ah * thickness[k]);
+                const QRectF layer(area.left(), y, aw, ah * thickness[k]);
                 p.drawRect(layer);
                 p.drawText(layer.adjusted(aw + 10, 0, aw + 120, 0),
                            Qt::AlignVCenter | Qt::AlignLeft, QString::fromLatin1(labels[k]));
                 y += ah * thickness[k];
             }
             p.setPen(thin);
-            Dimension(p, {ax, ay + ah * 0.1 - 15}, {ax + aw, ay + ah * 0.1 - 15},
-                      QStringLiteral("W=3500"), {0, -14});
+            Dimension(p, at(0, 0.1) - QPointF(0, 15), at(1, 0.1) - QPointF(0, 15), "W=3500",
+                      {0, -14});
             break;
         }
     }
 
-    // title block
+    // The title block.
     p.setPen(QPen(Qt::black, 1));
     const QRectF block(w * 0.55, h * 0.8, w * 0.41, h * 0.16);
     p.drawRect(block);
     p.drawLine(QPointF(block.left(), block.center().y()),
                QPointF(block.right(), block.center().y()));
     const QRectF top(block.left() + 6, block.top(), block.width() - 12, block.height() / 2);
-    const QRectF bottom(block.left() + 6, block.center().y(), block.width() - 12,
-                        block.height() / 2);
     p.drawText(top, Qt::AlignVCenter | Qt::AlignLeft,
                QFontMetricsF(p.font()).elidedText(title, Qt::ElideRight, top.width()));
-    p.drawText(bottom, Qt::AlignVCenter | Qt::AlignLeft, QStringLiteral("S=1:50  単位 mm"));
+    p.drawText(top.translated(0, block.height() / 2), Qt::AlignVCenter | Qt::AlignLeft,
+               QStringLiteral("S=1:50  単位 mm"));
     return image;
 }

@@ -75,8 +75,13 @@ public:
     // ---- message boxes
     void QueueAnswer(int answer) { answers.append(answer); }
     const QList<Question>& Questions() const { return questions; }
-    int MessageBox(QWidget* parent, const QString& text, const QString& caption, Buttons buttons,
-                   Icon icon) override;
+    int MessageBox(QWidget*, const QString& text, const QString& caption, Buttons buttons,
+                   Icon icon) override {
+        questions.append({text, caption, buttons, icon});
+        return answers.isEmpty()
+                   ? ToviNonInteractiveUi().MessageBox(nullptr, text, caption, buttons, icon)
+                   : answers.takeFirst();
+    }
 
     // ---- named dialogs: an OK answer merges values into the dialog's fields
     void QueueDialog(bool ok, const QVariantMap& values = {}) {
@@ -85,7 +90,16 @@ public:
     const QStringList& DialogNames() const { return dialogNames; }
     // The fields each dialog was given, before the answer changed them.
     const QList<QVariantMap>& DialogInputs() const { return dialogInputs; }
-    bool RunDialog(QWidget* parent, const QString& name, QVariantMap& values) override;
+    bool RunDialog(QWidget*, const QString& name, QVariantMap& values) override {
+        dialogNames.append(name);
+        dialogInputs.append(values);
+        const auto [ok, answer] = dialogAnswers.isEmpty() ? QPair<bool, QVariantMap>(false, {})
+                                                          : dialogAnswers.takeFirst();
+        if (ok) {
+            values.insert(answer);
+        }
+        return ok;
+    }
 
     bool BrowseForFolder(QWidget*, const QString&, QString&) override { return false; }
     QString GetSaveFileName(QWidget*, const QString&, const QString&, const QString&) override {
@@ -95,13 +109,28 @@ public:
     // ---- the pump and the progress windows
     // Counts every pump; scripted events are numbered by this count, the first pump being 1.
     int Pumps() const { return pumps; }
-    void Pump() override;
+    void Pump() override {
+        const int number = ++pumps;
+        const std::shared_ptr<ScriptedProgressRecord> view = LastProgress();
+        if (view && view->alive && view->closeCount == 0) {
+            if (cancelPumps.contains(number) && view->cancelHandler) {
+                const std::function<void()> handler = view->cancelHandler;  // may replace itself
+                handler();
+            }
+            if (deathPumps.contains(number)) {
+                view->alive = false;
+            }
+        }
+    }
     // At pump n the newest progress window's cancel handler is called, as its button or its
     // close box would.
     void PressCancelAtPump(int n) { cancelPumps.append(n); }
     // At pump n the newest progress window dies (IsAlive is false from then on).
     void DieAtPump(int n) { deathPumps.append(n); }
-    std::unique_ptr<ToviProgressView> CreateProgressView(QWidget* parent) override;
+    std::unique_ptr<ToviProgressView> CreateProgressView(QWidget*) override {
+        progressViews.append(std::make_shared<ScriptedProgressRecord>());
+        return std::make_unique<ScriptedProgressView>(progressViews.last());
+    }
     const QList<std::shared_ptr<ScriptedProgressRecord>>& ProgressViews() const {
         return progressViews;
     }

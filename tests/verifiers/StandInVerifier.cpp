@@ -1,17 +1,13 @@
-// A stand-in for the outside tamper verifiers, which the tests cannot have. It is built into
-// libraries named like the real ones and exports, as chosen at build time, the functions the
-// program looks up: RVJ_Verify, JCOMSIA_CheckHashValue, JCOMSIA_SVG_CheckHashValue.
-//
-// Each answers the code written into the checked file itself, as "@RVJ=<n>@",
-// "@JCOMSIA=<n>@" or "@JCOMSIA_SVG=<n>@" anywhere in its bytes (after a JPEG's end, in an SVG
-// comment), and 12345 when the file holds none. When the environment names a log file in
-// TOVI_STANDIN_LOG, every call appends one line to it: the function, the size or the file
-// name it was given, and the code it answered, so that a test sees who was asked, in which
-// order, and with what.
+// A stand-in for the outside tamper verifiers, built into libraries named like the real ones
+// and exporting, as chosen at build time, RVJ_Verify, JCOMSIA_CheckHashValue and
+// JCOMSIA_SVG_CheckHashValue. Each answers the code written into the checked file itself as
+// "@RVJ=<n>@", "@JCOMSIA=<n>@" or "@JCOMSIA_SVG=<n>@" anywhere in its bytes, 12345 when there is
+// none. With TOVI_STANDIN_LOG set, every call appends "function argument code" to that file.
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -38,17 +34,9 @@ int CodeIn(const char* bytes, size_t size, const std::string& key) {
 }
 
 bool ReadFile(const char* path, std::string& bytes) {
-    std::FILE* file = path ? std::fopen(path, "rb") : nullptr;
-    if (!file) {
-        return false;
-    }
-    char buffer[65536];
-    size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
-        bytes.append(buffer, n);
-    }
-    std::fclose(file);
-    return true;
+    std::ifstream file(path ? path : "", std::ios::binary);
+    bytes.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    return file.is_open();
 }
 
 void Log(const char* function, const std::string& argument, int code) {
