@@ -4,20 +4,18 @@
 // the process's peak memory rose while the report was written.
 
 #include "document/ToviData.h"
-#include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/ToviEnvironment.h"
 #include "platform/ToviProfile.h"
 #include "reports/ToviCheckStatusFileOut.h"
 #include "tests/support/DeliveryWriter.h"
+#include "tests/support/WorkArea.h"
 
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -25,11 +23,6 @@
 #include <sys/resource.h>
 
 namespace {
-
-class NoViews : public ToviHostDocument {
-public:
-    void UpdateAllViews(QWidget*, int, QObject*) override {}
-};
 
 QTemporaryDir& Temp() {
     static QTemporaryDir dir;
@@ -97,13 +90,7 @@ int main(int argc, char** argv) {
     ToviTuneAllocator();
     QCoreApplication app(argc, argv);
     ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
-    // The work folder inside the benchmark's own temporary folder.
-    const QString user = Temp().filePath(QStringLiteral("user.ini"));
-    {
-        QSettings settings(user, QSettings::IniFormat);
-        settings.setValue(QStringLiteral("QVScratch"), Temp().path());
-    }
-    ToviEnvironment::SetSettingsPathsForTesting(user, Temp().filePath(QStringLiteral("system.ini")));
+    UseWorkFolder(Temp().path());  // inside the benchmark's own temporary folder
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

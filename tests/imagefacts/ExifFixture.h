@@ -5,13 +5,13 @@
 
 #include "platform/ToviEnvironment.h"
 #include "tests/support/ExifJpegWriter.h"
+#include "tests/support/WorkArea.h"
 
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QPainter>
-#include <QSettings>
 #include <QString>
 #include <QtEndian>
 
@@ -62,17 +62,6 @@ inline QByteArray JpegDataUri(const QByteArray& jpeg) {
 // A JPEG with Exif made by the writer, as an SVG's main image.
 inline QByteArray SvgWithJpeg(const ExifFacts& facts) {
     return SvgWithHref(JpegDataUri(MakeExifJpeg(Picture({64, 48}), facts)));
-}
-
-// Points the work folder at root/work for the test; the suite folder lies below it.
-inline void UseWorkFolder(const QString& root) {
-    QDir().mkpath(root + QStringLiteral("/work"));
-    const QString user = root + QStringLiteral("/user.ini");
-    {
-        QSettings settings(user, QSettings::IniFormat);
-        settings.setValue(QStringLiteral("QVScratch"), root + QStringLiteral("/work"));
-    }
-    ToviEnvironment::SetSettingsPathsForTesting(user, root + QStringLiteral("/system.ini"));
 }
 
 inline QString WorkFileOf(const QString& title) {

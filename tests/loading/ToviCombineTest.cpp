@@ -7,9 +7,9 @@
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/WorkArea.h"
 
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -95,13 +95,7 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("work"))));
-        {
-            QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
-            user.setValue(QStringLiteral("QVScratch"), Path(QStringLiteral("work")));
-        }
-        ToviEnvironment::SetSettingsPathsForTesting(Path(QStringLiteral("user.ini")),
-                                                    Path(QStringLiteral("system.ini")));
+        UseWorkFolder(temp.path());
         QVERIFY(QDir().mkpath(ToviEnvironment::SuiteFolder()));
         DeliveryOptions options;
         options.photoCount = 9;

@@ -8,11 +8,11 @@
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ProgramRun.h"
+#include "tests/support/WorkArea.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -65,13 +65,7 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("work"))));
-        {
-            QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
-            user.setValue(QStringLiteral("QVScratch"), Path(QStringLiteral("work")));
-        }
-        ToviEnvironment::SetSettingsPathsForTesting(Path(QStringLiteral("user.ini")),
-                                                    Path(QStringLiteral("system.ini")));
+        UseWorkFolder(temp.path());
         DeliveryOptions options;
         options.photoCount = 1;
         options.images = DeliveryOptions::Images::None;

@@ -1,5 +1,4 @@
 #include "document/ToviData.h"
-#include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/MibSheet.h"
@@ -11,10 +10,10 @@
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/WorkArea.h"
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -33,11 +32,6 @@ public:
         return saveAnswer;
     }
     void OpenWithDefaultApplication(const QString& path) override { opened.append(path); }
-};
-
-class NoViews : public ToviHostDocument {
-public:
-    void UpdateAllViews(QWidget*, int, QObject*) override {}
 };
 
 // The cells of a written report by reference ("A2"), unescaped; a bordered empty cell is "".
@@ -121,14 +115,7 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
-        // The work folder lies inside the fixture.
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("work"))));
-        {
-            QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
-            user.setValue(QStringLiteral("QVScratch"), Path(QStringLiteral("work")));
-        }
-        ToviEnvironment::SetSettingsPathsForTesting(Path(QStringLiteral("user.ini")),
-                                                    Path(QStringLiteral("system.ini")));
+        UseWorkFolder(temp.path());
     }
     void init() {
         ui = ReportUi();

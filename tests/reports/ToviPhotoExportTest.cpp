@@ -1,5 +1,4 @@
 #include "document/ToviData.h"
-#include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/LumImage.h"
@@ -9,12 +8,12 @@
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/WorkArea.h"
 
 #include <QFile>
 #include <QImageReader>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -23,11 +22,6 @@
 namespace {
 
 using Export = ToviPhotoExport;
-
-class NoViews : public ToviHostDocument {
-public:
-    void UpdateAllViews(QWidget*, int, QObject*) override {}
-};
 
 // Folder and file answers from queues, and what the file dialog proposed.
 class ExportUi : public ScriptedUi {
@@ -120,13 +114,7 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
-        QVERIFY(QDir().mkpath(Path(QStringLiteral("work"))));
-        {
-            QSettings user(Path(QStringLiteral("user.ini")), QSettings::IniFormat);
-            user.setValue(QStringLiteral("QVScratch"), Path(QStringLiteral("work")));
-        }
-        ToviEnvironment::SetSettingsPathsForTesting(Path(QStringLiteral("user.ini")),
-                                                    Path(QStringLiteral("system.ini")));
+        UseWorkFolder(temp.path());
     }
     void init() {
         ui = ExportUi();
