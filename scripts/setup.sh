@@ -15,6 +15,7 @@ packages=(
     libbenchmark-dev time
     clang libclang-rt-14-dev # scripts/sanitize.sh: clang and its sanitizer and libFuzzer runtimes
     fontconfig fonts-ipafont-gothic
+    xvfb xauth # a virtual display: xvfb-run for looking at the windows where there is none
 )
 
 missing=()
