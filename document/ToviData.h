@@ -197,6 +197,10 @@ public:
     bool ExecExtractionOR();
     // Empties the current array (sorting it when sorting is on); hint 4 when update is set.
     void SetCurPhotoArray(bool unused, bool update);
+    // Loads and lets go the texts of every photograph, for documents that keep them on disc;
+    // this one always holds them.
+    virtual void AllTextLoad() {}
+    virtual void AllTextUnLoad() {}
 
     // ---- settings (ToviDataSettings.cpp) -------------------------------------------------------
     ToviPhotoCtrlVisualSetting& GetVisualSetting() { return *visualSetting; }

@@ -1,0 +1,66 @@
+#include "panels/ToviTreePanel.h"
+
+#include "document/ToviNode.h"
+
+#include <QHeaderView>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+ToviTreePanel::ToviTreePanel(QWidget* parent) : ToviPanel(parent), tree(new QTreeWidget(this)) {
+    tree->setObjectName(QStringLiteral("tree"));
+    tree->setHeaderHidden(true);
+    tree->setRootIsDecorated(true);
+    tree->setFrameShape(QFrame::StyledPanel);
+    tree->setDragEnabled(false);
+    tree->setFocusPolicy(Qt::StrongFocus);
+    tree->setContextMenuPolicy(Qt::DefaultContextMenu);
+    QPalette palette = tree->palette();
+    palette.setColor(QPalette::Text, Qt::black);
+    palette.setColor(QPalette::Base, Qt::white);
+    tree->setPalette(palette);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(tree);
+}
+
+QWidget* ToviTreePanel::GetCtrl() {
+    return tree;
+}
+
+bool ToviTreePanel::OnPreVisible() {
+    selBeforeHide = tree->currentItem();
+    return true;
+}
+
+QTreeWidgetItem* ToviTreePanel::RegNode(QTreeWidgetItem* parent, ToviNode* node, int image,
+                                        int selectedImage) {
+    auto* item = new QTreeWidgetItem(parent, QStringList{node->Title()});
+    item->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(node)));
+    SetImages(item, image, selectedImage);
+    for (int i = 0; i < node->GetChildNodeCount(); ++i) {
+        RegNode(item, node->GetNode(i), image + 1, selectedImage + 1);
+    }
+    item->setExpanded(true);
+    return item;
+}
+
+void ToviTreePanel::SetImages(QTreeWidgetItem* item, int image, int selectedImage) const {
+    if (images.isEmpty()) {
+        return;
+    }
+    const auto at = [this](int index) {
+        return images[std::clamp(index, 0, static_cast<int>(images.size()) - 1)];
+    };
+    QIcon icon(at(image));
+    icon.addPixmap(at(selectedImage), QIcon::Selected);
+    item->setIcon(0, icon);
+}
+
+QTreeWidgetItem* ToviTreePanel::NextSibling(QTreeWidgetItem* item) {
+    QTreeWidgetItem* parent = item->parent();
+    if (parent) {
+        return parent->child(parent->indexOfChild(item) + 1);
+    }
+    QTreeWidget* owner = item->treeWidget();
+    return owner ? owner->topLevelItem(owner->indexOfTopLevelItem(item) + 1) : nullptr;
+}

@@ -1,0 +1,222 @@
+#include "document/ToviHostDocument.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "panels/ToviFolderTreePanel.h"
+#include "panels/ToviLabelTreePanel.h"
+#include "platform/ToviProfile.h"
+#include "review/ToviLabelManager.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/support/DeliveryWriter.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+// Hands every hint to the panels, as the viewer's host does.
+class PanelHost : public ToviHostDocument {
+public:
+    QList<ToviPanel*> panels;
+    void UpdateAllViews(QWidget* sender, int hint, QObject* object) override {
+        for (ToviPanel* panel : panels) {
+            if (panel != sender) {
+                panel->OnUpdate(sender, static_cast<ToviData::UpdateHint>(hint), object);
+            }
+        }
+    }
+};
+
+// Counts the attach callbacks.
+class CountingPanel : public ToviPanel {
+public:
+    int pre = 0;
+    int post = 0;
+    void OnPreDetachData() override { ++pre; }
+    void OnPostAttachData() override { ++post; }
+};
+
+void Click(QTreeWidget* tree, QTreeWidgetItem* item, Qt::MouseButton button = Qt::LeftButton) {
+    tree->scrollToItem(item);
+    QTest::mouseClick(tree->viewport(), button, {}, tree->visualItemRect(item).center());
+}
+
+QStringList Texts(QTreeWidgetItem* item) {
+    QStringList texts;
+    for (int i = 0; i < item->childCount(); ++i) {
+        texts.append(item->child(i)->text(0));
+    }
+    return texts;
+}
+
+}  // namespace
+
+class ToviPanelsTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir temp;
+    PanelHost host;
+    QString folder;
+
+    std::unique_ptr<ToviData> Open() {
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document = factory.Create(&host, folder, PhotoXMLMlit);
+        if (document) {
+            document->Load();
+            document->BuildTreeNode(document->GetVisualSetting().GetTreeType());
+        }
+        return document;
+    }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("profile.ini")));
+        DeliveryOptions options;
+        options.photoCount = 40;
+        options.images = DeliveryOptions::Images::None;
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(temp.filePath(QStringLiteral("d")), options, &written, &error),
+                 qPrintable(error));
+        folder = written.photoFolder;
+    }
+
+    // Attaching and detaching call the panel's hooks as the frame promises, hint 9 included.
+    void attachAndDetach() {
+        std::unique_ptr<ToviData> document = Open();
+        CountingPanel panel;
+        QCOMPARE(panel.Attach(document.get()), nullptr);
+        QCOMPARE(panel.Attach(document.get()), document.get());
+        QCOMPARE(panel.pre, 0);
+        QCOMPARE(panel.post, 2);
+        QCOMPARE(panel.Attach(nullptr), document.get());
+        QCOMPARE(panel.pre, 1);
+        QCOMPARE(panel.Detach(), nullptr);
+        QCOMPARE(panel.pre, 1);
+        QCOMPARE(panel.post, 4);
+        panel.Attach(document.get());
+        panel.OnUpdate(nullptr, ToviData::HintDetach, nullptr);
+        QCOMPARE(panel.GetData(), nullptr);
+        QCOMPARE(panel.pre, 2);
+        panel.OnUpdate(nullptr, ToviData::HintDetach, nullptr);
+        QCOMPARE(panel.post, 7);
+    }
+
+    // The folder tree: built open on hint 0, a click selects the node's photographs, a
+    // settings hint keeps the tree unless the tree type changed, and a refresh empties it.
+    void folderTree() {
+        std::unique_ptr<ToviData> document = Open();
+        ToviFolderTreePanel panel;
+        panel.resize(320, 600);
+        panel.show();
+        host.panels = {&panel};
+        panel.Attach(document.get());
+        document->SetSelected(document.get(), true);
+        panel.OnUpdate(nullptr, ToviData::HintInitialize, nullptr);
+        QTreeWidget* tree = panel.GetTreeCtrl();
+        QTreeWidgetItem* root = tree->topLevelItem(0);
+        QVERIFY(root && root->isExpanded());
+        QCOMPARE(root->childCount(), static_cast<ToviNode*>(document.get())->GetChildNodeCount());
+        QCOMPARE(tree->currentItem(), root);
+
+        QTreeWidgetItem* branch = root->child(0);
+        QTreeWidgetItem* leaf = branch;
+        while (leaf->childCount() > 0) {
+            QVERIFY(leaf->isExpanded());
+            leaf = leaf->child(0);
+        }
+        Click(tree, leaf);
+        ToviNode* node = document->GetSelectedNode();
+        QCOMPARE(node->Title(), leaf->text(0));
+        QCOMPARE(document->GetCurrentPhotoCount(), node->GetImageCount());
+
+        // Closing all under the first branch from its context menu: the branch and its
+        // descendants close, its siblings stay open, and the selection climbs to the branch.
+        QTimer::singleShot(50, [] {
+            QWidget* menu = QApplication::activePopupWidget();
+            QVERIFY(menu);
+            QTest::keyClick(menu, Qt::Key_Down);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        tree->scrollToItem(branch);
+        const QPoint at = tree->visualItemRect(branch).center();
+        QContextMenuEvent menuEvent(QContextMenuEvent::Mouse, tree->viewport()->mapTo(&panel, at),
+                                    tree->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(&panel, &menuEvent);
+        QCOMPARE(panel.MenuItem(), branch);
+        QVERIFY(!branch->isExpanded());
+        for (QTreeWidgetItem* below = branch->child(0); below; below = below->child(0)) {
+            QVERIFY(!below->isExpanded() || below->childCount() == 0);
+        }
+        if (root->childCount() > 1 && root->child(1)->childCount() > 0) {
+            QVERIFY(root->child(1)->isExpanded());
+        }
+        QCOMPARE(tree->currentItem(), branch);
+        QCOMPARE(document->GetSelectedNode()->Title(), branch->text(0));
+
+        // The same tree type keeps the tree as it is; another builds it anew, selection kept.
+        ToviPhotoCtrlVisualSetting setting = document->GetVisualSetting();
+        setting.SetTitleShowType(ToviPhotoCtrlVisualSetting::TitleFileName);
+        document->SetVisualSetting(setting, false);
+        panel.OnUpdate(nullptr, ToviData::HintSettingsChanged, nullptr);
+        QCOMPARE(tree->topLevelItem(0), root);
+        QVERIFY(!branch->isExpanded());
+        setting.SetTreeType(ToviPhotoCtrlVisualSetting::TreeSatsueikasyo);
+        document->SetVisualSetting(setting, false);
+        document->BuildTreeNode(setting.GetTreeType());
+        document->SetSelected(document.get(), true);
+        panel.OnUpdate(nullptr, ToviData::HintSettingsChanged, nullptr);
+        QVERIFY(tree->topLevelItem(0) != nullptr);
+        QCOMPARE(tree->currentItem(), tree->topLevelItem(0));
+        QCOMPARE(tree->topLevelItem(0)->childCount(),
+                 static_cast<ToviNode*>(document.get())->GetChildNodeCount());
+
+        panel.OnUpdate(nullptr, ToviData::HintRefresh1, nullptr);
+        QCOMPARE(tree->topLevelItemCount(), 0);
+        host.panels.clear();
+    }
+
+    // The label tree: six labels under 付箋, each counted once photographs carry it; a click
+    // selects those photographs, the root selects none.
+    void labelTree() {
+        std::unique_ptr<ToviData> document = Open();
+        ToviLabelTreePanel panel;
+        panel.resize(320, 400);
+        panel.show();
+        host.panels = {&panel};
+        panel.Attach(document.get());
+        panel.OnUpdate(nullptr, ToviData::HintInitialize, nullptr);
+        QTreeWidget* tree = panel.GetTreeCtrl();
+        QTreeWidgetItem* root = tree->topLevelItem(0);
+        QCOMPARE(root->text(0), QStringLiteral("付箋"));
+        const ToviLabelManager& labels = *document->GetLabelManager();
+        QCOMPARE(Texts(root).first(), labels.GetLabelAttribute(0).GetName());
+
+        for (int i = 0; i < 12; ++i) {
+            document->GetPhotoActualPhotoArray(i)->PasteLabel(1);
+        }
+        panel.OnUpdate(nullptr, ToviData::HintLabelsChanged, nullptr);
+        QCOMPARE(root->child(1)->text(0), labels.GetLabelAttribute(1).GetName() +
+                                              QStringLiteral(" <12>"));
+        QCOMPARE(root->child(2)->text(0), labels.GetLabelAttribute(2).GetName());
+
+        root->setExpanded(true);
+        Click(tree, root->child(1));
+        QCOMPARE(document->GetSelectedIndex(), 1);
+        QCOMPARE(document->GetCurrentPhotoCount(), 12);
+        QVERIFY(!panel.IsSelectTreeRoot());
+        Click(tree, root);
+        QVERIFY(panel.IsSelectTreeRoot());
+        QCOMPARE(document->GetCurrentPhotoCount(), 0);
+        host.panels.clear();
+    }
+};
+
+QTEST_MAIN(ToviPanelsTest)
+#include "ToviPanelsTest.moc"
