@@ -2,6 +2,7 @@
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "panels/ToviFolderTreePanel.h"
+#include "panels/ToviImageLoader.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
@@ -10,6 +11,7 @@
 
 #include <QApplication>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
@@ -215,6 +217,55 @@ private slots:
         QVERIFY(panel.IsSelectTreeRoot());
         QCOMPARE(document->GetCurrentPhotoCount(), 0);
         host.panels.clear();
+    }
+
+    // Pictures come back on the UI thread, a broken file as a null image; a second request is
+    // answered from the cache at once, two requests for one file share one decode, and a
+    // cancelled ticket gets no answer.
+    void imageLoader() {
+        QStringList paths;
+        for (int i = 0; i < 3; ++i) {
+            QImage picture(800 + i, 600, QImage::Format_RGB32);
+            picture.fill(QColor(40 * i, 120, 200));
+            paths.append(temp.filePath(QStringLiteral("p%1.jpg").arg(i)));
+            QVERIFY(picture.save(paths.last(), "JPG"));
+        }
+        paths.append(temp.filePath(QStringLiteral("broken.jpg")));
+        QFile broken(paths.last());
+        QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write("\xff\xd8\xff not a picture") > 0);
+        broken.close();
+
+        ToviImageLoader loader;
+        QSignalSpy ready(&loader, &ToviImageLoader::Ready);
+        QHash<quint64, QString> asked;
+        QThread* answeredOn = nullptr;
+        connect(&loader, &ToviImageLoader::Ready, this,
+                [&answeredOn] { answeredOn = QThread::currentThread(); });
+        for (const QString& path : paths) {
+            QImage cached;
+            const quint64 ticket = loader.Request(path, ToviImageLoader::Full, &cached);
+            QVERIFY(ticket != 0);
+            asked.insert(ticket, path);
+        }
+        const quint64 joined = loader.Request(paths[0], ToviImageLoader::Full, nullptr);
+        const quint64 cancelled = loader.Request(paths[1], ToviImageLoader::Full, nullptr);
+        loader.Cancel(cancelled);
+        QTRY_COMPARE(loader.PendingCount(), 0);
+        QCOMPARE(ready.size(), 5);
+        QCOMPARE(answeredOn, QThread::currentThread());
+        for (const QList<QVariant>& answer : ready) {
+            const quint64 ticket = answer[0].toULongLong();
+            QVERIFY(ticket != cancelled);
+            const QString path = answer[1].toString();
+            QCOMPARE(path, ticket == joined ? paths[0] : asked.value(ticket));
+            QCOMPARE(answer[3].value<QImage>().isNull(), path == paths[3]);
+        }
+        QImage cached;
+        QCOMPARE(loader.Request(paths[2], ToviImageLoader::Full, &cached), quint64(0));
+        QCOMPARE(cached.size(), QSize(802, 600));
+        QVERIFY(loader.Request(paths[2], ToviImageLoader::Thumb, &cached) != 0);
+        QVERIFY(loader.Request(paths[3], ToviImageLoader::Full, &cached) != 0);  // not cached
+        loader.WaitForDone();
     }
 };
 
