@@ -4,6 +4,7 @@
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviLabelTreePanel.h"
+#include "panels/ToviNamePlate.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
@@ -266,6 +267,50 @@ private slots:
         QVERIFY(loader.Request(paths[2], ToviImageLoader::Thumb, &cached) != 0);
         QVERIFY(loader.Request(paths[3], ToviImageLoader::Full, &cached) != 0);  // not cached
         loader.WaitForDone();
+    }
+
+    // The name plate reports clicks only with a photograph on show, hands every key on, flips
+    // a label button as it is pressed, and names its buttons by the labels.
+    void namePlate() {
+        std::unique_ptr<ToviData> document = Open();
+        ToviNamePlate plate;
+        plate.resize(600, ToviNamePlate::kHeight);
+        plate.show();
+        plate.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&plate));
+        QSignalSpy clicked(&plate, &ToviNamePlate::Clicked);
+        QSignalSpy keys(&plate, &ToviNamePlate::KeyPressed);
+        QSignalSpy labels(&plate, &ToviNamePlate::LabelClicked);
+        QTest::mouseClick(&plate, Qt::LeftButton, {}, QPoint(20, 10));
+        QCOMPARE(clicked.size(), 0);
+        plate.SetActive(true);
+        QTest::mouseClick(&plate, Qt::LeftButton, {}, QPoint(20, 10));
+        QCOMPARE(clicked.size(), 1);
+        QVERIFY(plate.hasFocus());
+        QTest::keyClick(&plate, Qt::Key_PageDown);
+        QCOMPARE(keys.size(), 1);
+        QCOMPARE(keys[0][0].toInt(), int(Qt::Key_PageDown));
+
+        QTest::mouseClick(plate.Button(2), Qt::LeftButton);
+        QCOMPARE(labels.size(), 1);
+        QCOMPARE(labels[0][0].toInt(), 2);
+        QVERIFY(plate.Button(2)->IsPressed());
+        QVERIFY(plate.Button(2)->geometry().right() < plate.width() - 2 * 16);
+
+        plate.ApplyLabelNames(*document->GetLabelManager());
+        QCOMPARE(plate.Button(1)->toolTip(),
+                 document->GetLabelManager()->GetLabelAttribute(1).GetName());
+        plate.SetCommentTip(QString());
+        QCOMPARE(plate.Button(4)->toolTip(), QStringLiteral("コメント未記入"));
+        const QString longTitle(80, QChar(u'写'));
+        plate.SetTitle(longTitle);
+        QCOMPARE(plate.toolTip(), longTitle);
+        plate.SetTitle(QString());
+        QVERIFY(plate.toolTip().isEmpty());
+        plate.SetCheckStatus(7);
+        QCOMPARE(plate.CheckStatus(), 0);
+        plate.SetCheckStatus(2);
+        QCOMPARE(plate.CheckStatus(), 2);
     }
 };
 
