@@ -5,12 +5,17 @@
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviSpiCtrl.h"
+#include "panels/ToviSpiListCtrl.h"
+#include "platform/widgets/LumImgWnd.h"
+#include "tests/support/ScriptedUi.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/support/DeliveryWriter.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -65,6 +70,7 @@ class ToviPanelsTest : public QObject {
     QTemporaryDir temp;
     PanelHost host;
     QString folder;
+    QString pictures;  // a delivery with small JPEGs
 
     std::unique_ptr<ToviData> Open() {
         ToviEnouDataFactory factory;
@@ -88,6 +94,10 @@ private slots:
         QVERIFY2(WriteDelivery(temp.filePath(QStringLiteral("d")), options, &written, &error),
                  qPrintable(error));
         folder = written.photoFolder;
+        options.photoCount = 6;
+        options.images = DeliveryOptions::Images::Tiny;
+        QVERIFY(WriteDelivery(temp.filePath(QStringLiteral("p")), options, &written, &error));
+        pictures = written.photoFolder;
     }
 
     // Attaching and detaching call the panel's hooks as the frame promises, hint 9 included.
@@ -311,6 +321,93 @@ private slots:
         QCOMPARE(plate.CheckStatus(), 0);
         plate.SetCheckStatus(2);
         QCOMPARE(plate.CheckStatus(), 2);
+    }
+
+    // A cell shows a photograph's thumbnail first and the whole picture after its timer, the
+    // fail plate for a file that is not there, its title and information; its label buttons
+    // send the label moves the panel carries out, and Ctrl with a paging key goes to the panel.
+    void cell() {
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document = factory.Create(&host, pictures, PhotoXMLMlit);
+        QVERIFY(document);
+        document->Load();
+        document->BuildTreeNode(0);
+        host.panels.clear();
+        document->SetSelected(document.get(), true);
+        ToviPhotoCtrlVisualSetting setting = document->GetVisualSetting();
+        setting.SetImageTextArrange(ToviPhotoCtrlVisualSetting::TextArrangeBeside);
+        ToviImageLoader loader;
+        QSignalSpy ready(&loader, &ToviImageLoader::Ready);
+        ToviSpiCtrl cell(document.get(), &setting, &loader, 100);
+        cell.resize(640, 400);
+        cell.show();
+
+        cell.SetPhoto(0);
+        ToviPhoto* photo = document->GetPhoto(0);
+        QCOMPARE(cell.NamePlate()->Title(),
+                 photo->GetTitle(document->GetItemDef()->GetIndexFromEnum(
+                     setting.GetTitleShowType())));
+        QVERIFY(cell.InfoList()->topLevelItemCount() > 0);
+        QCOMPARE(cell.NamePlate()->geometry(), QRect(0, 400 - 27, 640, 27));
+        QCOMPARE(cell.ImageWnd()->width(), 35 * 640 / 60);
+        QTRY_COMPARE(ready.size(), 2);
+        QCOMPARE(ready[0][2].toInt(), int(ToviImageLoader::Thumb));
+        QCOMPARE(ready[1][2].toInt(), int(ToviImageLoader::Full));
+        QVERIFY(cell.ImageWnd()->IsEnableImage() && cell.IsImageOk());
+
+        QVERIFY(QFile::remove(document->GetPhoto(1)->GetImagePath()));
+        cell.SetPhoto(1);
+        QTRY_VERIFY(!cell.IsImageOk());
+        QVERIFY(cell.FailPlate()->isVisible());
+        QCOMPARE(cell.FailPlate()->text(), QStringLiteral("表示できません"));
+
+        // OK on a photograph with NG1 and NG2 takes every NG off; NG2 on a bare one takes OK off.
+        cell.SetPhoto(2);
+        photo = document->GetPhoto(2);
+        photo->PasteLabel(1);
+        photo->PasteLabel(2);
+        QSignalSpy pasted(&cell, &ToviSpiCtrl::PasteLabel);
+        QSignalSpy removed(&cell, &ToviSpiCtrl::RemoveLabel);
+        QSignalSpy clicked(&cell, &ToviSpiCtrl::Clicked);
+        document->SetCheckStatusChanged(false);
+        QTest::mouseClick(cell.NamePlate()->Button(0), Qt::LeftButton);
+        QCOMPARE(pasted.size(), 1);
+        QCOMPARE(pasted[0][0].toInt(), 0);
+        QCOMPARE(removed.size(), 3);
+        QVERIFY(document->IsCheckStatusChanged());
+        QCOMPARE(clicked.size(), 1);
+        cell.SetPhoto(3);
+        pasted.clear();
+        removed.clear();
+        QTest::mouseClick(cell.NamePlate()->Button(2), Qt::LeftButton);
+        QCOMPARE(pasted.size(), 1);
+        QCOMPARE(removed.size(), 1);
+        QCOMPARE(removed[0][0].toInt(), 0);
+
+        // The comment: blanks alone leave it empty and the label off; a text pastes it.
+        ScriptedUi ui;
+        ToviUi::Install(&ui);
+        ui.QueueDialog(true, {{QStringLiteral("comment"), QStringLiteral(" 　 ")}});
+        pasted.clear();
+        QTest::mouseClick(cell.NamePlate()->Button(4), Qt::LeftButton);
+        QCOMPARE(document->GetPhoto(3)->GetComment(), QString());
+        QVERIFY(!cell.NamePlate()->Button(4)->IsPressed());
+        ui.QueueDialog(true, {{QStringLiteral("comment"), QStringLiteral("再撮影 要")}});
+        QTest::mouseClick(cell.NamePlate()->Button(4), Qt::LeftButton);
+        QCOMPARE(document->GetPhoto(3)->GetComment(), QStringLiteral("再撮影 要"));
+        QCOMPARE(pasted.size(), 1);
+        QCOMPARE(pasted[0][0].toInt(), 4);
+        ToviUi::Install(nullptr);
+
+        QSignalSpy keys(&cell, &ToviSpiCtrl::KeyPressed);
+        QTest::keyClick(cell.InfoList(), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(keys.size(), 1);
+
+        cell.ClearPhoto();
+        QCOMPARE(cell.PhotoIndex(), -1);
+        QVERIFY(cell.NamePlate()->Title().isEmpty());
+        QVERIFY(!cell.NamePlate()->Button(0)->isVisible());
+        loader.WaitForDone();
     }
 };
 

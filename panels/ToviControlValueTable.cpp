@@ -1,0 +1,34 @@
+#include "panels/ToviControlValueTable.h"
+
+#include "imagefacts/ToviControlValues.h"
+
+#include <QHeaderView>
+
+ToviControlValueTable::ToviControlValueTable(QWidget* parent) : QTreeWidget(parent) {
+    setObjectName(QStringLiteral("valueTable"));
+    setColumnCount(4);
+    setHeaderLabels({QStringLiteral("項目名"), QStringLiteral("設計値"), QStringLiteral("実測値"),
+                     QStringLiteral("差")});
+    setRootIsDecorated(false);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setAllColumnsShowFocus(true);
+    setFrameShape(QFrame::StyledPanel);
+    setUniformRowHeights(true);
+    for (int column = 0; column < 4; ++column) {
+        setColumnWidth(column, 85);
+        headerItem()->setTextAlignment(column, column == 0 ? Qt::AlignLeft | Qt::AlignVCenter
+                                                           : Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+void ToviControlValueTable::SetValues(const ToviControlValues& values) {
+    clear();
+    for (const auto& value : values) {
+        auto* row = new QTreeWidgetItem(
+            this, {value->Name(), value->Design(), value->Actual(), value->Difference()});
+        for (int column = 1; column < 4; ++column) {
+            row->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+        }
+    }
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QTreeWidget>
+
+class ToviControlValues;
+
+// The 施工管理値 of a photograph as a table: 項目名, 設計値, 実測値 and 差, one row a value.
+class ToviControlValueTable : public QTreeWidget {
+    Q_OBJECT
+public:
+    explicit ToviControlValueTable(QWidget* parent = nullptr);
+
+    void Clear() { clear(); }
+    void SetValues(const ToviControlValues& values);
+    int RowCount() const { return topLevelItemCount(); }
+};
