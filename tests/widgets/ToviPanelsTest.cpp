@@ -4,6 +4,7 @@
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviLabelTreePanel.h"
+#include "panels/ToviMpiPanel.h"
 #include "panels/ToviNamePlate.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
@@ -408,6 +409,147 @@ private slots:
         QVERIFY(cell.NamePlate()->Title().isEmpty());
         QVERIFY(!cell.NamePlate()->Button(0)->isVisible());
         loader.WaitForDone();
+    }
+
+    // A panel over the first count photographs of the 40 (those carrying label 5), in mode.
+    std::unique_ptr<ToviData> OpenPaged(int count) {
+        std::unique_ptr<ToviData> document = Open();
+        for (int i = 0; i < count; ++i) {
+            document->GetPhotoActualPhotoArray(i)->PasteLabel(5);
+        }
+        document->SetSelected(5);
+        return document;
+    }
+    void Show(ToviMpiPanel& panel, ToviData& document, int mode) {
+        ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
+        setting.SetDivType(static_cast<ToviPhotoCtrlVisualSetting::DivideType>(mode));
+        document.SetVisualSetting(setting, false);
+        host.panels = {&panel};
+        panel.resize(802, 402);
+        panel.show();
+        panel.Attach(&document);
+        panel.OnUpdate(nullptr, ToviData::HintInitialize, nullptr);
+    }
+    QList<int> Shown(const ToviMpiPanel& panel) {
+        QList<int> shown;
+        for (const ToviSpiCtrl* cell : panel.Cells()) {
+            shown.append(cell->PhotoIndex());
+        }
+        return shown;
+    }
+    void Key(ToviMpiPanel& panel, Qt::Key key) {
+        QTest::keyClick(panel.GetSelSpiCtrl()->NamePlate(), key);
+    }
+
+    // Pages of n cells: the count of pages, what the last page shows, and an empty set.
+    void pages_data() {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("totalPage");
+        QTest::addColumn<QList<int>>("lastPage");
+        QTest::newRow("none") << 0 << 0 << 0 << QList<int>{-1};
+        QTest::newRow("one in mode 0") << 0 << 1 << 1 << QList<int>{0};
+        QTest::newRow("n-1 in mode 2") << 2 << 2 << 1 << QList<int>{0, 1, -1};
+        QTest::newRow("n in mode 4") << 4 << 6 << 1 << QList<int>{0, 1, 2, 3, 4, 5};
+        QTest::newRow("n+1 in mode 1") << 1 << 3 << 2 << QList<int>{2, -1};
+        QTest::newRow("7 in mode 3") << 3 << 7 << 2 << QList<int>{4, 5, 6, -1};
+    }
+    void pages() {
+        QFETCH(int, mode);
+        QFETCH(int, count);
+        QFETCH(int, totalPage);
+        QFETCH(QList<int>, lastPage);
+        std::unique_ptr<ToviData> document = OpenPaged(count);
+        ToviMpiPanel panel(&host);
+        Show(panel, *document, mode);
+        QCOMPARE(panel.GetCurrentPage(), 1);
+        QCOMPARE(panel.GetTotalPage(), totalPage);
+        if (totalPage > 1) {
+            panel.OperateLastPage();
+        }
+        QCOMPARE(Shown(panel), lastPage);
+        QCOMPARE(panel.GetCountInPage(), int(lastPage.count()) - int(lastPage.count(-1)));
+        host.panels.clear();
+    }
+
+    // Walking with the keys: next and previous photograph across a page boundary, and the
+    // two-column moves of modes 3 and 4.
+    void keys() {
+        std::unique_ptr<ToviData> document = OpenPaged(10);
+        ToviMpiPanel panel(&host);
+        Show(panel, *document, 1);  // two a page
+        Key(panel, Qt::Key_Down);
+        Key(panel, Qt::Key_Down);
+        QCOMPARE(panel.GetCurrentPage(), 2);
+        QCOMPARE(panel.GetTopPosIndex(), 2);
+        Key(panel, Qt::Key_Up);
+        QCOMPARE(panel.GetCurrentPage(), 1);
+        QCOMPARE(panel.GetTopPosIndex(), 1);
+        Key(panel, Qt::Key_PageDown);
+        QCOMPARE(panel.GetCurrentPage(), 2);
+        QCOMPARE(panel.GetTopPosIndex(), 2);
+
+        // Mode 4, six a page, last page 4 photographs: Right from cell 1 falls to cell 2, and
+        // from cell 2 stays.
+        Show(panel, *document, 4);
+        panel.OperateLastPage();
+        QVERIFY(panel.OnSelect(panel.Cells()[1]->PhotoIndex()));
+        Key(panel, Qt::Key_Right);
+        QCOMPARE(panel.GetSelectIndexInPage(), 2);
+        Key(panel, Qt::Key_Right);
+        QCOMPARE(panel.GetSelectIndexInPage(), 2);
+        // Mode 4, first page, cell 0: Left does nothing.
+        panel.OperateTopPage();
+        Key(panel, Qt::Key_Left);
+        QCOMPARE(panel.GetCurrentPage(), 1);
+        QCOMPARE(panel.GetSelectIndexInPage(), 0);
+        // Mode 3, page 2, cell 0: Left goes to cell 3 of page 1.
+        Show(panel, *document, 3);
+        panel.OperateNextPage();
+        QCOMPARE(panel.GetSelectIndexInPage(), 0);
+        Key(panel, Qt::Key_Left);
+        QCOMPARE(panel.GetCurrentPage(), 1);
+        QCOMPARE(panel.GetSelectIndexInPage(), 3);
+        host.panels.clear();
+    }
+
+    // Cells fill the panel column by column with a gap of 2, the rest to the later cells; a
+    // click on a cell selects its photograph; a selection on page 3 survives a new set.
+    void layoutAndSelection() {
+        std::unique_ptr<ToviData> document = OpenPaged(20);
+        ToviMpiPanel panel(&host);
+        Show(panel, *document, 3);
+        QCOMPARE(panel.Cells()[0]->geometry(), QRect(0, 0, 401, 201));
+        QCOMPARE(panel.Cells()[1]->geometry(), QRect(0, 203, 401, 199));
+        QCOMPARE(panel.Cells()[2]->geometry(), QRect(403, 0, 399, 201));
+        QTest::mouseClick(panel.Cells()[2]->NamePlate(), Qt::LeftButton, {}, QPoint(20, 10));
+        QCOMPARE(panel.GetTopPosIndex(), 2);
+        QVERIFY(panel.Cells()[2]->NamePlate()->IsSelected());
+        QVERIFY(!panel.Cells()[0]->NamePlate()->IsSelected());
+
+        panel.OperateNextPage();
+        panel.OperateNextPage();
+        QVERIFY(panel.OnSelect(9));
+        document->SetSelected(5);  // the same set again: hint 2
+        QCOMPARE(panel.GetCurrentPage(), 3);
+        QCOMPARE(panel.GetTopPosIndex(), 9);
+        host.panels.clear();
+    }
+
+    // The dialogs' sizes are kept as value + 100; a stored value below 100 is ignored.
+    void persistence() {
+        ToviProfile& profile = ToviProfile::Instance();
+        profile.WriteProfileInt(ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgWEntry_, 99);
+        profile.WriteProfileInt(ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgHEntry_, 420);
+        {
+            ToviMpiPanel panel(&host);
+            QCOMPARE(panel.DialogWidth(), 0);
+            QCOMPARE(panel.DialogHeight(), 320);
+            QCOMPARE(panel.DialogSplitterPos(), 180);
+        }
+        QCOMPARE(profile.GetProfileInt(ToviMpiPanel::MultiDialogSection_,
+                                       ToviMpiPanel::MultiDlgSplPosEntry_, 0),
+                 280);
     }
 };
 
