@@ -256,39 +256,9 @@ private slots:
         }
     }
 
-    // A group whose children are all optional may stand empty; the photographs after it must
-    // still load, with their values on the right items.
-    void emptyGroupElementDoesNotStopTheLoad() {
-        const QString folder = temp.filePath(u"empty-group"_s);
-        QByteArray body =
-            "<!DOCTYPE photodata SYSTEM \"PHOTO03.DTD\">\n<photodata><基礎情報>"
-            "<写真フォルダ名>PHOTO/PIC</写真フォルダ名>"
-            "<適用要領基準>土木200406-01</適用要領基準></基礎情報>";
-        for (const QByteArray n : {"1", "2", "3"}) {
-            body += "<写真情報><写真ファイル情報><シリアル番号>" + n +
-                    "</シリアル番号><写真ファイル名>P" + n +
-                    ".JPG</写真ファイル名><メディア番号>1</メディア番号></写真ファイル情報>"
-                    "<撮影工種区分><写真-大分類>工事</写真-大分類><写真タイトル>T" +
-                    n + "</写真タイトル></撮影工種区分>" +
-                    (n == "1" ? "<撮影情報/>"
-                              : "<撮影情報><撮影箇所>No." + n + "</撮影箇所></撮影情報>") +
-                    "<代表写真>0</代表写真><提出頻度写真>1</提出頻度写真></写真情報>";
-        }
-        WritePhotoXml(folder, body + "</photodata>");
-        ToviEnouDataFactory factory;
-        std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
-        QVERIFY2(document, qPrintable(factory.GetLoadError()));
-        QCOMPARE(document->GetTotalCountPhoto(), 3);
-        for (int n = 1; n <= 3; ++n) {
-            QCOMPARE(Value(*document, n - 1, "写真タイトル"), u"T%1"_s.arg(n));
-            QCOMPARE(Value(*document, n - 1, "撮影箇所"), n == 1 ? QString() : u"No.%1"_s.arg(n));
-            QCOMPARE(Value(*document, n - 1, "提出頻度写真"), u"1"_s);
-        }
-    }
-
-    // What the load mends instead of failing: bytes that are not Shift_JIS spoil only their
-    // value (U+FFFD), and a photograph without an element of data count "0" keeps what it
-    // had while the photographs after it load. Both are counted for the delivery checks.
+    // What the load mends instead of failing, counted for the delivery checks: bytes that are
+    // not Shift_JIS spoil only their value (U+FFFD); a photograph without an element of data
+    // count "0" keeps what it had. An empty group (all children optional) is passed over.
     void loadMendsAndCountsFaults() {
         const QString program = temp.filePath(u"prog-strict"_s);
         const auto item = [](const char* title, const char* count, const char* step,
@@ -300,11 +270,12 @@ private slots:
         WriteFile(program + u"/READITEM.XML"_s,
                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
                       item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
-                      item("写真タイトル", "0", "Next") + item("撮影年月日", "0/1", "Parent") +
-                      "</国交省-20></information>");
+                      item("写真タイトル", "0", "Next") + item("撮影情報", "1", "Child", "不要") +
+                      item("撮影箇所", "0/1", "Parent", "任意") +
+                      item("撮影年月日", "0/1", "Parent") + "</国交省-20></information>");
         ToviItemDef::SetProgramPathOverride(program);
 
-        // Photograph 2 lacks its title, 3 has stray bytes in its title, 4 in its date.
+        // Photograph 1 has an empty group, 2 lacks its title, 3 and 4 have stray bytes.
         const QString folder = temp.filePath(u"mended"_s);
         QByteArray body = "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n<photodata>";
         for (const QByteArray n : {"1", "2", "3", "4"}) {
@@ -312,6 +283,8 @@ private slots:
                     (n == "2" ? ""
                               : "<写真タイトル>題" + n + (n == "3" ? "{junk}" : "") +
                                     "</写真タイトル>") +
+                    (n == "1" ? "<撮影情報/>"
+                              : "<撮影情報><撮影箇所>No." + n + "</撮影箇所></撮影情報>") +
                     "<撮影年月日>2024-01" + (n == "4" ? "{junk}" : "-") + "0" + n +
                     "</撮影年月日></写真情報>";
         }
@@ -320,6 +293,9 @@ private slots:
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
         QVERIFY2(document, qPrintable(factory.GetLoadError()));
         QCOMPARE(document->GetTotalCountPhoto(), 4);
+        QCOMPARE(Value(*document, 0, "撮影箇所"), QString());
+        QCOMPARE(Value(*document, 0, "撮影年月日"), u"2024-01-01"_s);
+        QCOMPARE(Value(*document, 1, "撮影箇所"), u"No.2"_s);
         QCOMPARE(Value(*document, 1, "写真ファイル名"), u"P2.JPG"_s);
         QCOMPARE(Value(*document, 1, "写真タイトル"), QString());
         QCOMPARE(Value(*document, 1, "撮影年月日"), u"2024-01-02"_s);
@@ -445,15 +421,11 @@ private slots:
         QCOMPARE(def.GetIndexFromTitle(u"その他"_s), -1);
         QVERIFY_THROWS_EXCEPTION(std::out_of_range, def.GetDef(count));
         if (count == 2) {
-            const Definition& b = def.GetDef(1);
-            QCOMPARE(b.title, u"B"_s);
-            QCOMPARE(def.GetIndexFromTitle(u"B"_s), 1);
-            QCOMPARE(b.grade, static_cast<int>(Definition::GradeRequired));
-            QCOMPARE(b.show, static_cast<int>(Definition::ShowInfoDlg));
-            QCOMPARE(b.count, static_cast<int>(Definition::CountZeroOrMore));
-            QCOMPARE(b.operation, static_cast<int>(Definition::StepParent));
-            QVERIFY(b.blockPlural);
-            QCOMPARE(b.readType, static_cast<int>(Definition::ReadPhotoItem));
+            const Definition& b = def.GetDef(def.GetIndexFromTitle(u"B"_s));
+            QCOMPARE((QList<int>{b.grade, b.show, b.count, b.operation, b.blockPlural, b.readType}),
+                     (QList<int>{Definition::GradeRequired, Definition::ShowInfoDlg,
+                                 Definition::CountZeroOrMore, Definition::StepParent, true,
+                                 Definition::ReadPhotoItem}));
         }
     }
 
