@@ -98,7 +98,6 @@ private slots:
                                    dtd + "\">\n<photodata><基礎情報>" + rest))));
         };
         photoXml("broken", "PHOTO05.DTD", "");
-        photoXml("unknown", "PHOTO77.DTD", "</基礎情報></photodata>");
         photoXml("none", "PHOTO05.DTD",
                  "<写真フォルダ名>PHOTO/PIC</写真フォルダ名><適用要領基準>x</適用要領基準>"
                  "</基礎情報></photodata>");
@@ -156,7 +155,6 @@ private slots:
         row("missing folder", {"info", "{t}/missing"}, 1, "{t}/missing");
         row("no PHOTO.XML", {"info", "{t}/empty"}, 1, "PHOTO.XML");
         row("not well formed", {"info", "{t}/broken"}, 1);
-        row("unknown DOCTYPE", {"info", "{t}/unknown"}, 1, "DOCTYPE");
         row("wrong family", {"info", "{w}", "--family", "3"}, 1, "DOCTYPE");
         row("no photographs is loaded", {"info", "{t}/none"}, 0, "写真がありません");
         row("no folder", {"info"}, 2, "フォルダ");
