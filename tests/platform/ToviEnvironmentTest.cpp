@@ -3,11 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <cstring>
 #include <vector>
 
 using namespace Qt::StringLiterals;

@@ -401,8 +401,6 @@ private slots:
             QCOMPARE(Hidden(list), hidden);
             QCOMPARE(Describe(list).replaceInStrings(u"=-/"_s, u"=+/"_s),
                      firstList.replaceInStrings(u"=-/"_s, u"=+/"_s));
-            QVERIFY(doc.GetVisualSetting().GetItemShowSettings() == list);
-            QVERIFY(list.IsBold(u"高度"_s));
             // A saved list doesn't touch the control-value panel.
             QVERIFY(!doc.GetVisualSetting().GetVisibleControlValue());
         }
