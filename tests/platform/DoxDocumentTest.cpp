@@ -20,6 +20,12 @@ QStringList Walk(DoxDocument& xml) {
     return seen;
 }
 
+QString WriteDoc(const QTemporaryDir& temp, const QByteArray& bytes) {
+    const QString path = temp.filePath(QStringLiteral("doc.xml"));
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? path : QString();
+}
+
 }  // namespace
 
 class DoxDocumentTest : public QObject {
@@ -28,8 +34,7 @@ class DoxDocumentTest : public QObject {
 private slots:
     void cleanup() { DoxDocument::SetSliceSizeForTesting(0); }
 
-    // A streamed load walks to the same elements and texts as a whole one, whatever the
-    // slice size and whatever markup stands between the root's children.
+    // A streamed load walks the same elements and texts as a whole one, at any slice size.
     void streamedWalkMatchesWholeLoad_data() {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QByteArray>("encoding");
@@ -48,12 +53,9 @@ private slots:
         QFETCH(QByteArray, body);
         QFETCH(QByteArray, encoding);
         QTemporaryDir temp;
-        const QString path = temp.filePath(QStringLiteral("doc.xml"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
         const QByteArray text = "<?xml version=\"1.0\" encoding=\"" + encoding + "\"?>\n" + body;
-        file.write(encoding == "UTF-8" ? text : Cp932::FromUnicode(QString::fromUtf8(text)));
-        file.close();
+        const QString path = WriteDoc(
+            temp, encoding == "UTF-8" ? text : Cp932::FromUnicode(QString::fromUtf8(text)));
 
         DoxDocument whole;
         whole.Initiate();
@@ -69,9 +71,8 @@ private slots:
         }
     }
 
-    // XML broken anywhere fails the streamed load with one line that says where: at once
-    // when no root element can be found, otherwise at once or in FinishStream, depending on
-    // how much of the file the first slice read.
+    // Broken XML fails the streamed load with one line: at once without a root element,
+    // else at once or in FinishStream.
     void brokenStreams_data() {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<bool>("opens");
@@ -87,11 +88,7 @@ private slots:
         QFETCH(QByteArray, body);
         QFETCH(bool, opens);
         QTemporaryDir temp;
-        const QString path = temp.filePath(QStringLiteral("doc.xml"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + body);
-        file.close();
+        const QString path = WriteDoc(temp, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + body);
         DoxDocument::SetSliceSizeForTesting(1);
         DoxDocument xml;
         xml.Initiate();

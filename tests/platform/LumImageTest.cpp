@@ -35,18 +35,6 @@ void WriteBytes(const QString& path, const QByteArray& bytes) {
     QCOMPARE(file.write(bytes), bytes.size());
 }
 
-const char kSvg[] =
-    "<?xml version=\"1.0\"?>\n"
-    "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"400\" "
-    "viewBox=\"0 0 800 400\">\n"
-    "  <rect x=\"0\" y=\"0\" width=\"400\" height=\"400\" fill=\"#ff0000\"/>\n"
-    "</svg>\n";
-
-// Load, or LoadThumb when thumb is set.
-bool LoadWay(LumImage& image, bool thumb, const QString& path) {
-    return thumb ? image.LoadThumb(path) : image.Load(path);
-}
-
 }  // namespace
 
 class LumImageTest : public QObject {
@@ -104,107 +92,74 @@ private slots:
         QVERIFY(image.Load(path));
         QCOMPARE(image.Image().size(), size);
     }
+    // Every turn through Load and LoadThumb; even turns take the Exif thumbnail, odd ones the
+    // decoded picture. The colours are those at the upright picture's top-left, top-right and
+    // bottom-left.
     void orientation_data() {
-        QTest::addColumn<bool>("thumb");
-        QTest::addColumn<bool>("embed");
         QTest::addColumn<int>("orientation");
-        // The colours seen at the top-left, top-right and bottom-left of the upright picture.
-        QTest::addColumn<QColor>("topLeft");
-        QTest::addColumn<QColor>("topRight");
-        QTest::addColumn<QColor>("bottomLeft");
-
-        const struct {
-            int orientation;
-            QColor topLeft, topRight, bottomLeft;
-        } rows[] = {
-            {1, Qt::red, Qt::green, Qt::blue},    {2, Qt::green, Qt::red, Qt::yellow},
-            {3, Qt::yellow, Qt::blue, Qt::green}, {4, Qt::blue, Qt::yellow, Qt::red},
-            {5, Qt::red, Qt::blue, Qt::green},    {6, Qt::blue, Qt::red, Qt::yellow},
-            {7, Qt::yellow, Qt::green, Qt::blue}, {8, Qt::green, Qt::yellow, Qt::red},
-        };
-        // Every turn through Load; the thumbnail paths share the turning, so one each.
-        for (const auto& row : rows) {
-            QTest::addRow("%d, Load", row.orientation)
-                << false << true << row.orientation << row.topLeft << row.topRight
-                << row.bottomLeft;
+        QTest::addColumn<QList<QColor>>("corners");
+        const QList<QList<QColor>> corners{
+            {Qt::red, Qt::green, Qt::blue},    {Qt::green, Qt::red, Qt::yellow},
+            {Qt::yellow, Qt::blue, Qt::green}, {Qt::blue, Qt::yellow, Qt::red},
+            {Qt::red, Qt::blue, Qt::green},    {Qt::blue, Qt::red, Qt::yellow},
+            {Qt::yellow, Qt::green, Qt::blue}, {Qt::green, Qt::yellow, Qt::red}};
+        for (int i = 0; i < corners.size(); ++i) {
+            QTest::addRow("%d", i + 1) << i + 1 << corners[i];
         }
-        QTest::newRow("6, Exif thumbnail")
-            << true << true << 6 << QColor(Qt::blue) << QColor(Qt::red) << QColor(Qt::yellow);
-        QTest::newRow("7, decoded thumbnail")
-            << true << false << 7 << QColor(Qt::yellow) << QColor(Qt::green) << QColor(Qt::blue);
     }
     void orientation() {
-        QFETCH(bool, thumb);
-        QFETCH(bool, embed);
         QFETCH(int, orientation);
-        QFETCH(QColor, topLeft);
-        QFETCH(QColor, topRight);
-        QFETCH(QColor, bottomLeft);
-
+        QFETCH(QList<QColor>, corners);
         ExifFacts facts;
         facts.orientation = orientation;
-        facts.embedThumbnail = embed;
+        facts.embedThumbnail = orientation % 2 == 0;
         facts.thumbnailSize = QSize(160, 80);
         const QString path = dir->filePath(u"turned.jpg"_s);
         QVERIFY(WriteExifJpeg(path, Quadrants(QSize(640, 320)), facts));
-
-        LumImage image;
-        QVERIFY(LoadWay(image, thumb, path));
-        const QImage& picture = image.Image();
-        const bool upright = orientation >= 5;
-        QCOMPARE(picture.width() > picture.height(), !upright);
-        const int right = picture.width() - 3;
-        const int bottom = picture.height() - 3;
-        QVERIFY2(Near(picture.pixel(2, 2), topLeft), "top left");
-        QVERIFY2(Near(picture.pixel(right, 2), topRight), "top right");
-        QVERIFY2(Near(picture.pixel(2, bottom), bottomLeft), "bottom left");
-    }
-    void unreadableFiles_data() {
-        QTest::addColumn<bool>("thumb");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("bytes");  // null: the file is not written at all
-
-        ExifFacts withThumb;
-        const QByteArray jpeg = MakeExifJpeg(Quadrants(QSize(640, 480)), withThumb);
-        QVERIFY(!jpeg.isEmpty());
-
-        const struct {
-            const char* row;
-            QString name;
-            QByteArray bytes;
-        } files[] = {
-            {"missing file", u"none.JPG"_s, QByteArray()},
-            {"empty file", u"empty.JPG"_s, QByteArray("")},
-            {"cut in the scan, Exif thumbnail intact", u"cut.JPG"_s,
-             jpeg.left(jpeg.size() * 2 / 3)},
-            {"cut inside the Exif block", u"cut3.JPG"_s, jpeg.left(300)},
-            {"cut SVG", u"cut.svg"_s, QByteArray(kSvg).left(120)},
-        };
-        for (const auto& file : files) {
-            for (bool thumb : {false, true}) {
-                QTest::addRow("%s, %s", file.row, thumb ? "LoadThumb" : "Load")
-                    << thumb << file.name << file.bytes;
-            }
+        for (const bool thumb : {false, true}) {
+            LumImage image;
+            QVERIFY(thumb ? image.LoadThumb(path) : image.Load(path));
+            const QImage& picture = image.Image();
+            QCOMPARE(picture.width() > picture.height(), orientation < 5);
+            const int right = picture.width() - 3;
+            const int bottom = picture.height() - 3;
+            QVERIFY2(Near(picture.pixel(2, 2), corners[0]), "top left");
+            QVERIFY2(Near(picture.pixel(right, 2), corners[1]), "top right");
+            QVERIFY2(Near(picture.pixel(2, bottom), corners[2]), "bottom left");
         }
     }
+    // Load and LoadThumb fail alike, and leave no picture of the file before.
+    void unreadableFiles_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");  // null: the file is not written at all
+        const QByteArray jpeg = MakeExifJpeg(Quadrants(QSize(640, 480)), ExifFacts());
+        QTest::newRow("missing file") << u"none.JPG"_s << QByteArray();
+        QTest::newRow("empty file") << u"empty.JPG"_s << QByteArray("");
+        QTest::newRow("cut in the scan, Exif thumbnail intact")
+            << u"cut.JPG"_s << jpeg.left(jpeg.size() * 2 / 3);
+        QTest::newRow("cut inside the Exif block") << u"cut3.JPG"_s << jpeg.left(300);
+        QTest::newRow("cut SVG") << u"cut.svg"_s
+                                 << QByteArray(
+                                        "<?xml version=\"1.0\"?>\n<svg xmlns=\"http://www.w3.org/"
+                                        "2000/svg\" width=\"800\" height=\"400\">\n  <rect x=");
+    }
     void unreadableFiles() {
-        QFETCH(bool, thumb);
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
-
         const QString good = dir->filePath(u"good.JPG"_s);
         QVERIFY(WriteExifJpeg(good, Quadrants(QSize(64, 48)), ExifFacts()));
         const QString path = dir->filePath(name);
         if (!bytes.isNull()) {
             WriteBytes(path, bytes);
         }
-
-        LumImage image;
-        QVERIFY(image.Load(good));
-        QVERIFY(!LoadWay(image, thumb, path));
-        QVERIFY(!image.IsValid());
-        QCOMPARE(image.Width(), 0);
-        QVERIFY(!image.ConvGrayScaleFromMono());
+        for (const bool thumb : {false, true}) {
+            LumImage image;
+            QVERIFY(image.Load(good));
+            QVERIFY(!(thumb ? image.LoadThumb(path) : image.Load(path)));
+            QVERIFY(!image.IsValid());
+            QCOMPARE(image.Width(), 0);
+            QVERIFY(!image.ConvGrayScaleFromMono());
+        }
     }
     // A one-bit drawing becomes grey levels, pixel for pixel; anything else is left alone.
     void monoBecomesGrey() {
