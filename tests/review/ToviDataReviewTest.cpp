@@ -146,13 +146,23 @@ QString Labels(const ToviPhoto& photo) {
     return photo.GetComment().isEmpty() ? text : text + QLatin1Char('c');
 }
 
-// Pastes the labels (and a comment for "c") that Labels would write.
+// Steps on photo: a digit pastes that label, "-" and a digit removes it, c comments, x removes
+// all, k marks all not checked, o all OK. Labels' text pastes what Labels wrote.
 void SetLabels(ToviPhoto& photo, const QString& text) {
-    for (const QChar c : text) {
-        if (c == QLatin1Char('c')) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char c = text[i].toLatin1();
+        if (c == '-') {
+            photo.RemoveLabel(static_cast<unsigned int>(text[++i].digitValue()));
+        } else if (c == 'c') {
             photo.SetComment(QStringLiteral("要確認"));
+        } else if (c == 'x') {
+            photo.RemoveAllLabel();
+        } else if (c == 'k') {
+            photo.CorrectAllNotCheck();
+        } else if (c == 'o') {
+            photo.CorrectAllOK();
         } else {
-            photo.PasteLabel(static_cast<unsigned int>(c.digitValue()));
+            photo.PasteLabel(static_cast<unsigned int>(text[i].digitValue()));
         }
     }
 }
@@ -396,11 +406,11 @@ private slots:
     }
 
     // Selection by scripts of steps: t<n> builds tree n; b appends a photograph in none of the
-    // tree's levels; +<k>.<l> pastes label l on photograph k, c<k> gives it a comment, p<k>
-    // selects it; n<path> selects a node (N: forced; no path: the root), l<n> label n, f the
-    // selected photograph's node (!f: that fails); s sorts by shooting date; e<conditions>
-    // extracts; a<list> puts photographs on show; u looks for comments; C<0|1> and =<list>
-    // check HasComment and what is on show; h forgets the hints. "-" before a delivery: no host.
+    // tree's levels; +<k>=<steps> labels photograph k as SetLabels does, p<k> selects it; n<path>
+    // selects a node (N: forced; no path: the root), l<n> label n, f the selected photograph's node
+    // (!f: that fails); s sorts by shooting date; e<conditions> extracts; a<list> puts photographs
+    // on show; u looks for comments; C<0|1> and =<list> check HasComment and what is on show; h
+    // forgets the hints. "-" before a delivery: no host.
     void selection_data() {
         QTest::addColumn<QString>("delivery");
         QTest::addColumn<QString>("script");
@@ -410,8 +420,8 @@ private slots:
         QTest::addColumn<int>("photo");  // the selected photograph, -1 for none
         const QList<int> none;
         const QList<int> changed{ToviData::HintSelectionChanged};
-        const QString onC = QStringLiteral("t2 +0.1 +2.1 nC e工種=Z a1 h ");
-        const QString commented = QStringLiteral("t2 c1 +3.4 a");
+        const QString onC = QStringLiteral("t2 +0=1 +2=1 nC e工種=Z a1 h ");
+        const QString commented = QStringLiteral("t2 +1=c +3=4 a");
         // clang-format off
         QTest::newRow("same node, not forced") << "selection" << "t2 nA a2 h nA" << "A" << QList<int>{2} << none << -1;
         QTest::newRow("same node, forced") << "selection" << "t2 nA a2 h NA" << "A" << QList<int>{0, 1} << changed << -1;
@@ -435,7 +445,7 @@ private slots:
         QTest::newRow("photograph in no node") << "switch" << "b t2 p4 h t1" << "" << QList<int>{0, 1, 3, 2} << none << 4;
         // Extraction starts from a node's whole content on every selection, extraction and tree;
         // a changed photograph doesn't filter by itself.
-        QTest::newRow("extraction follows") << "extraction" << "t2 +1.1 +2.0 +3.3 +4.2 eng =4,1,3 n土工 =4 enotcheck =0 t1 =0,5 +0.0 =0,5 h N" << "" << QList<int>{5} << changed << -1;
+        QTest::newRow("extraction follows") << "extraction" << "t2 +1=1 +2=0 +3=3 +4=2 eng =4,1,3 n土工 =4 enotcheck =0 t1 =0,5 +0=0 =0,5 h N" << "" << QList<int>{5} << changed << -1;
         // HasComment looks at comment text on show; nothing on show leaves it as it was.
         QTest::newRow("comment label without text") << "labelled" << commented + "0,3 u C0" << "" << QList<int>{0, 3} << none << -1;
         QTest::newRow("comment last on show") << "labelled" << commented + "0,2,1 u C1" << "" << QList<int>{0, 2, 1} << none << -1;
@@ -459,7 +469,6 @@ private slots:
         for (const QString& step : script.split(QLatin1Char(' '))) {
             const QChar op = step.at(0);
             const QString arg = step.mid(1);
-            ToviPhoto* target = doc->GetPhotoActualPhotoArray(arg.section('.', 0, 0).toInt());
             if (op == QLatin1Char('t')) {
                 doc->BuildTreeNode(arg.toInt());
             } else if (op == QLatin1Char('b')) {
@@ -468,9 +477,8 @@ private slots:
                 doc->GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(
                     doc.get(), ToviItemArray{ToviItem(title, QStringLiteral("bare"))}));
             } else if (op == QLatin1Char('+')) {
-                target->PasteLabel(arg.section('.', 1).toUInt());
-            } else if (op == QLatin1Char('c')) {
-                target->SetComment(QStringLiteral("要確認"));
+                SetLabels(*doc->GetPhotoActualPhotoArray(arg.section('=', 0, 0).toInt()),
+                          arg.section('=', 1));
             } else if (op == QLatin1Char('p')) {
                 QVERIFY(doc->PhotoSelectSetting(arg.toInt()));
             } else if (op == QLatin1Char('n') || op == QLatin1Char('N')) {
@@ -516,43 +524,27 @@ private slots:
         QCOMPARE(doc->IsExtractionOn(), script.contains(QLatin1String(" e")));
     }
 
-    // Any combination of labels is taken as pasted. Steps: +n pastes, -n removes, c comments,
-    // x RemoveAllLabel, k CorrectAllNotCheck, o CorrectAllOK.
+    // Any combination of labels is taken as pasted; steps as SetLabels takes them.
     void photographLabels_data() {
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QString>("labels");
         QTest::addColumn<QList<bool>>("state");  // OK, NG, not checked
         // clang-format off
-        QTest::newRow("OK pasted over NG") << "+1 +0" << "01" << QList<bool>{true, true, false};
-        QTest::newRow("comment label alone") << "+4" << "4" << QList<bool>{false, false, true};
-        QTest::newRow("slot 6 removed") << "+3 -6" << "3" << QList<bool>{false, true, false};
-        QTest::newRow("remove all empties the comment") << "+0 +1 +4 +5 c x" << "" << QList<bool>{false, false, true};
-        QTest::newRow("not checked keeps 4, 5 and the comment") << "+0 +3 +4 +5 c k" << "45c" << QList<bool>{false, false, true};
-        QTest::newRow("all OK keeps 4 and the comment") << "+2 +3 +4 c o" << "04c" << QList<bool>{true, false, false};
+        QTest::newRow("OK pasted over NG") << "10" << "01" << QList<bool>{true, true, false};
+        QTest::newRow("comment label alone") << "4" << "4" << QList<bool>{false, false, true};
+        QTest::newRow("slot 6 removed") << "3-6" << "3" << QList<bool>{false, true, false};
+        QTest::newRow("remove all empties the comment") << "0145cx" << "" << QList<bool>{false, false, true};
+        QTest::newRow("not checked keeps 4, 5 and the comment") << "0345ck" << "45c" << QList<bool>{false, false, true};
+        QTest::newRow("all OK keeps 4 and the comment") << "234co" << "04c" << QList<bool>{true, false, false};
         // clang-format on
     }
     void photographLabels() {
-        QFETCH(QString, steps);
         QFETCH(QString, labels);
         std::unique_ptr<ToviData> doc = OpenBuilt(QStringLiteral("labelled"));
         QVERIFY(doc);
         ToviPhoto& photo = *doc->GetPhotoActualPhotoArray(3);
-        for (const QString& step : steps.split(QLatin1Char(' '))) {
-            const auto slot = static_cast<unsigned int>(step.mid(1).toInt());
-            if (step.startsWith(QLatin1Char('+'))) {
-                photo.PasteLabel(slot);
-            } else if (step.startsWith(QLatin1Char('-'))) {
-                photo.RemoveLabel(slot);
-            } else if (step == QLatin1String("c")) {
-                photo.SetComment(QStringLiteral("再撮影"));
-            } else if (step == QLatin1String("x")) {
-                photo.RemoveAllLabel();
-            } else if (step == QLatin1String("k")) {
-                photo.CorrectAllNotCheck();
-            } else {
-                photo.CorrectAllOK();
-            }
-        }
+        QFETCH(QString, steps);
+        SetLabels(photo, steps);
         QCOMPARE(Labels(photo), labels);
         QTEST((QList<bool>{photo.IsOK(), photo.HasNGLabel(), photo.IsNotCheck()}), "state");
         // Only flags count, not a comment.
