@@ -602,56 +602,68 @@ private slots:
         QCOMPARE(doc->HasComment(), hadComment);
     }
 
-    // Each row's result is a subset of the root's content, in the root's order. A photograph
-    // without a shooting date (4, the root's first) is passed over at once when that date
-    // decides: no progress text, no cancel test, no step.
+    // Each row's result is a subset of the root's content, in the root's order; a cancel leaves
+    // it whole. A photograph without a shooting date (4, the root's first) is passed over at
+    // once when that date decides: no progress text, no cancel test, no step.
     void conditions_data() {
         QTest::addColumn<QString>("conditions");
         QTest::addColumn<QList<int>>("found");
         QTest::addColumn<int>("firstMessage");
+        QTest::addColumn<bool>("cancel");
         // clang-format off
-        QTest::newRow("AND with nothing on") << "" << kRootOrder << 1;
-        QTest::newRow("OR with nothing on") << "or" << QList<int>{} << 1;
-        QTest::newRow("key photograph") << "key" << QList<int>{0, 2} << 1;
-        QTest::newRow("NG") << "ng" << QList<int>{4, 1, 3} << 1;
-        QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{4, 0, 1, 3, 5} << 1;
-        QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5} << 1;
-        QTest::newRow("required item stored empty") << "required" << QList<int>{4, 2} << 1;
-        QTest::newRow("item equal") << "工種=土工" << QList<int>{4, 0, 2} << 1;
-        QTest::newRow("item case matters") << "工種=ABC" << QList<int>{} << 1;
-        QTest::newRow("item is no substring search") << "工種=土" << QList<int>{} << 1;
-        QTest::newRow("repeated item, any value") << "工種区分予備=y" << QList<int>{4, 0} << 1;
-        QTest::newRow("marker on stored empty values") << "種別=【未記入】" << QList<int>{4, 1, 3, 5} << 1;
-        QTest::newRow("marker needs the item") << "付加情報予備=【未記入】" << QList<int>{2} << 1;
-        QTest::newRow("unknown title rejects in AND") << "施工者=x;2024-04-01..2024-04-30" << QList<int>{} << 1;
-        QTest::newRow("unknown title passes on in OR") << "施工者=x;2024-04-01..2024-04-30;or" << QList<int>{0, 2, 1} << 2;
-        QTest::newRow("three items AND") << "工種=土工;種別=盛土;代表写真=1" << QList<int>{2} << 1;
-        QTest::newRow("date range includes both ends") << "2024-04-01..2024-04-30" << QList<int>{0, 2, 1} << 2;
-        QTest::newRow("file date") << "file:2024-02-01..2024-02-29" << QList<int>{4, 2, 1} << 1;
-        QTest::newRow("NG, item and file date") << "ng;工種=土工;file:2024-02-01..2024-02-29" << QList<int>{4} << 1;
+        QTest::newRow("AND with nothing on") << "" << kRootOrder << 1 << false;
+        QTest::newRow("OR with nothing on") << "or" << QList<int>{} << 1 << false;
+        QTest::newRow("key photograph") << "key" << QList<int>{0, 2} << 1 << false;
+        QTest::newRow("NG") << "ng" << QList<int>{4, 1, 3} << 1 << false;
+        QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{4, 0, 1, 3, 5} << 1 << false;
+        QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5} << 1 << false;
+        QTest::newRow("required item stored empty") << "required" << QList<int>{4, 2} << 1 << false;
+        QTest::newRow("item equal") << "工種=土工" << QList<int>{4, 0, 2} << 1 << false;
+        QTest::newRow("item case matters") << "工種=ABC" << QList<int>{} << 1 << false;
+        QTest::newRow("item is no substring search") << "工種=土" << QList<int>{} << 1 << false;
+        QTest::newRow("repeated item, any value") << "工種区分予備=y" << QList<int>{4, 0} << 1 << false;
+        QTest::newRow("marker on stored empty values") << "種別=【未記入】" << QList<int>{4, 1, 3, 5} << 1 << false;
+        QTest::newRow("marker needs the item") << "付加情報予備=【未記入】" << QList<int>{2} << 1 << false;
+        QTest::newRow("unknown title rejects in AND") << "施工者=x;2024-04-01..2024-04-30" << QList<int>{} << 1 << false;
+        QTest::newRow("unknown title passes on in OR") << "施工者=x;2024-04-01..2024-04-30;or" << QList<int>{0, 2, 1} << 2 << false;
+        QTest::newRow("three items AND") << "工種=土工;種別=盛土;代表写真=1" << QList<int>{2} << 1 << false;
+        QTest::newRow("date range includes both ends") << "2024-04-01..2024-04-30" << QList<int>{0, 2, 1} << 2 << false;
+        QTest::newRow("file date") << "file:2024-02-01..2024-02-29" << QList<int>{4, 2, 1} << 1 << false;
+        QTest::newRow("NG, item and file date") << "ng;工種=土工;file:2024-02-01..2024-02-29" << QList<int>{4} << 1 << false;
+        QTest::newRow("cancel at the first photograph") << "ng" << kRootOrder << 1 << true;
         // clang-format on
     }
     void conditions() {
         QFETCH(QString, conditions);
         QFETCH(int, firstMessage);
+        QFETCH(bool, cancel);  // at the first photograph
         std::unique_ptr<ToviData> doc = OpenBuilt(QStringLiteral("extraction"), kLabels);
         QVERIFY(doc);
         RecordingSource source;
         source.conditions = Conditions(conditions);
         doc->SetExtractionData(&source);
+        ui->PressCancelAtPump(cancel ? ui->Pumps() + 1 : -1);
 
         doc->ExecExtraction();
         QTEST(doc->CurrentArray().Indexes(), "found");
-        QVERIFY(doc->IsExtractionOn());  // nothing found still ends normally
+        QCOMPARE(doc->IsExtractionOn(), !cancel);  // nothing found still ends normally
+        QCOMPARE(source.told.size(), cancel ? 1 : 0);
         QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
-        QVERIFY(source.told.isEmpty());
         QCOMPARE(AllLabels(*doc), kLabels);  // filtering only
+        const int count = static_cast<int>(kRootOrder.size());
         QStringList messages;
-        for (int n = firstMessage; n <= kRootOrder.size(); ++n) {
-            messages.append(Message(n, static_cast<int>(kRootOrder.size())));
+        for (int n = firstMessage; n <= (cancel ? 1 : count); ++n) {
+            messages.append(Message(n, count));
         }
         QCOMPARE(ui->LastProgress()->messages, messages);
-        QCOMPARE(ui->LastProgress()->positions.last(), static_cast<int>(messages.size()));
+        QCOMPARE(ui->LastProgress()->positions.last(), cancel ? 0 : count - firstMessage + 1);
+        QCOMPARE(ui->LastProgress()->closeCount, 1);
+        // Off now, or told once more and switched off; the next selection is not filtered.
+        doc->CancelExtraction(ToviExtractionSource::CancelButtonOnly);
+        QCOMPARE(source.told, QList<int>{ToviExtractionSource::CancelButtonOnly});
+        doc->SetSelected(doc.get(), true);
+        QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
+        QCOMPARE(ui->ProgressViews().size(), 1);
     }
 
     // The 代表写真 condition on a delivery that doesn't define that item never decides: AND
@@ -680,31 +692,6 @@ private slots:
             std::sort(found.begin(), found.end());
             QCOMPARE(found, (QList<int>{1, 5}));
         }
-    }
-
-    // Cancel at the first photograph: the node's whole content stays on show, extraction is
-    // off, the source is told once, and the next selection is not filtered.
-    void cancelOnFirstPhotograph() {
-        std::unique_ptr<ToviData> doc = OpenBuilt(QStringLiteral("extraction"), kLabels);
-        QVERIFY(doc);
-        doc->SetSelected(NodeAt(doc.get(), QStringLiteral("土工")), false);
-        RecordingSource source;
-        source.conditions = Conditions(QStringLiteral("ng"));
-        doc->SetExtractionData(&source);
-        host.hints.clear();
-        ui->PressCancelAtPump(ui->Pumps() + 1);
-        doc->ExecExtraction();
-        QCOMPARE(ui->LastProgress()->messages, QStringList{Message(1, 3)});
-        QCOMPARE(ui->LastProgress()->closeCount, 1);
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 0, 2}));
-        QVERIFY(!doc->IsExtractionOn());
-        QCOMPARE(source.told, QList<int>{ToviExtractionSource::CancelButtonOnly});
-        QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
-        doc->SetSelected(doc.get(), false);
-        QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
-        QCOMPARE(ui->ProgressViews().size(), 1);
-        doc->CancelExtraction(ToviExtractionSource::CancelButtonOnly);  // off: tells nothing
-        QCOMPARE(source.told.size(), 1);
     }
 
     // Both ways from two starting orders: descending is the exact reverse of ascending.
