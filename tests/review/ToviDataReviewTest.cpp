@@ -286,9 +286,7 @@ class ToviDataReviewTest : public QObject {
     std::unique_ptr<ScriptedUi> ui;  // a fresh one for every test
 
     // The photo folder of the delivery writer's delivery of count photographs.
-    QString Written(int count) {
-        return temp.filePath(QStringLiteral("%1/INDEX_C/PHOTO").arg(count));
-    }
+    QString Written(int count) { return temp.filePath(QString::number(count) + "/INDEX_C/PHOTO"); }
     std::unique_ptr<ToviData> Open(const QStringList& photos) {
         const QString folder = temp.filePath(QStringLiteral("d%1").arg(++serial));
         return WritePhotoXml(folder, photos) ? Load(&host, folder) : nullptr;
@@ -871,10 +869,9 @@ private slots:
     void killDuringSave() {
         const QString tovi = QCoreApplication::applicationDirPath() + QStringLiteral("/tovi");
         const QString path = temp.filePath(QStringLiteral("killed.xml"));
-        const QStringList save{"--profile", temp.filePath(QStringLiteral("kill.ini")),
-                               "label",     Written(10000),
-                               "--record",  path,
-                               "--paste"};
+        const QString profile = temp.filePath(QStringLiteral("kill.ini"));
+        const QStringList save{"--profile", profile, "label",  Written(10000),
+                               "--record",  path,    "--paste"};
         QCOMPARE(RunProgram(tovi, save + QStringList{"0:1"}).exitCode, 0);
         const QByteArray old = ReadAll(path);
         QVERIFY(old.size() > 1000000);
