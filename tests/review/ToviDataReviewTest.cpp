@@ -403,8 +403,9 @@ private slots:
     // tree's levels; +<k>=<steps> labels photograph k as SetLabels does, p<k> selects it; n<path>
     // selects a node (N: forced; no path: the root), l<n> label n, f the selected photograph's node
     // (!f: that fails); s sorts by shooting date; e<conditions> extracts; a<list> puts photographs
-    // on show; u looks for comments; C<0|1> and =<list> check HasComment and what is on show; h
-    // forgets the hints. "-" before a delivery: no host.
+    // on show; u looks for comments; B runs the batch correction; C<0|1>, L<labels> and =<list>
+    // check HasComment, AllLabels joined by "|" and what is on show; h forgets the hints. "-"
+    // before a delivery: no host.
     void selection_data() {
         QTest::addColumn<QString>("delivery");
         QTest::addColumn<QString>("script");
@@ -443,6 +444,16 @@ private slots:
         QTest::newRow("comment only off show") << "labelled" << commented + "0,2,3,4 u C0" << "" << QList<int>{0, 2, 3, 4} << none << -1;
         QTest::newRow("nothing on show after a comment") << "labelled" << commented + "1 u a u C1" << "" << none << none << -1;
         QTest::newRow("every selection looks again") << "labelled" << commented + "1 u C1 l4 C0 nA C1" << "A" << QList<int>{0, 1} << QList<int>{2, 2} << -1;
+        // The batch correction over what is on show: B<dialog OK><action><result><changed>.
+        const QString labelled = QStringLiteral("t2 +1=0 +2=15 +3=4c +4=2 ");
+        const QList<int> all{0, 1, 2, 3, 4};
+        const QList<int> labels{ToviData::HintLabelsChanged};
+        QTest::newRow("batch: cancel in the dialog") << "labelled" << labelled + "h B0200 L|0|15|4c|2" << "" << all << none << -1;
+        QTest::newRow("batch: OK labels") << "labelled" << labelled + "h B1011 L0|0|15|04c|2" << "" << all << labels << -1;
+        QTest::newRow("batch: remove everything") << "labelled" << labelled + "h B1211 L||||" << "" << all << labels << -1;
+        QTest::newRow("batch: OK labels, nothing on show") << "labelled" << labelled + "l-1 h B1001 L|0|15|4c|2" << "" << none << labels << -1;
+        QTest::newRow("batch: remove everything, nothing on show") << "labelled" << labelled + "l-1 h B1211 L|0|15|4c|2" << "" << none << labels << -1;
+        QTest::newRow("batch: not checked on the NG extraction") << "labelled" << labelled + "eng h B1111 L|0|5|4c|" << "" << QList<int>{2, 4} << labels << -1;
         // clang-format on
     }
     void selection() {
@@ -491,6 +502,20 @@ private slots:
                 doc->ExecExtraction();
             } else if (op == QLatin1Char('a')) {
                 doc->CurrentArray().Assign(IntList(arg));
+            } else if (op == QLatin1Char('B')) {
+                const bool ok = arg.startsWith(QLatin1Char('1'));
+                const bool hadComment = doc->HasComment();
+                ui->QueueDialog(ok, {{QStringLiteral("action"), arg.mid(1, 1).toInt()}});
+                ui->QueueAnswer(ToviUi::AnswerOk);
+                QCOMPARE(doc->AllLabelCorrection(), arg.at(2) == QLatin1Char('1'));
+                QCOMPARE(doc->IsCheckStatusChanged(), arg.at(3) == QLatin1Char('1'));
+                QCOMPARE(ui->DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
+                QCOMPARE(ui->DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
+                QCOMPARE(ui->Questions().size(), ok ? 1 : 0);
+                QVERIFY(!ok || ui->Questions().first().buttons == ToviUi::ButtonsOkCancel);
+                QCOMPARE(doc->HasComment(), hadComment);  // until the next look
+            } else if (op == QLatin1Char('L')) {
+                QCOMPARE(AllLabels(*doc).join(QLatin1Char('|')), arg);
             } else if (op == QLatin1Char('u')) {
                 doc->UpdateHasComment();
             } else if (op == QLatin1Char('C')) {
@@ -540,57 +565,6 @@ private slots:
         QTEST((QList<bool>{photo.IsOK(), photo.HasNGLabel(), photo.IsNotCheck()}), "state");
         // Only flags count, not a comment.
         QCOMPARE(doc->IsLabeled(), labels.contains(QRegularExpression("[0-5]")) ? 1 : 0);
-    }
-
-    // The batch correction over the current array, the dialog's answer scripted.
-    void batchCorrection_data() {
-        QTest::addColumn<bool>("dialogOk");
-        QTest::addColumn<int>("action");
-        QTest::addColumn<QString>("view");  // all, nothing, or ng (extraction of NG photographs)
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<bool>("changed");  // check status flag set and hint 6 sent
-        QTest::addColumn<QStringList>("after");
-        const QStringList before{"", "0", "15", "4c", "2"};
-        // clang-format off
-        QTest::newRow("cancel in the dialog") << false << 2 << "all" << false << false << before;
-        QTest::newRow("OK labels") << true << 0 << "all" << true << true << QStringList{"0", "0", "15", "04c", "2"};
-        QTest::newRow("remove everything") << true << 2 << "all" << true << true << QStringList{"", "", "", "", ""};
-        QTest::newRow("OK labels, nothing on show") << true << 0 << "nothing" << false << true << before;
-        QTest::newRow("remove everything, nothing on show") << true << 2 << "nothing" << true << true << before;
-        QTest::newRow("not checked on the NG extraction") << true << 1 << "ng" << true << true << QStringList{"", "0", "5", "4c", ""};
-        // clang-format on
-    }
-    void batchCorrection() {
-        QFETCH(bool, dialogOk);
-        QFETCH(int, action);
-        QFETCH(QString, view);
-        QFETCH(bool, changed);
-        std::unique_ptr<ToviData> doc =
-            OpenBuilt(QStringLiteral("labelled"), {"", "0", "15", "4c", "2"});
-        QVERIFY(doc);
-        ToviExtractionHolder ng;
-        ng.conditions.ngPhoto = true;
-        if (view == QLatin1String("nothing")) {
-            doc->SetSelected(-1);
-        } else if (view == QLatin1String("ng")) {
-            doc->SetExtractionData(&ng);
-            doc->ExecExtraction();
-        }
-        const bool hadComment = doc->HasComment();
-        host.hints.clear();
-        ui->QueueDialog(dialogOk, {{QStringLiteral("action"), action}});
-        ui->QueueAnswer(ToviUi::AnswerOk);
-
-        QTEST(doc->AllLabelCorrection(), "result");
-        QTEST(AllLabels(*doc), "after");
-        QCOMPARE(doc->IsCheckStatusChanged(), changed);
-        QCOMPARE(host.hints, changed ? QList<int>{ToviData::HintLabelsChanged} : QList<int>{});
-        QCOMPARE(ui->DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
-        QCOMPARE(ui->DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
-        QCOMPARE(ui->Questions().size(), dialogOk ? 1 : 0);
-        QVERIFY(!dialogOk || ui->Questions().first().buttons == ToviUi::ButtonsOkCancel);
-        // The comment flag waits for the next look at the current array.
-        QCOMPARE(doc->HasComment(), hadComment);
     }
 
     // Each row's result is a subset of the root's content, in the root's order; a cancel leaves
