@@ -216,15 +216,12 @@ public:
 // title=text (up to three), from..to for the shooting date, file:from..to for the file date.
 ToviExtractionConditions Conditions(const QString& text) {
     ToviExtractionConditions c;
-    const QHash<QString, bool*> flags{{"key", &c.keyPhoto},
-                                      {"ng", &c.ngPhoto},
-                                      {"notcheck", &c.notcheckPhoto},
-                                      {"noexif", &c.notExifinfo},
-                                      {"required", &c.neceNotwrite}};
+    const QStringList names{"key", "ng", "notcheck", "noexif", "required"};
+    bool* const flags[]{&c.keyPhoto, &c.ngPhoto, &c.notcheckPhoto, &c.notExifinfo, &c.neceNotwrite};
     int item = 0;
     for (QString token : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        if (flags.contains(token)) {
-            *flags[token] = true;
+        if (names.contains(token)) {
+            *flags[names.indexOf(token)] = true;
         } else if (token == QLatin1String("or")) {
             c.orMode = 1;
         } else if (token.contains(QLatin1String(".."))) {
@@ -252,10 +249,6 @@ QList<int> Sorted(ToviData& document, const QString& key, bool ascending, const 
     sorter.PrepareSort(key, document.CurrentArray());
     sorter.QuickSort(ascending, document.CurrentArray());
     return document.CurrentArray().Indexes();
-}
-
-QString Message(int n, int count) {
-    return QStringLiteral("写真データ抽出中　%1 / %2").arg(n).arg(count);
 }
 
 qint64 freeBytes = -1;  // what the free-space probe answers; negative: the real volume
@@ -445,15 +438,15 @@ private slots:
         QTest::newRow("nothing on show after a comment") << "labelled" << commented + "1 u a u C1" << "" << none << none << -1;
         QTest::newRow("every selection looks again") << "labelled" << commented + "1 u C1 l4 C0 nA C1" << "A" << QList<int>{0, 1} << QList<int>{2, 2} << -1;
         // The batch correction over what is on show: B<dialog OK><action><result><changed>.
-        const QString labelled = QStringLiteral("t2 +1=0 +2=15 +3=4c +4=2 ");
+        const QString marked = QStringLiteral("t2 +1=0 +2=15 +3=4c +4=2 ");
         const QList<int> all{0, 1, 2, 3, 4};
         const QList<int> labels{ToviData::HintLabelsChanged};
-        QTest::newRow("batch: cancel in the dialog") << "labelled" << labelled + "h B0200 L|0|15|4c|2" << "" << all << none << -1;
-        QTest::newRow("batch: OK labels") << "labelled" << labelled + "h B1011 L0|0|15|04c|2" << "" << all << labels << -1;
-        QTest::newRow("batch: remove everything") << "labelled" << labelled + "h B1211 L||||" << "" << all << labels << -1;
-        QTest::newRow("batch: OK labels, nothing on show") << "labelled" << labelled + "l-1 h B1001 L|0|15|4c|2" << "" << none << labels << -1;
-        QTest::newRow("batch: remove everything, nothing on show") << "labelled" << labelled + "l-1 h B1211 L|0|15|4c|2" << "" << none << labels << -1;
-        QTest::newRow("batch: not checked on the NG extraction") << "labelled" << labelled + "eng h B1111 L|0|5|4c|" << "" << QList<int>{2, 4} << labels << -1;
+        QTest::newRow("batch: cancel in the dialog") << "labelled" << marked + "h B0200 L|0|15|4c|2" << "" << all << none << -1;
+        QTest::newRow("batch: OK labels") << "labelled" << marked + "h B1011 L0|0|15|04c|2" << "" << all << labels << -1;
+        QTest::newRow("batch: remove everything") << "labelled" << marked + "h B1211 L||||" << "" << all << labels << -1;
+        QTest::newRow("batch: OK labels, nothing on show") << "labelled" << marked + "l-1 h B1001 L|0|15|4c|2" << "" << none << labels << -1;
+        QTest::newRow("batch: remove everything, nothing on show") << "labelled" << marked + "l-1 h B1211 L|0|15|4c|2" << "" << none << labels << -1;
+        QTest::newRow("batch: not checked on the NG extraction") << "labelled" << marked + "eng h B1111 L|0|5|4c|" << "" << QList<int>{2, 4} << labels << -1;
         // clang-format on
     }
     void selection() {
@@ -563,7 +556,6 @@ private slots:
         SetLabels(photo, steps);
         QCOMPARE(Labels(photo), labels);
         QTEST((QList<bool>{photo.IsOK(), photo.HasNGLabel(), photo.IsNotCheck()}), "state");
-        // Only flags count, not a comment.
         QCOMPARE(doc->IsLabeled(), labels.contains(QRegularExpression("[0-5]")) ? 1 : 0);
     }
 
@@ -618,7 +610,7 @@ private slots:
         const int count = static_cast<int>(kRootOrder.size());
         QStringList messages;
         for (int n = firstMessage; n <= (cancel ? 1 : count); ++n) {
-            messages.append(Message(n, count));
+            messages.append(QStringLiteral("写真データ抽出中　%1 / %2").arg(n).arg(count));
         }
         QCOMPARE(ui->LastProgress()->messages, messages);
         QCOMPARE(ui->LastProgress()->positions.last(), cancel ? 0 : count - firstMessage + 1);
@@ -718,8 +710,7 @@ private slots:
         const QString record = temp.filePath(QStringLiteral("round.xml"));
         const QString withPaths = temp.filePath(QStringLiteral("round-paths.xml"));
         int result = -1;
-        QVERIFY(document->ReturnExam(withPaths, &result));
-        QVERIFY(document->IsCheckStatusChanged());
+        QVERIFY(document->ReturnExam(withPaths, &result) && document->IsCheckStatusChanged());
         QVERIFY(document->SaveExamination(record, QString(), &result));
         QVERIFY(!document->IsCheckStatusChanged());
         const QByteArray bytes = ReadAll(record);
