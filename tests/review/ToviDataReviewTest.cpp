@@ -314,7 +314,7 @@ private slots:
         const QList<int> fileDays{15, 32, 60, 61, 41};  // days since 2023-12-31
         for (int k = 0; k < fileDays.size(); ++k) {
             const QString path = temp.filePath(QStringLiteral("extraction/PIC/") + ImageName(k));
-            // Qt writes no Exif.
+            // 1 and 3: Qt writes no Exif.
             QVERIFY(k % 2 ? image.save(path, "JPG") : WriteExifJpeg(path, image, ExifFacts()));
             QFile file(path);
             const QDateTime time(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0));
