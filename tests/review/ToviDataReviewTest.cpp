@@ -146,13 +146,23 @@ QString Labels(const ToviPhoto& photo) {
     return photo.GetComment().isEmpty() ? text : text + QLatin1Char('c');
 }
 
-// Pastes the labels (and a comment for "c") that Labels would write.
+// Steps on photo: a digit pastes that label, "-" and a digit removes it, c comments, x removes
+// all, k marks all not checked, o all OK. Labels' text pastes what Labels wrote.
 void SetLabels(ToviPhoto& photo, const QString& text) {
-    for (const QChar c : text) {
-        if (c == QLatin1Char('c')) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char c = text[i].toLatin1();
+        if (c == '-') {
+            photo.RemoveLabel(static_cast<unsigned int>(text[++i].digitValue()));
+        } else if (c == 'c') {
             photo.SetComment(QStringLiteral("要確認"));
+        } else if (c == 'x') {
+            photo.RemoveAllLabel();
+        } else if (c == 'k') {
+            photo.CorrectAllNotCheck();
+        } else if (c == 'o') {
+            photo.CorrectAllOK();
         } else {
-            photo.PasteLabel(static_cast<unsigned int>(c.digitValue()));
+            photo.PasteLabel(static_cast<unsigned int>(text[i].digitValue()));
         }
     }
 }
@@ -167,22 +177,12 @@ QStringList AllLabels(const ToviData& document, bool comments = false) {
     return all;
 }
 
-// Counts destructions, so that a test can tell deleted children from dropped ones.
-class CountedNode : public ToviNode {
-public:
-    CountedNode(const QString& title, int* deaths) : ToviNode(title), deaths(deaths) {}
-    ~CountedNode() override { ++*deaths; }
-
-private:
-    int* deaths;
-};
-
-// A photograph with an item for none of the tree's levels, which the reader never makes.
-void AppendBarePhoto(ToviData& document) {
-    ToviItemArray items;
-    items.append(ToviItem(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル")),
-                          QStringLiteral("bare")));
-    document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(&document, items));
+QList<int> IntList(const QString& text) {
+    QList<int> list;
+    for (const QString& number : text.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        list.append(number.toInt());
+    }
+    return list;
 }
 
 // Work type tree [A{0}[B{1}],C{2}]; shooting dates 04-03, 04-01, 04-02.
@@ -190,11 +190,8 @@ const QStringList kSelectionPhotos{"工種=A;撮影年月日=2024-04-03",
                                    "工種=A;種別=B;撮影年月日=2024-04-01",
                                    "工種=C;撮影年月日=2024-04-02"};
 
-// Six photographs. By work type the root shows them as [4, 0, 2, 1, 3, 5]:
-// 土工{4}[掘削{0}, 盛土{2}], 舗装工{1}, 擁壁工{3}, abc{5}.
-// Labels: 1 NG1, 2 OK, 3 NG3, 4 NG2; 0 and 5 not checked.
-// Exif: 0, 2, 4; 1 and 3 plain JPEGs; 5 has no file at all.
-// File dates: 01-15, 02-01, 02-29, 03-01, 02-10 (2024).
+// Root [4, 0, 2, 1, 3, 5]: 土工{4}[掘削{0}, 盛土{2}], 舗装工{1}, 擁壁工{3}, abc{5}. Labels: 1 NG1,
+// 2 OK, 3 NG3, 4 NG2. Exif: 0, 2, 4; 5 has no file. File dates: 01-15, 02-01, 02-29, 03-01, 02-10.
 const QStringList kExtractionPhotos{
     "工種=土工;種別=掘削;撮影年月日=2024-04-01;代表写真=1;工種区分予備=x;工種区分予備=y",
     "工種=舗装工;撮影年月日=2024-04-10;付加情報予備=z",
@@ -219,15 +216,12 @@ public:
 // title=text (up to three), from..to for the shooting date, file:from..to for the file date.
 ToviExtractionConditions Conditions(const QString& text) {
     ToviExtractionConditions c;
-    const QHash<QString, bool*> flags{{"key", &c.keyPhoto},
-                                      {"ng", &c.ngPhoto},
-                                      {"notcheck", &c.notcheckPhoto},
-                                      {"noexif", &c.notExifinfo},
-                                      {"required", &c.neceNotwrite}};
+    const QStringList names{"key", "ng", "notcheck", "noexif", "required"};
+    bool* const flags[]{&c.keyPhoto, &c.ngPhoto, &c.notcheckPhoto, &c.notExifinfo, &c.neceNotwrite};
     int item = 0;
     for (QString token : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        if (flags.contains(token)) {
-            *flags[token] = true;
+        if (names.contains(token)) {
+            *flags[names.indexOf(token)] = true;
         } else if (token == QLatin1String("or")) {
             c.orMode = 1;
         } else if (token.contains(QLatin1String(".."))) {
@@ -257,14 +251,9 @@ QList<int> Sorted(ToviData& document, const QString& key, bool ascending, const 
     return document.CurrentArray().Indexes();
 }
 
-QString Message(int n, int count) {
-    return QStringLiteral("写真データ抽出中　%1 / %2").arg(n).arg(count);
-}
-
 qint64 freeBytes = -1;  // what the free-space probe answers; negative: the real volume
 
-// One photograph's element with the comment ("<none>" leaves it out) and the flags given
-// (a null one leaves that element out).
+// A record's 写真 element; "<none>" and null flags leave their elements out.
 QString PhotoElement(const QString& comment, const QStringList& flags) {
     QString xml = QStringLiteral("<写真>");
     if (comment != QLatin1String("<none>")) {
@@ -278,41 +267,26 @@ QString PhotoElement(const QString& comment, const QStringList& flags) {
     return xml + QStringLiteral("</写真>");
 }
 
-// The delivery in folder as the label command opens it.
-std::unique_ptr<ToviData> OpenLoaded(const QString& folder) {
-    std::unique_ptr<ToviData> document =
-        ToviEnouDataFactory().Create(nullptr, folder, PhotoXMLMlit);
-    if (document) {
-        document->Load();
-    }
-    return document;
-}
-
 }  // namespace
 
-// The classification tree, selection, extraction, sorting and labels of ToviData, and the
-// inspection record that keeps the labels.
+// Tree, selection, extraction, sorting and labels of ToviData, and the inspection record.
 class ToviDataReviewTest : public QObject {
     Q_OBJECT
 
     QTemporaryDir temp;
     int serial = 0;
-    QString selection;   // the delivery of kSelectionPhotos
-    QString labelled;    // five photographs, A A B B C by work type
-    QString extraction;  // the delivery of kExtractionPhotos, with files
     RecordingHost host;
     std::unique_ptr<ScriptedUi> ui;  // a fresh one for every test
-    QString big;                     // 10,000 photographs, written by the delivery writer
-    QString small;                   // 3
-    ToviExtractionHolder nothingMatches;
 
+    // The photo folder of the delivery writer's delivery of count photographs.
+    QString Written(int count) { return temp.filePath(QString::number(count) + "/INDEX_C/PHOTO"); }
     std::unique_ptr<ToviData> Open(const QStringList& photos) {
         const QString folder = temp.filePath(QStringLiteral("d%1").arg(++serial));
         return WritePhotoXml(folder, photos) ? Load(&host, folder) : nullptr;
     }
-    // The delivery in folder with the labels given and the work type tree built.
-    std::unique_ptr<ToviData> OpenBuilt(const QString& folder, const QStringList& labels = {}) {
-        std::unique_ptr<ToviData> doc = Load(&host, folder);
+    // The delivery written by initTestCase with the labels given and the work type tree built.
+    std::unique_ptr<ToviData> OpenBuilt(const QString& name, const QStringList& labels = {}) {
+        std::unique_ptr<ToviData> doc = Load(&host, temp.filePath(name));
         if (doc) {
             for (int k = 0; k < labels.size(); ++k) {
                 SetLabels(*doc->GetPhotoActualPhotoArray(k), labels[k]);
@@ -322,49 +296,39 @@ class ToviDataReviewTest : public QObject {
         host.hints.clear();
         return doc;
     }
-    static void SortByDate(ToviData& doc, bool on) {
-        doc.GetSortConditionObject()->ExecSort(on);
-        doc.GetSortConditionObject()->SetKeyItem(QStringLiteral("撮影年月日"));
-        doc.GetSortConditionObject()->Ascending(true);
-    }
 
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(QStringLiteral("p.ini")));
-        selection = temp.filePath(QStringLiteral("selection"));
-        QVERIFY(WritePhotoXml(selection, kSelectionPhotos));
-        labelled = temp.filePath(QStringLiteral("labelled"));
-        QVERIFY(WritePhotoXml(labelled, {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}));
-        extraction = temp.filePath(QStringLiteral("extraction"));
-        QVERIFY(WritePhotoXml(extraction, kExtractionPhotos));
+        const QList<QPair<QString, QStringList>> deliveries{
+            {"selection", kSelectionPhotos},
+            {"labelled", {"工種=A", "工種=A", "工種=B", "工種=B", "工種=C"}},
+            {"switch", {"工種=A;撮影箇所=X", "工種=B;種別=C;撮影箇所=Y", "工種=B", "撮影箇所=Y"}},
+            {"extraction", kExtractionPhotos}};
+        for (const auto& [name, photos] : deliveries) {
+            QVERIFY(WritePhotoXml(temp.filePath(name), photos));
+        }
         QImage image(64, 48, QImage::Format_RGB32);
         image.fill(Qt::darkGreen);
         const QList<int> fileDays{15, 32, 60, 61, 41};  // days since 2023-12-31
         for (int k = 0; k < fileDays.size(); ++k) {
-            const QString path = extraction + QStringLiteral("/PIC/") + ImageName(k);
-            if (k == 1 || k == 3) {
-                QVERIFY(image.save(path, "JPG"));  // Qt writes no Exif
-            } else {
-                QVERIFY(WriteExifJpeg(path, image, ExifFacts()));
-            }
+            const QString path = temp.filePath(QStringLiteral("extraction/PIC/") + ImageName(k));
+            // 1 and 3: Qt writes no Exif.
+            QVERIFY(k % 2 ? image.save(path, "JPG") : WriteExifJpeg(path, image, ExifFacts()));
             QFile file(path);
-            QVERIFY(
-                file.open(QIODevice::ReadWrite) &&
-                file.setFileTime(QDateTime(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0)),
-                                 QFileDevice::FileModificationTime));
+            const QDateTime time(QDate(2023, 12, 31).addDays(fileDays[k]), QTime(12, 0));
+            QVERIFY(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(time, QFileDevice::FileModificationTime));
         }
-        nothingMatches.conditions = Conditions(QStringLiteral("工種=Z"));
         DeliveryOptions options;
         options.images = DeliveryOptions::Images::None;
-        WrittenDelivery written;
         QString error;
-        for (const int count : {10000, 3}) {
+        for (const int count : {10000, 3, 8}) {  // 8: an older generation, without 代表写真
             options.photoCount = count;
-            QVERIFY2(
-                WriteDelivery(temp.filePath(QString::number(count)), options, &written, &error),
-                qPrintable(error));
-            (count == 3 ? small : big) = written.photoFolder;
+            options.generation = count == 8 ? Generation::Mlit11 : Generation::Mlit20;
+            QVERIFY2(WriteDelivery(temp.filePath(QString::number(count)), options, nullptr, &error),
+                     qPrintable(error));
         }
         ToviXmlSaveManager::SetFreeSpaceProbeForTesting([](const QString&) { return freeBytes; });
     }
@@ -375,61 +339,42 @@ private slots:
     }
     void cleanup() { ToviUi::Install(nullptr); }
 
-    // A copy carries titles and valid flags to any depth, wired to its own nodes, and no
-    // photo indexes; assignment first deletes the target's children.
-    void nodeCopyAndTitlePath() {
-        std::unique_ptr<ToviData> doc = OpenBuilt(selection);
+    // Assignment copies titles and valid flags to any depth, wired to its own nodes, with no
+    // photo indexes, in place of the target's children; a clone has no parent.
+    void nodeCopy() {
+        std::unique_ptr<ToviData> doc = OpenBuilt(QStringLiteral("selection"));
         QVERIFY(doc);
         ToviNode* b = NodeAt(doc.get(), QStringLiteral("A/B"));
         b->Valid(true);
-        int deaths = 0;
         ToviNode target(QStringLiteral("T"));
-        target.Add(std::make_unique<CountedNode>(QStringLiteral("X"), &deaths));
-        target.Add(std::make_unique<CountedNode>(QStringLiteral("Y"), &deaths));
+        target.Add(std::make_unique<ToviNode>(QStringLiteral("X")));
         target = *doc;
-        QCOMPARE(deaths, 2);
+        ToviNode& alias = target;
+        target = alias;
         QCOMPARE(Dump(target), QStringLiteral("[A[B],C]"));
         ToviNode* copied = NodeAt(&target, QStringLiteral("A/B"));
         QVERIFY(copied != b && copied->IsValid() && !target.GetNode(1)->IsValid());
         QCOMPARE(copied->Parent(), target.GetNode(0));
         QCOMPARE(target.GetNode(0)->Parent(), &target);
-        ToviNode& alias = target;
-        target = alias;
-        QCOMPARE(target.DescendantCount(), 3ul);
-        const std::unique_ptr<ToviNode> clone = NodeAt(doc.get(), QStringLiteral("A"))->Clone();
-        QCOMPARE(clone->Parent(), nullptr);
-        QCOMPARE(clone->Title() + Dump(*clone), QStringLiteral("A[B]"));
+        QCOMPARE(NodeAt(doc.get(), QStringLiteral("A"))->Clone()->Parent(), nullptr);
         doc->Title(QString());
         QCOMPARE(b->GetFullTitlePath(QStringLiteral(" > ")), QStringLiteral("A > B > "));
     }
 
-    // Where each photograph lands, and the current array BuildTreeNode leaves with a host and
-    // nothing selected: the root's own photographs, then each subtree in order.
+    // Where each photograph lands, and what a build shows: the root's own, then each subtree.
     void placements_data() {
         QTest::addColumn<int>("treeType");
         QTest::addColumn<QStringList>("photos");
         QTest::addColumn<QString>("tree");
         QTest::addColumn<QList<int>>("current");
-        QTest::newRow("A,'',C; absent and empty elements alike")
-            << 2 << QStringList{"工種=A;細別=C", "工種=A;種別=;細別=C"} << "[A[【未記入】[C{0,1}]]]"
-            << QList<int>{0, 1};
-        QTest::newRow("all empty on the root")
-            << 2 << QStringList{"", "工種=A", "工種=;種別=;細別="} << "{0,2}[A{1}]"
-            << QList<int>{0, 2, 1};
-        QTest::newRow("【未記入】 stays last")
-            << 2 << QStringList{"種別=B", "工種=Z", "工種=A", "工種=Z;種別=B"}
-            << "[Z{1}[B{3}],A{2},【未記入】[B{0}]]" << QList<int>{1, 3, 2, 0};
-        QTest::newRow("a value spelled 【未記入】 joins that node")
-            << 2 << QStringList{"種別=B", "工種=【未記入】"} << "[【未記入】{1}[B{0}]]"
-            << QList<int>{1, 0};
-        QTest::newRow("type 0 adds the class levels")
-            << 0
-            << QStringList{"写真区分=施工状況写真;工種=A", "工種=A", "写真-大分類=;工種=A", "工種="}
-            << "[工事{3}[施工状況写真[A{0}],【未記入】[A{1}]],【未記入】[【未記入】[A{2}]]]"
-            << QList<int>{3, 0, 1, 2};
-        QTest::newRow("type 1 by shooting place, blank at once")
-            << 1 << QStringList{"撮影箇所=X;工種=A", "工種=B", "撮影箇所=X", "撮影箇所=Y"}
-            << "[X{0,2},Y{3},【未記入】{1}]" << QList<int>{0, 2, 3, 1};
+        // clang-format off
+        QTest::newRow("A,'',C; absent and empty elements alike") << 2 << QStringList{"工種=A;細別=C", "工種=A;種別=;細別=C"} << "[A[【未記入】[C{0,1}]]]" << QList<int>{0, 1};
+        QTest::newRow("all empty on the root") << 2 << QStringList{"", "工種=A", "工種=;種別=;細別="} << "{0,2}[A{1}]" << QList<int>{0, 2, 1};
+        QTest::newRow("【未記入】 stays last") << 2 << QStringList{"種別=B", "工種=Z", "工種=A", "工種=Z;種別=B"} << "[Z{1}[B{3}],A{2},【未記入】[B{0}]]" << QList<int>{1, 3, 2, 0};
+        QTest::newRow("a value spelled 【未記入】 joins that node") << 2 << QStringList{"種別=B", "工種=【未記入】"} << "[【未記入】{1}[B{0}]]" << QList<int>{1, 0};
+        QTest::newRow("type 0 adds the class levels") << 0 << QStringList{"写真区分=施工状況写真;工種=A", "工種=A", "写真-大分類=;工種=A", "工種="} << "[工事{3}[施工状況写真[A{0}],【未記入】[A{1}]],【未記入】[【未記入】[A{2}]]]" << QList<int>{3, 0, 1, 2};
+        QTest::newRow("type 1 by shooting place, blank at once") << 1 << QStringList{"撮影箇所=X;工種=A", "工種=B", "撮影箇所=X", "撮影箇所=Y"} << "[X{0,2},Y{3},【未記入】{1}]" << QList<int>{0, 2, 3, 1};
+        // clang-format on
     }
     void placements() {
         QFETCH(int, treeType);
@@ -447,467 +392,256 @@ private slots:
         QCOMPARE(Dump(*doc), tree);
     }
 
-    // Switching the classification keeps the selected photograph: the new selected node is the
-    // one holding it in the new tree, else the root; the current array follows, unannounced.
-    void switchingKeepsSelectedPhoto_data() {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<int>("to");
-        QTest::addColumn<int>("selected");
+    // Selection by scripts of steps: t<n> builds tree n; b appends a photograph in none of the
+    // tree's levels; +<k>=<steps> labels photograph k as SetLabels does, p<k> selects it; n<path>
+    // selects a node (N: forced; no path: the root), l<n> label n, f the selected photograph's node
+    // (!f: that fails); s sorts by shooting date; e<conditions> extracts; a<list> puts photographs
+    // on show; u looks for comments; B runs the batch correction; C<0|1>, L<labels> and =<list>
+    // check HasComment, AllLabels joined by "|" and what is on show; h forgets the hints. "-"
+    // before a delivery: no host.
+    void selection_data() {
+        QTest::addColumn<QString>("delivery");
+        QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("node");  // path of titles; empty for the root
         QTest::addColumn<QList<int>>("current");
-        QTest::newRow("work type to place") << 2 << 1 << 1 << "Y" << QList<int>{1, 3};
-        QTest::newRow("blank place") << 2 << 1 << 2 << "【未記入】" << QList<int>{2};
-        QTest::newRow("held by the root itself") << 1 << 2 << 3 << "" << QList<int>{3, 0, 2, 1};
-        QTest::newRow("in no node") << 2 << 1 << 4 << "" << QList<int>{0, 1, 3, 2};
+        QTest::addColumn<QList<int>>("hints");
+        QTest::addColumn<int>("photo");  // the selected photograph, -1 for none
+        const QList<int> none;
+        const QList<int> changed{ToviData::HintSelectionChanged};
+        const QString onC = QStringLiteral("t2 +0=1 +2=1 nC e工種=Z a1 h ");
+        const QString commented = QStringLiteral("t2 +1=c +3=4 a");
+        // clang-format off
+        QTest::newRow("same node, not forced") << "selection" << "t2 nA a2 h nA" << "A" << QList<int>{2} << none << -1;
+        QTest::newRow("same node, forced") << "selection" << "t2 nA a2 h NA" << "A" << QList<int>{0, 1} << changed << -1;
+        QTest::newRow("the root, in tree order") << "selection" << "t2 nA a2 h n" << "" << QList<int>{0, 1, 2} << changed << -1;
+        QTest::newRow("the root, sorted") << "selection" << "t2 s nA a2 h n" << "" << QList<int>{1, 2, 0} << changed << -1;
+        QTest::newRow("the same photograph again") << "selection" << "t2 p1 h p1" << "" << QList<int>{0, 1, 2} << none << 1;
+        QTest::newRow("no host, nothing on show") << "-selection" << "t2 NA" << "A" << none << none << -1;
+        QTest::newRow("from a photograph on a node") << "selection" << "t2 p1 nC h f" << "A/B" << QList<int>{1} << changed << 1;
+        QTest::newRow("from a photograph, its node selected") << "selection" << "t2 p1 nA/B h f" << "A/B" << QList<int>{1} << none << 1;
+        QTest::newRow("from no photograph") << "selection" << "t2 nC h f" << "" << QList<int>{0, 1, 2} << QList<int>{ToviData::HintSelectionChanged, ToviData::HintPhotoSelected} << 0;
+        QTest::newRow("from no photograph, nothing on show") << "selection" << "t2 nC e工種=Z h !f" << "" << none << changed << -1;
+        // A label shows its photographs in actual order; node and extraction stay as they were.
+        QTest::newRow("label NG1") << "selection" << onC + "l1" << "C" << QList<int>{0, 2} << changed << -1;
+        QTest::newRow("label NG1 sorted") << "selection" << "s " + onC + "l1" << "C" << QList<int>{2, 0} << changed << -1;
+        QTest::newRow("label without a slot") << "selection" << onC + "l6" << "C" << none << changed << -1;
+        QTest::newRow("no label") << "selection" << onC + "l-1" << "C" << none << changed << -1;
+        // A new tree selects the node holding the selected photograph, else the root, quietly.
+        QTest::newRow("to the photograph's place") << "switch" << "b t2 p1 h t1" << "Y" << QList<int>{1, 3} << none << 1;
+        QTest::newRow("photograph in no node") << "switch" << "b t2 p4 h t1" << "" << QList<int>{0, 1, 3, 2} << none << 4;
+        // Extraction starts from a node's whole content; a changed photograph doesn't filter.
+        QTest::newRow("extraction follows") << "extraction" << "t2 +1=1 +2=0 +3=3 +4=2 eng =4,1,3 n土工 =4 enotcheck =0 t1 =0,5 +0=0 =0,5 h N" << "" << QList<int>{5} << changed << -1;
+        // HasComment looks at comment text on show; nothing on show leaves it as it was.
+        QTest::newRow("comment label without text") << "labelled" << commented + "0,3 u C0" << "" << QList<int>{0, 3} << none << -1;
+        QTest::newRow("comment last on show") << "labelled" << commented + "0,2,1 u C1" << "" << QList<int>{0, 2, 1} << none << -1;
+        QTest::newRow("comment only off show") << "labelled" << commented + "0,2,3,4 u C0" << "" << QList<int>{0, 2, 3, 4} << none << -1;
+        QTest::newRow("nothing on show after a comment") << "labelled" << commented + "1 u a u C1" << "" << none << none << -1;
+        QTest::newRow("every selection looks again") << "labelled" << commented + "1 u C1 l4 C0 nA C1" << "A" << QList<int>{0, 1} << QList<int>{2, 2} << -1;
+        // The batch correction over what is on show: B<dialog OK><action><result><changed>.
+        const QString marked = QStringLiteral("t2 +1=0 +2=15 +3=4c +4=2 ");
+        const QList<int> all{0, 1, 2, 3, 4};
+        const QList<int> labels{ToviData::HintLabelsChanged};
+        QTest::newRow("batch: cancel in the dialog") << "labelled" << marked + "h B0200 L|0|15|4c|2" << "" << all << none << -1;
+        QTest::newRow("batch: OK labels") << "labelled" << marked + "h B1011 L0|0|15|04c|2" << "" << all << labels << -1;
+        QTest::newRow("batch: remove everything") << "labelled" << marked + "h B1211 L||||" << "" << all << labels << -1;
+        QTest::newRow("batch: OK labels, nothing on show") << "labelled" << marked + "l-1 h B1001 L|0|15|4c|2" << "" << none << labels << -1;
+        QTest::newRow("batch: remove everything, nothing on show") << "labelled" << marked + "l-1 h B1211 L|0|15|4c|2" << "" << none << labels << -1;
+        QTest::newRow("batch: not checked on the NG extraction") << "labelled" << marked + "eng h B1111 L|0|5|4c|" << "" << QList<int>{2, 4} << labels << -1;
+        // clang-format on
     }
-    void switchingKeepsSelectedPhoto() {
-        QFETCH(int, from);
-        QFETCH(int, to);
-        QFETCH(int, selected);
+    void selection() {
+        QFETCH(QString, delivery);
+        QFETCH(QString, script);
         QFETCH(QString, node);
         QFETCH(QList<int>, current);
+        QFETCH(int, photo);
+        const bool hosted = !delivery.startsWith(QLatin1Char('-'));
         std::unique_ptr<ToviData> doc =
-            Open({"工種=A;撮影箇所=X", "工種=B;種別=C;撮影箇所=Y", "工種=B", "撮影箇所=Y"});
+            Load(hosted ? &host : nullptr, temp.filePath(delivery.remove(QLatin1Char('-'))));
         QVERIFY(doc);
-        AppendBarePhoto(*doc);
-        doc->BuildTreeNode(from);
-        QVERIFY(doc->PhotoSelectSetting(selected));
         host.hints.clear();
-
-        doc->BuildTreeNode(to);
+        ToviExtractionHolder holder;
+        for (const QString& step : script.split(QLatin1Char(' '))) {
+            const QChar op = step.at(0);
+            const QString arg = step.mid(1);
+            if (op == QLatin1Char('t')) {
+                doc->BuildTreeNode(arg.toInt());
+            } else if (op == QLatin1Char('b')) {
+                const int title =
+                    doc->GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル"));
+                doc->GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(
+                    doc.get(), ToviItemArray{ToviItem(title, QStringLiteral("bare"))}));
+            } else if (op == QLatin1Char('+')) {
+                SetLabels(*doc->GetPhotoActualPhotoArray(arg.section('=', 0, 0).toInt()),
+                          arg.section('=', 1));
+            } else if (op == QLatin1Char('p')) {
+                QVERIFY(doc->PhotoSelectSetting(arg.toInt()));
+            } else if (op == QLatin1Char('n') || op == QLatin1Char('N')) {
+                doc->SetSelected(NodeAt(doc.get(), arg), op == QLatin1Char('N'));
+            } else if (op == QLatin1Char('l')) {
+                doc->SetSelected(arg.toInt());
+                QCOMPARE(doc->GetSelectedIndex(), arg.toInt());
+                QCOMPARE(doc->CountLabel(static_cast<unsigned long>(arg.toInt())),
+                         doc->CurrentArray().GetSize());
+            } else if (op == QLatin1Char('f')) {
+                doc->SetSelected();
+            } else if (op == QLatin1Char('!')) {
+                QVERIFY_THROWS_EXCEPTION(std::out_of_range, doc->SetSelected());
+            } else if (op == QLatin1Char('s')) {
+                doc->GetSortConditionObject()->ExecSort(true);  // by 撮影年月日, ascending
+            } else if (op == QLatin1Char('e')) {
+                holder.conditions = Conditions(arg);
+                doc->SetExtractionData(&holder);
+                doc->ExecExtraction();
+            } else if (op == QLatin1Char('a')) {
+                doc->CurrentArray().Assign(IntList(arg));
+            } else if (op == QLatin1Char('B')) {
+                const bool ok = arg.startsWith(QLatin1Char('1'));
+                const bool hadComment = doc->HasComment();
+                ui->QueueDialog(ok, {{QStringLiteral("action"), arg.mid(1, 1).toInt()}});
+                ui->QueueAnswer(ToviUi::AnswerOk);
+                QCOMPARE(doc->AllLabelCorrection(), arg.at(2) == QLatin1Char('1'));
+                QCOMPARE(doc->IsCheckStatusChanged(), arg.at(3) == QLatin1Char('1'));
+                QCOMPARE(ui->DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
+                QCOMPARE(ui->DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
+                QCOMPARE(ui->Questions().size(), ok ? 1 : 0);
+                QVERIFY(!ok || ui->Questions().first().buttons == ToviUi::ButtonsOkCancel);
+                QCOMPARE(doc->HasComment(), hadComment);  // until the next look
+            } else if (op == QLatin1Char('L')) {
+                QCOMPARE(AllLabels(*doc).join(QLatin1Char('|')), arg);
+            } else if (op == QLatin1Char('u')) {
+                doc->UpdateHasComment();
+            } else if (op == QLatin1Char('C')) {
+                QCOMPARE(doc->HasComment(), arg == QLatin1String("1"));
+            } else if (op == QLatin1Char('=')) {
+                QCOMPARE(doc->CurrentArray().Indexes(), IntList(arg));
+            } else {
+                QCOMPARE(step, QStringLiteral("h"));
+                host.hints.clear();
+            }
+        }
         QCOMPARE(doc->GetSelectedNode(), NodeAt(doc.get(), node));  // never null
         QCOMPARE(doc->CurrentArray().Indexes(), current);
-        QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(selected));
-        QVERIFY(doc->GetSelectedPhoto()->IsSelected());
-        QCOMPARE(doc->GetSelectCurIndex(), static_cast<int>(current.indexOf(selected)));
-        QVERIFY(host.hints.isEmpty());
-    }
-
-    // The current array is disturbed before each selection, so that a rebuild shows.
-    void selectNode_data() {
-        QTest::addColumn<QString>("node");
-        QTest::addColumn<bool>("force");
-        QTest::addColumn<bool>("sort");
-        QTest::addColumn<QList<int>>("current");
-        QTest::addColumn<QList<int>>("hints");
-        const QList<int> selected{ToviData::HintSelectionChanged};
-        QTest::newRow("same node, not forced")
-            << "A" << false << false << QList<int>{2} << QList<int>{};
-        QTest::newRow("same node, forced") << "A" << true << false << QList<int>{0, 1} << selected;
-        QTest::newRow("the root, in tree order")
-            << "" << false << false << QList<int>{0, 1, 2} << selected;
-        QTest::newRow("the root, sorted") << "" << false << true << QList<int>{1, 2, 0} << selected;
-    }
-    void selectNode() {
-        QFETCH(QString, node);
-        QFETCH(bool, force);
-        QFETCH(bool, sort);
-        std::unique_ptr<ToviData> doc = OpenBuilt(selection);
-        QVERIFY(doc);
-        SortByDate(*doc, sort);
-        ToviNode* first = NodeAt(doc.get(), QStringLiteral("A"));
-        ToviNode* target = NodeAt(doc.get(), node);
-        QVERIFY(first && target);
-        doc->SetSelected(first, true);
-        doc->CurrentArray().Assign({2});
-        host.hints.clear();
-        QCOMPARE(doc->SetSelected(target, force), first);
-        QCOMPARE(doc->GetSelectedNode(), target);
-        QTEST(doc->CurrentArray().Indexes(), "current");
         QTEST(host.hints, "hints");
-    }
-
-    // A label shows every photograph carrying it in actual order, whatever was on show, which
-    // node is selected and although extraction is on; a negative label or one without a slot
-    // empties the current array. Hint 2 either way.
-    void selectLabel_data() {
-        QTest::addColumn<int>("label");
-        QTest::addColumn<bool>("sort");
-        QTest::addColumn<QList<int>>("current");
-        QTest::newRow("NG1") << 1 << false << QList<int>{0, 2};
-        QTest::newRow("NG1 sorted") << 1 << true << QList<int>{2, 0};
-        QTest::newRow("nobody") << 0 << false << QList<int>{};
-        QTest::newRow("no such slot") << 6 << false << QList<int>{};
-        QTest::newRow("none") << -1 << false << QList<int>{};
-    }
-    void selectLabel() {
-        QFETCH(int, label);
-        QFETCH(bool, sort);
-        QFETCH(QList<int>, current);
-        std::unique_ptr<ToviData> doc = OpenBuilt(selection, {"1", "", "1"});
-        QVERIFY(doc);
-        SortByDate(*doc, sort);
-        ToviNode* c = NodeAt(doc.get(), QStringLiteral("C"));
-        doc->SetSelected(c, false);
-        doc->SetExtractionData(&nothingMatches);
-        doc->ExecExtraction();
-        QVERIFY(doc->CurrentArray().IsEmpty());
-        doc->CurrentArray().Assign({1});
-        host.hints.clear();
-
-        doc->SetSelected(label);
-        QCOMPARE(doc->GetSelectedIndex(), label);
-        QCOMPARE(doc->CurrentArray().Indexes(), current);
-        QCOMPARE(doc->CountLabel(static_cast<unsigned long>(label)), current.size());
-        QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
-        QCOMPARE(doc->GetSelectedNode(), c);
-        QVERIFY(doc->IsExtractionOn());
+        QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(photo));
+        QVERIFY(photo < 0 || doc->GetSelectedPhoto()->IsSelected());
+        const int position = static_cast<int>(current.indexOf(photo));
+        QCOMPARE(doc->GetSelectCurIndex(), position);
         int pos = 7;
         doc->GetIndexSelected(pos);
-        QCOMPARE(pos, current.isEmpty() ? 7 : -1);  // an empty array leaves pos alone
+        QCOMPARE(pos, current.isEmpty() ? 7 : position);  // nothing on show leaves pos alone
+        QCOMPARE(doc->IsExtractionOn(), script.contains(QLatin1String(" e")));
     }
 
-    // Selecting the selected photograph again tells no one; without a host, nothing fills
-    // the current array.
-    void selectQuietly() {
-        std::unique_ptr<ToviData> doc = OpenBuilt(selection);
-        QVERIFY(doc && doc->PhotoSelectSetting(1));
-        host.hints.clear();
-        QVERIFY(doc->PhotoSelectSetting(1));
-        QVERIFY(host.hints.isEmpty());
-        QVERIFY(doc->GetPhotoActualPhotoArray(1)->IsSelected());
-        doc = Load(nullptr, selection);
-        QVERIFY(doc);
-        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
-        ToviNode* a = NodeAt(doc.get(), QStringLiteral("A"));
-        doc->SetSelected(a, true);
-        QCOMPARE(doc->GetSelectedNode(), a);
-        QVERIFY(doc->CurrentArray().IsEmpty());
-    }
-
-    // SetSelected(): the node holding the selected photograph, else the root and the first
-    // photograph on show; with nothing on show that is an invalid-argument failure.
-    void selectFromPhotograph_data() {
-        QTest::addColumn<QString>("nodeBefore");
-        QTest::addColumn<int>("photoBefore");
-        QTest::addColumn<bool>("extractNothing");
-        QTest::addColumn<QString>("nodeAfter");  // "!" for the failure
-        QTest::addColumn<int>("photoAfter");
-        QTest::addColumn<QList<int>>("hints");
-        const int selected = ToviData::HintSelectionChanged;
-        QTest::newRow("photograph on a node")
-            << "C" << 1 << false << "A/B" << 1 << QList<int>{selected};
-        QTest::newRow("its node already selected")
-            << "A/B" << 1 << false << "A/B" << 1 << QList<int>{};
-        QTest::newRow("nothing selected")
-            << "C" << -1 << false << "" << 0 << QList<int>{selected, ToviData::HintPhotoSelected};
-        QTest::newRow("nothing on show") << "C" << -1 << true << "!" << -1 << QList<int>{};
-    }
-    void selectFromPhotograph() {
-        QFETCH(QString, nodeBefore);
-        QFETCH(int, photoBefore);
-        QFETCH(bool, extractNothing);
-        QFETCH(QString, nodeAfter);
-        QFETCH(int, photoAfter);
-        std::unique_ptr<ToviData> doc = OpenBuilt(selection);
-        QVERIFY(doc);
-        QVERIFY(photoBefore < 0 || doc->PhotoSelectSetting(photoBefore));
-        doc->SetSelected(NodeAt(doc.get(), nodeBefore), false);
-        if (extractNothing) {
-            doc->SetExtractionData(&nothingMatches);
-            doc->ExecExtraction();
-        }
-        host.hints.clear();
-        if (nodeAfter == QLatin1String("!")) {
-            QVERIFY_THROWS_EXCEPTION(std::out_of_range, doc->SetSelected());
-            return;
-        }
-        doc->SetSelected();
-        QCOMPARE(doc->GetSelectedNode(), NodeAt(doc.get(), nodeAfter));
-        QCOMPARE(doc->GetSelectedPhoto(), doc->GetPhotoActualPhotoArray(photoAfter));
-        QTEST(host.hints, "hints");
-    }
-
-    // Any combination of labels is taken as pasted. Steps: +n pastes, -n removes, c comments,
-    // x RemoveAllLabel, k CorrectAllNotCheck, o CorrectAllOK.
+    // Any combination of labels is taken as pasted; steps as SetLabels takes them.
     void photographLabels_data() {
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QString>("labels");
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<bool>("ng");
-        QTest::addColumn<bool>("notChecked");
+        QTest::addColumn<QList<bool>>("state");  // OK, NG, not checked
         // clang-format off
-        QTest::newRow("OK pasted over NG") << "+1 +0" << "01" << true << true << false;
-        QTest::newRow("comment label alone") << "+4" << "4" << false << false << true;
-        QTest::newRow("slot 6 removed") << "+3 -6" << "3" << false << true << false;
-        QTest::newRow("remove all empties the comment") << "+0 +1 +4 +5 c x" << "" << false << false << true;
-        QTest::newRow("not checked keeps 4, 5 and the comment") << "+0 +3 +4 +5 c k" << "45c" << false << false << true;
-        QTest::newRow("all OK keeps 4 and the comment") << "+2 +3 +4 c o" << "04c" << true << false << false;
+        QTest::newRow("OK pasted over NG") << "10" << "01" << QList<bool>{true, true, false};
+        QTest::newRow("comment label alone") << "4" << "4" << QList<bool>{false, false, true};
+        QTest::newRow("slot 6 removed") << "3-6" << "3" << QList<bool>{false, true, false};
+        QTest::newRow("remove all empties the comment") << "0145cx" << "" << QList<bool>{false, false, true};
+        QTest::newRow("not checked keeps 4, 5 and the comment") << "0345ck" << "45c" << QList<bool>{false, false, true};
+        QTest::newRow("all OK keeps 4 and the comment") << "234co" << "04c" << QList<bool>{true, false, false};
         // clang-format on
     }
     void photographLabels() {
-        QFETCH(QString, steps);
         QFETCH(QString, labels);
-        std::unique_ptr<ToviData> doc = OpenBuilt(labelled);
+        std::unique_ptr<ToviData> doc = OpenBuilt(QStringLiteral("labelled"));
         QVERIFY(doc);
         ToviPhoto& photo = *doc->GetPhotoActualPhotoArray(3);
-        for (const QString& step : steps.split(QLatin1Char(' '))) {
-            const auto slot = static_cast<unsigned int>(step.mid(1).toInt());
-            if (step.startsWith(QLatin1Char('+'))) {
-                photo.PasteLabel(slot);
-            } else if (step.startsWith(QLatin1Char('-'))) {
-                photo.RemoveLabel(slot);
-            } else if (step == QLatin1String("c")) {
-                photo.SetComment(QStringLiteral("再撮影"));
-            } else if (step == QLatin1String("x")) {
-                photo.RemoveAllLabel();
-            } else if (step == QLatin1String("k")) {
-                photo.CorrectAllNotCheck();
-            } else {
-                photo.CorrectAllOK();
-            }
-        }
+        QFETCH(QString, steps);
+        SetLabels(photo, steps);
         QCOMPARE(Labels(photo), labels);
-        QTEST(photo.IsOK(), "ok");
-        QTEST(photo.HasNGLabel(), "ng");
-        QTEST(photo.IsNotCheck(), "notChecked");
-        // Only flags count, not a comment.
+        QTEST((QList<bool>{photo.IsOK(), photo.HasNGLabel(), photo.IsNotCheck()}), "state");
         QCOMPARE(doc->IsLabeled(), labels.contains(QRegularExpression("[0-5]")) ? 1 : 0);
     }
 
-    // HasComment looks at comment text in the current array only; an empty current array
-    // leaves it as it was. Every change of the current array looks again.
-    void updateHasComment_data() {
-        QTest::addColumn<QList<QList<int>>>("views");  // current arrays, each followed by an update
-        QTest::addColumn<bool>("hasComment");
-        QTest::newRow("comment label without text") << QList<QList<int>>{{0, 3}} << false;
-        QTest::newRow("comment last in view") << QList<QList<int>>{{0, 2, 1}} << true;
-        QTest::newRow("comment only outside the view") << QList<QList<int>>{{0, 2, 3, 4}} << false;
-        QTest::newRow("nothing after a comment") << QList<QList<int>>{{1}, {}} << true;
-    }
-    void updateHasComment() {
-        QFETCH(QList<QList<int>>, views);
-        std::unique_ptr<ToviData> doc = OpenBuilt(labelled, {"", "c", "", "4", ""});
-        QVERIFY(doc);
-        for (const QList<int>& view : views) {
-            doc->CurrentArray().Assign(view);
-            doc->UpdateHasComment();
-        }
-        QTEST(doc->HasComment(), "hasComment");
-        doc->SetSelected(4);
-        QVERIFY(!doc->HasComment());
-        doc->SetSelected(NodeAt(doc.get(), QStringLiteral("A")), false);
-        QVERIFY(doc->HasComment());
-    }
-
-    // The batch correction over the current array, the dialog's answer scripted.
-    void batchCorrection_data() {
-        QTest::addColumn<bool>("dialogOk");
-        QTest::addColumn<int>("action");
-        QTest::addColumn<QString>("view");  // all, nothing, or ng (extraction of NG photographs)
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<bool>("changed");  // check status flag set and hint 6 sent
-        QTest::addColumn<QStringList>("after");
-        const QStringList before{"", "0", "15", "4c", "2"};
-        // clang-format off
-        QTest::newRow("cancel in the dialog") << false << 2 << "all" << false << false << before;
-        QTest::newRow("OK labels") << true << 0 << "all" << true << true << QStringList{"0", "0", "15", "04c", "2"};
-        QTest::newRow("remove everything") << true << 2 << "all" << true << true << QStringList{"", "", "", "", ""};
-        QTest::newRow("OK labels, nothing on show") << true << 0 << "nothing" << false << true << before;
-        QTest::newRow("remove everything, nothing on show") << true << 2 << "nothing" << true << true << before;
-        QTest::newRow("not checked on the NG extraction") << true << 1 << "ng" << true << true << QStringList{"", "0", "5", "4c", ""};
-        // clang-format on
-    }
-    void batchCorrection() {
-        QFETCH(bool, dialogOk);
-        QFETCH(int, action);
-        QFETCH(QString, view);
-        QFETCH(bool, changed);
-        std::unique_ptr<ToviData> doc = OpenBuilt(labelled, {"", "0", "15", "4c", "2"});
-        QVERIFY(doc);
-        ToviExtractionHolder ng;
-        ng.conditions.ngPhoto = true;
-        if (view == QLatin1String("nothing")) {
-            doc->SetSelected(-1);
-        } else if (view == QLatin1String("ng")) {
-            doc->SetExtractionData(&ng);
-            doc->ExecExtraction();
-            QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{2, 4}));
-        } else {
-            doc->SetSelected(doc.get(), true);
-        }
-        const bool hadComment = doc->HasComment();
-        host.hints.clear();
-        ui->QueueDialog(dialogOk, {{QStringLiteral("action"), action}});
-        ui->QueueAnswer(ToviUi::AnswerOk);
-
-        QTEST(doc->AllLabelCorrection(), "result");
-        QTEST(AllLabels(*doc), "after");
-        QCOMPARE(doc->IsCheckStatusChanged(), changed);
-        QCOMPARE(host.hints, changed ? QList<int>{ToviData::HintLabelsChanged} : QList<int>{});
-        QCOMPARE(ui->DialogNames(), QStringList{QStringLiteral("LabelProcessSelectDlg")});
-        QCOMPARE(ui->DialogInputs().first().value(QStringLiteral("action")).toInt(), 0);
-        QCOMPARE(ui->Questions().size(), dialogOk ? 1 : 0);
-        QVERIFY(!dialogOk || ui->Questions().first().buttons == ToviUi::ButtonsOkCancel);
-        // The comment flag waits for the next look at the current array.
-        QCOMPARE(doc->HasComment(), hadComment);
-    }
-
-    // Each row's result is a subset of the root's content, in the root's order.
+    // Each row's result is a subset of the root's content, in the root's order; a cancel leaves
+    // it whole. A photograph without a shooting date (4, the root's first) is passed over at
+    // once when that date decides: no progress text, no cancel test, no step.
     void conditions_data() {
         QTest::addColumn<QString>("conditions");
         QTest::addColumn<QList<int>>("found");
-        QTest::newRow("AND with nothing on") << "" << kRootOrder;
-        QTest::newRow("OR with nothing on") << "or" << QList<int>{};
-        QTest::newRow("key photograph") << "key" << QList<int>{0, 2};
-        QTest::newRow("NG") << "ng" << QList<int>{4, 1, 3};
-        QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{4, 0, 1, 3, 5};
-        QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5};
-        QTest::newRow("required item stored empty") << "required" << QList<int>{4, 2};
-        QTest::newRow("item equal") << "工種=土工" << QList<int>{4, 0, 2};
-        QTest::newRow("item case matters") << "工種=ABC" << QList<int>{};
-        QTest::newRow("item is no substring search") << "工種=土" << QList<int>{};
-        QTest::newRow("repeated item, any value") << "工種区分予備=y" << QList<int>{4, 0};
-        QTest::newRow("marker on stored empty values")
-            << "種別=【未記入】" << QList<int>{4, 1, 3, 5};
-        QTest::newRow("marker needs the item") << "付加情報予備=【未記入】" << QList<int>{2};
-        QTest::newRow("unknown title rejects in AND")
-            << "施工者=x;2024-04-01..2024-04-30" << QList<int>{};
-        QTest::newRow("unknown title passes on in OR")
-            << "施工者=x;2024-04-01..2024-04-30;or" << QList<int>{0, 2, 1};
-        QTest::newRow("three items AND") << "工種=土工;種別=盛土;代表写真=1" << QList<int>{2};
-        QTest::newRow("date range includes both ends")
-            << "2024-04-01..2024-04-30" << QList<int>{0, 2, 1};
-        QTest::newRow("file date") << "file:2024-02-01..2024-02-29" << QList<int>{4, 2, 1};
-        QTest::newRow("NG, item and file date")
-            << "ng;工種=土工;file:2024-02-01..2024-02-29" << QList<int>{4};
+        QTest::addColumn<int>("firstMessage");
+        QTest::addColumn<bool>("cancel");
+        // clang-format off
+        QTest::newRow("AND with nothing on") << "" << kRootOrder << 1 << false;
+        QTest::newRow("OR with nothing on") << "or" << QList<int>{} << 1 << false;
+        QTest::newRow("key photograph") << "key" << QList<int>{0, 2} << 1 << false;
+        QTest::newRow("NG") << "ng" << QList<int>{4, 1, 3} << 1 << false;
+        QTest::newRow("NG or not checked") << "ng;notcheck;or" << QList<int>{4, 0, 1, 3, 5} << 1 << false;
+        QTest::newRow("no Exif, missing file included") << "noexif" << QList<int>{1, 3, 5} << 1 << false;
+        QTest::newRow("required item stored empty") << "required" << QList<int>{4, 2} << 1 << false;
+        QTest::newRow("item equal") << "工種=土工" << QList<int>{4, 0, 2} << 1 << false;
+        QTest::newRow("item case matters") << "工種=ABC" << QList<int>{} << 1 << false;
+        QTest::newRow("item is no substring search") << "工種=土" << QList<int>{} << 1 << false;
+        QTest::newRow("repeated item, any value") << "工種区分予備=y" << QList<int>{4, 0} << 1 << false;
+        QTest::newRow("marker on stored empty values") << "種別=【未記入】" << QList<int>{4, 1, 3, 5} << 1 << false;
+        QTest::newRow("marker needs the item") << "付加情報予備=【未記入】" << QList<int>{2} << 1 << false;
+        QTest::newRow("unknown title rejects in AND") << "施工者=x;2024-04-01..2024-04-30" << QList<int>{} << 1 << false;
+        QTest::newRow("unknown title passes on in OR") << "施工者=x;2024-04-01..2024-04-30;or" << QList<int>{0, 2, 1} << 2 << false;
+        QTest::newRow("three items AND") << "工種=土工;種別=盛土;代表写真=1" << QList<int>{2} << 1 << false;
+        QTest::newRow("date range includes both ends") << "2024-04-01..2024-04-30" << QList<int>{0, 2, 1} << 2 << false;
+        QTest::newRow("file date") << "file:2024-02-01..2024-02-29" << QList<int>{4, 2, 1} << 1 << false;
+        QTest::newRow("NG, item and file date") << "ng;工種=土工;file:2024-02-01..2024-02-29" << QList<int>{4} << 1 << false;
+        QTest::newRow("cancel at the first photograph") << "ng" << kRootOrder << 1 << true;
+        // clang-format on
     }
     void conditions() {
         QFETCH(QString, conditions);
-        QFETCH(QList<int>, found);
-        std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
+        QFETCH(int, firstMessage);
+        QFETCH(bool, cancel);  // at the first photograph
+        std::unique_ptr<ToviData> doc = OpenBuilt(QStringLiteral("extraction"), kLabels);
         QVERIFY(doc);
         RecordingSource source;
         source.conditions = Conditions(conditions);
         doc->SetExtractionData(&source);
+        ui->PressCancelAtPump(cancel ? ui->Pumps() + 1 : -1);
 
         doc->ExecExtraction();
-        QCOMPARE(doc->CurrentArray().Indexes(), found);
-        QVERIFY(doc->IsExtractionOn());  // nothing found still ends normally
+        QTEST(doc->CurrentArray().Indexes(), "found");
+        QCOMPARE(doc->IsExtractionOn(), !cancel);  // nothing found still ends normally
+        QCOMPARE(source.told.size(), cancel ? 1 : 0);
         QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
-        QVERIFY(source.told.isEmpty());
-        // Filtering only: the photographs themselves are as they were.
-        QCOMPARE(AllLabels(*doc), kLabels);
+        QCOMPARE(AllLabels(*doc), kLabels);  // filtering only
+        const int count = static_cast<int>(kRootOrder.size());
+        QStringList messages;
+        for (int n = firstMessage; n <= (cancel ? 1 : count); ++n) {
+            messages.append(QStringLiteral("写真データ抽出中　%1 / %2").arg(n).arg(count));
+        }
+        QCOMPARE(ui->LastProgress()->messages, messages);
+        QCOMPARE(ui->LastProgress()->positions.last(), cancel ? 0 : count - firstMessage + 1);
+        QCOMPARE(ui->LastProgress()->closeCount, 1);
+        // Off now, or told once more and switched off; the next selection is not filtered.
+        doc->CancelExtraction(ToviExtractionSource::CancelButtonOnly);
+        QCOMPARE(source.told, QList<int>{ToviExtractionSource::CancelButtonOnly});
+        doc->SetSelected(doc.get(), true);
+        QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
+        QCOMPARE(ui->ProgressViews().size(), 1);
     }
 
     // The 代表写真 condition on a delivery that doesn't define that item never decides: AND
-    // lets the photographs through to the NG test, OR finds nothing with it.
-    void keyPhotoWithoutDefinition_data() {
-        QTest::addColumn<QString>("conditions");
-        QTest::newRow("AND") << "key;ng";
-        QTest::newRow("OR") << "key;ng;or";
-    }
+    // passes the photographs on to the NG test, OR finds nothing with it.
     void keyPhotoWithoutDefinition() {
-        QFETCH(QString, conditions);
-        const QString root = temp.filePath(QStringLiteral("mlit11"));
-        DeliveryOptions options;
-        options.generation = Generation::Mlit11;
-        options.photoCount = 8;
-        options.images = DeliveryOptions::Images::None;
-        QString error;
-        QVERIFY2(QFile::exists(root) || WriteDelivery(root, options, nullptr, &error),
-                 qPrintable(error));
-        std::unique_ptr<ToviData> doc = Load(&host, root + QStringLiteral("/INDEX_C/PHOTO"));
+        std::unique_ptr<ToviData> doc = Load(&host, Written(8));
         QVERIFY(doc);
         QVERIFY(doc->GetItemDef()->GetIndexFromTitle(QStringLiteral("代表写真")) < 0);
         doc->GetPhotoActualPhotoArray(1)->PasteLabel(2);
         doc->GetPhotoActualPhotoArray(5)->PasteLabel(3);
         doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeKousyuOnly);
-        const QList<int> before = doc->CurrentArray().Indexes();
-        QCOMPARE(before.size(), 8);
+        QCOMPARE(doc->CurrentArray().GetSize(), 8);
         ToviExtractionHolder holder;
-        holder.conditions = Conditions(conditions);
         doc->SetExtractionData(&holder);
-        doc->ExecExtraction();
-        QList<int> found = doc->CurrentArray().Indexes();
-        std::sort(found.begin(), found.end());
-        QCOMPARE(found, (QList<int>{1, 5}));
-    }
-
-    // A photograph without a shooting date is passed over at once when the date decides: no
-    // progress text, no cancel test, no step for it. The root shows it first.
-    void emptyShootingDateSkipsProgress_data() {
-        QTest::addColumn<QString>("conditions");
-        QTest::addColumn<bool>("skipped");
-        QTest::newRow("the date decides") << "2024-01-01..2024-12-31" << true;
-        QTest::newRow("file date") << "file:2024-01-01..2024-12-31" << false;
-    }
-    void emptyShootingDateSkipsProgress() {
-        QFETCH(QString, conditions);
-        QFETCH(bool, skipped);
-        std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
-        QVERIFY(doc);
-        QCOMPARE(doc->CurrentArray().GetAt(0), 4);
-        ToviExtractionHolder holder;
-        holder.conditions = Conditions(conditions);
-        doc->SetExtractionData(&holder);
-        doc->ExecExtraction();
-        const int count = static_cast<int>(kRootOrder.size());
-        QStringList messages;
-        for (int n = skipped ? 2 : 1; n <= count; ++n) {
-            messages.append(Message(n, count));
+        for (const char* conditions : {"key;ng", "key;ng;or"}) {
+            holder.conditions = Conditions(QString::fromLatin1(conditions));
+            doc->ExecExtraction();
+            QList<int> found = doc->CurrentArray().Indexes();
+            std::sort(found.begin(), found.end());
+            QCOMPARE(found, (QList<int>{1, 5}));
         }
-        QCOMPARE(ui->LastProgress()->messages, messages);
-        QCOMPARE(ui->LastProgress()->positions.last(), static_cast<int>(messages.size()));
-    }
-
-    // Cancel at the first photograph: the node's whole content stays on show, extraction is
-    // off, the source is told with 0, and the next selection is not filtered.
-    void cancelOnFirstPhotograph() {
-        std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
-        QVERIFY(doc);
-        ToviNode* earthwork = NodeAt(doc.get(), QStringLiteral("土工"));
-        doc->SetSelected(earthwork, false);
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 0, 2}));
-        RecordingSource source;
-        source.conditions = Conditions(QStringLiteral("ng"));
-        doc->SetExtractionData(&source);
-        host.hints.clear();
-        ui->PressCancelAtPump(ui->Pumps() + 1);
-
-        doc->ExecExtraction();
-        QCOMPARE(ui->LastProgress()->messages, QStringList{Message(1, 3)});
-        QCOMPARE(ui->LastProgress()->closeCount, 1);
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 0, 2}));
-        QVERIFY(!doc->IsExtractionOn());
-        QCOMPARE(source.told, QList<int>{ToviExtractionSource::CancelButtonOnly});
-        QCOMPARE(host.hints, QList<int>{ToviData::HintSelectionChanged});
-
-        doc->SetSelected(doc.get(), false);
-        QCOMPARE(doc->CurrentArray().Indexes(), kRootOrder);
-        QCOMPARE(ui->ProgressViews().size(), 1);
-        QCOMPARE(source.told.size(), 1);
-        // Off already: a cancel with a value tells the source nothing.
-        doc->CancelExtraction(ToviExtractionSource::CancelButtonOnly);
-        QCOMPARE(source.told.size(), 1);
-    }
-
-    // Extraction always starts from a node's whole content: on every node selection, on a
-    // rebuilt tree and on a second run; a changed photograph doesn't filter.
-    void extractionFollowsRebuilds() {
-        std::unique_ptr<ToviData> doc = OpenBuilt(extraction, kLabels);
-        QVERIFY(doc);
-        ToviExtractionHolder holder;
-        holder.conditions = Conditions(QStringLiteral("ng"));
-        doc->SetExtractionData(&holder);
-        doc->ExecExtraction();
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{4, 1, 3}));
-
-        doc->SetSelected(NodeAt(doc.get(), QStringLiteral("土工")), false);
-        QCOMPARE(doc->CurrentArray().Indexes(), QList<int>{4});
-
-        holder.conditions = Conditions(QStringLiteral("notcheck"));
-        doc->ExecExtraction();
-        QCOMPARE(doc->CurrentArray().Indexes(), QList<int>{0});
-
-        // The shooting-place tree puts everything under 【未記入】, in file order.
-        doc->BuildTreeNode(ToviPhotoCtrlVisualSetting::TreeSatsueikasyo);
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 5}));
-
-        doc->GetPhotoActualPhotoArray(0)->PasteLabel(0);
-        QCOMPARE(doc->CurrentArray().Indexes(), (QList<int>{0, 5}));
-        doc->SetSelected(doc->GetSelectedNode(), true);
-        QCOMPARE(doc->CurrentArray().Indexes(), QList<int>{5});
     }
 
     // Both ways from two starting orders: descending is the exact reverse of ascending.
@@ -915,26 +649,15 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QStringList>("values");
         QTest::addColumn<QList<int>>("ascending");
+        // clang-format off
         // Code page 932, bytes unsigned: "a" 61 < "Ａ" 82 60 < "あ" 82 A0 < "あい" < "ｱ" B1.
-        QTest::newRow("text in code page 932 order")
-            << QStringLiteral("写真タイトル") << QStringList{"あ", "ｱ", "a", "Ａ", "あい", ""}
-            << QList<int>{5, 2, 3, 0, 4, 1};
+        QTest::newRow("text in code page 932 order") << QStringLiteral("写真タイトル") << QStringList{"あ", "ｱ", "a", "Ａ", "あい", ""} << QList<int>{5, 2, 3, 0, 4, 1};
         // Longer than 16 bytes with a common start, and prefixes: the shorter first.
-        QTest::newRow("long keys with a common start")
-            << QStringLiteral("写真タイトル")
-            << QStringList{"あいうえおかきくけ", "あいうえおかきく",    "あいうえおかきくこ",
-                           "あいうえおかきくけ", "あいうえおかきくけa", "あいうえおかきか",
-                           "あいうえおかき"}
-            << QList<int>{6, 5, 1, 0, 3, 4, 2};
+        QTest::newRow("long keys with a common start") << QStringLiteral("写真タイトル") << QStringList{"あいうえおかきくけ", "あいうえおかきく", "あいうえおかきくこ", "あいうえおかきくけ", "あいうえおかきくけa", "あいうえおかきか", "あいうえおかき"} << QList<int>{6, 5, 1, 0, 3, 4, 2};
         // Like atoi: sign and leading digits count, anything else is 0, beyond int is largest.
-        QTest::newRow("serial number read like atoi")
-            << QStringLiteral("シリアル番号")
-            << QStringList{"12", "+3", "-4", "abc", "", "５", "99999999999", "0012x", " 8", "7a"}
-            << QList<int>{2, 3, 4, 5, 1, 9, 8, 0, 7, 6};
-        QTest::newRow("equal dates keep the actual order, empty first")
-            << QStringLiteral("撮影年月日")
-            << QStringList{"2023-04-02", "2023-04-01", "2023-04-02", "", "2023-04-01"}
-            << QList<int>{3, 1, 4, 0, 2};
+        QTest::newRow("serial number read like atoi") << QStringLiteral("シリアル番号") << QStringList{"12", "+3", "-4", "abc", "", "５", "99999999999", "0012x", " 8", "7a"} << QList<int>{2, 3, 4, 5, 1, 9, 8, 0, 7, 6};
+        QTest::newRow("equal dates keep the actual order, empty first") << QStringLiteral("撮影年月日") << QStringList{"2023-04-02", "2023-04-01", "2023-04-02", "", "2023-04-01"} << QList<int>{3, 1, 4, 0, 2};
+        // clang-format on
     }
     void order() {
         QFETCH(QString, key);
@@ -957,30 +680,27 @@ private slots:
         sorter.PrepareSort(key, document->CurrentArray());
         for (const ToviSorter::Data& a : sorter.Entries()) {
             for (const ToviSorter::Data& b : sorter.Entries()) {
-                if (a.index != b.index) {
-                    const int up = ToviSorter::CompareUp(a, b);
-                    QCOMPARE(up < 0, ascending.indexOf(a.index) < ascending.indexOf(b.index));
-                    QCOMPARE(ToviSorter::CompareDown(a, b) < 0, up > 0);
-                }
+                const int up = ToviSorter::CompareUp(a, b);
+                QCOMPARE(up < 0, ascending.indexOf(a.index) < ascending.indexOf(b.index));
+                QCOMPARE(ToviSorter::CompareDown(a, b) < 0, up > 0);
             }
         }
     }
 
-    // Labels and comments of 10,000 photographs come back as they were saved, through both
-    // writers, and the changed flag follows the save and not the path variant.
+    // Labels and comments of 10,000 photographs come back through both writers; only the
+    // plain save clears the changed flag.
     void roundTrip() {
-        std::unique_ptr<ToviData> document = OpenLoaded(big);
+        std::unique_ptr<ToviData> document = Load(nullptr, Written(10000));
         QVERIFY(document);
         QRandomGenerator random(7);
         for (int i = 0; i < document->GetTotalCountPhoto(); ++i) {
             ToviPhoto* photo = document->GetPhotoActualPhotoArray(i);
+            photo->SetComment(random.bounded(3) ? QString()
+                                                : QStringLiteral("指摘 %1 <&>\"'\n\t末尾").arg(i));
             for (int label = 0; label < ToviPhoto::kLabelCount; ++label) {
                 if (random.bounded(4) == 0) {
                     photo->PasteLabel(static_cast<unsigned>(label));
                 }
-            }
-            if (random.bounded(3) == 0) {
-                photo->SetComment(QStringLiteral("指摘 %1 <&>\"'\n\t末尾").arg(i));
             }
         }
         document->GetPhotoActualPhotoArray(5)->SetComment(QString(1 << 20, QChar(u'検')));
@@ -990,8 +710,7 @@ private slots:
         const QString record = temp.filePath(QStringLiteral("round.xml"));
         const QString withPaths = temp.filePath(QStringLiteral("round-paths.xml"));
         int result = -1;
-        QVERIFY(document->ReturnExam(withPaths, &result));
-        QVERIFY(document->IsCheckStatusChanged());
+        QVERIFY(document->ReturnExam(withPaths, &result) && document->IsCheckStatusChanged());
         QVERIFY(document->SaveExamination(record, QString(), &result));
         QVERIFY(!document->IsCheckStatusChanged());
         const QByteArray bytes = ReadAll(record);
@@ -1002,15 +721,14 @@ private slots:
         QVERIFY(ReadAll(withPaths).contains(
             "<" + Cp932::FromUnicode(QStringLiteral("写真ファイルパス")) + ">"));
         for (const QString& path : {record, withPaths}) {
-            std::unique_ptr<ToviData> again = OpenLoaded(big);
+            std::unique_ptr<ToviData> again = Load(nullptr, Written(10000));
             QVERIFY(again->LoadExamination(path, &result));
             QCOMPARE(AllLabels(*again, true), saved);
             QVERIFY(!again->IsCheckStatusChanged());
         }
     }
 
-    // Save failures leave the target as it was and say why; an empty document saves a frame
-    // that loads back as "no status", and an empty path saves nothing.
+    // Save failures leave the target as it was and say why.
     void saveFailures_data() {
         QTest::addColumn<QString>("situation");
         QTest::addColumn<int>("expected");
@@ -1022,7 +740,7 @@ private slots:
     }
     void saveFailures() {
         QFETCH(QString, situation);
-        std::unique_ptr<ToviData> document = OpenLoaded(small);
+        std::unique_ptr<ToviData> document = Load(nullptr, Written(3));
         QVERIFY(document);
         document->GetPhotoActualPhotoArray(0)->PasteLabel(2);
         document->SetCheckStatusChanged(true);
@@ -1056,6 +774,7 @@ private slots:
             QVERIFY(document->SaveExamination(path, QString(), &result));
         }
     }
+    // An empty document saves a frame that loads back as "no status"; no path saves nothing.
     void emptyDocument() {
         QDir().mkpath(temp.filePath(QStringLiteral("empty")));
         ToviData document(nullptr, temp.filePath(QStringLiteral("empty")), PhotoXMLMlit);
@@ -1069,8 +788,8 @@ private slots:
         QVERIFY(!document.SaveExamination(QString(), QString(), &result));
     }
 
-    // Loading checks the frame before touching any photograph, then merges: a value the
-    // file lacks, or a flag other than "0" and "1", stays as it was.
+    // Loading checks the frame before touching any photograph, then merges: a value missing, or
+    // a flag other than "0" and "1", stays as it was.
     void loadAndMerge_data() {
         QTest::addColumn<QString>("body");  // empty: no file at all
         QTest::addColumn<int>("expected");  // -1: loads
@@ -1087,8 +806,6 @@ private slots:
         QTest::newRow("another count") << frame.arg(4).arg(three) << countWrong << before;
         QTest::newRow("count without digits") << frame.arg("三").arg(three) << countWrong << before;
         QTest::newRow("no file") << QString() << countWrong << before;
-        QTest::newRow("not XML") << QStringLiteral("写真枚数 3") << countWrong << before;
-        QTest::newRow("truncated") << frame.arg(3).arg(three).left(60) << countWrong << before;
         QTest::newRow("empty status") << frame.arg(3).arg(QString()) << int(ExamNoStatus) << before;
         QTest::newRow("no status")
             << QStringLiteral("<検査状況><情報><写真枚数>3</写真枚数></情報></検査状況>")
@@ -1097,7 +814,7 @@ private slots:
     void loadAndMerge() {
         QFETCH(QString, body);
         QFETCH(int, expected);
-        std::unique_ptr<ToviData> document = OpenLoaded(small);
+        std::unique_ptr<ToviData> document = Load(nullptr, Written(3));
         QVERIFY(document);
         document->GetPhotoActualPhotoArray(0)->PasteLabel(0);
         document->GetPhotoActualPhotoArray(0)->SetComment(QStringLiteral("前"));
@@ -1117,9 +834,9 @@ private slots:
     void killDuringSave() {
         const QString tovi = QCoreApplication::applicationDirPath() + QStringLiteral("/tovi");
         const QString path = temp.filePath(QStringLiteral("killed.xml"));
-        const QStringList save{
-            "--profile", temp.filePath(QStringLiteral("kill.ini")), "label", big, "--record", path,
-            "--paste"};
+        const QString profile = temp.filePath(QStringLiteral("kill.ini"));
+        const QStringList save{"--profile", profile, "label",  Written(10000),
+                               "--record",  path,    "--paste"};
         QCOMPARE(RunProgram(tovi, save + QStringList{"0:1"}).exitCode, 0);
         const QByteArray old = ReadAll(path);
         QVERIFY(old.size() > 1000000);
@@ -1130,8 +847,7 @@ private slots:
         process.setProcessEnvironment(environment);
         process.start(tovi, save + QStringList{"1:2"});
         QVERIFY(process.waitForStarted());
-        // The load takes a fraction of a second; then half the new record sits in the
-        // writer's temporary file (unnamed where the system allows) for 20 s.
+        // After the load, half the new record waits 20 s in the writer's temporary file.
         QTest::qWait(3000);
         QCOMPARE(process.state(), QProcess::Running);
         process.kill();
