@@ -1,0 +1,118 @@
+#pragma once
+
+#include "panels/ToviPanel.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+
+#include <memory>
+#include <vector>
+
+class ToviHostDocument;
+class ToviImageLoader;
+class ToviItemDef;
+class ToviSpiCtrl;
+
+// The main viewing area: the document's current photographs as pages of one to six cells
+// (the paged modes 0 to 4), paged and walked with the mouse and the keyboard. The list modes
+// 5 and 6 show nothing here yet. All positions are positions in the current array.
+class ToviMpiPanel : public ToviPanel {
+    Q_OBJECT
+public:
+    static const QString MultiDialogSection_;   // "MultiDialogSize"
+    static const QString MultiDialogSection2_;  // "MultiDialogInfo"
+    static const QString ConfirmDialogSection_; // "ConfirmDialog"
+    static const QString MultiDlgWEntry_;
+    static const QString MultiDlgHEntry_;
+    static const QString MultiDlgTabIdxEntry_;
+    static const QString MultiDlgSplPosEntry_;
+    static const QString MultiDlgZoomEntry_;
+    static const QString MultiDlgInfoEntry_;
+    static const QString ConfirmDlgPosXEntry_;
+    static const QString ConfirmDlgPosYEntry_;
+    static const QString ConfirmDlgWEntry_;
+    static const QString ConfirmDlgHEntry_;
+
+    // Reads the zoom and confirm dialogs' settings from the profile; makes no cell yet.
+    explicit ToviMpiPanel(ToviHostDocument* document, QWidget* parent = nullptr);
+    // Writes those settings back.
+    ~ToviMpiPanel() override;
+
+    bool Create(QWidget* parent, int id) override;
+    void OnPreDetachData() override;
+    void OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject* object) override;
+
+    int GetCurrentPage() const;
+    int GetTotalPage() const;
+    int GetCountInPage() const;
+    int GetSelectIndexInPage() const;
+    ToviSpiCtrl* GetSelSpiCtrl() const;
+    int GetTopPosIndex() const;
+    const ToviPhotoCtrlVisualSetting& GetVisualSetting() const { return visualSetting; }
+    void SetVisualSetting(const ToviPhotoCtrlVisualSetting& setting, bool force);
+    // Page moves do not check their bounds: callers test GetCurrentPage first.
+    void OperateTopPage();
+    void OperateLastPage();
+    void OperateNextPage();
+    void OperatePrevPage();
+    void OperateNextPhoto();
+    void OperatePrevPhoto();
+    void ClearMessageState();
+    bool IsPagedMode() const;
+    const std::vector<ToviSpiCtrl*>& Cells() const { return spiCtrls; }
+
+    // The page arithmetic and the layout, open to the host and the tests.
+    int GetPageNumber(int id) const;
+    int NormalizeTopPhotoId(int id) const;
+    void ResetPageCount(int top);
+    void OnChangePage();
+    bool OnSelect(int index);
+    void InitiateLayput(int top);
+    void Initialize();
+    void RecalcLayout();
+    void InvalidateName();
+    void InvalidateAllCtrls();
+    void UpdateNamePlate();
+    void OnSpiKeyDown(int key);
+    bool Load();
+    bool Save() const;
+
+    int DialogWidth() const { return dlgWidth; }
+    int DialogHeight() const { return dlgHeight; }
+    int DialogSplitterPos() const { return dlgSplPos; }
+
+signals:
+    // The page or the selection moved: the host refreshes its page indicator.
+    void PageChanged(int currentPage, int totalPage);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    int SelectedPosition() const;  // -1 when no photograph of the current array is selected
+    void PageTail(int page);
+    void DestroyCells();
+    void OnSpiClicked(int id);
+    void OnSpiDblClicked(int id);
+    void OnSpiRClicked(int id);
+    ToviSpiCtrl* CellOfId(int id) const;
+
+    ToviItemDef* itemDef = nullptr;
+    bool zoomMessage = false;
+    void* zoomPhoto = nullptr;
+    int dlgWidth = 0;
+    int dlgHeight = 0;
+    int dlgTabIndex = 1;
+    int dlgSplPos = 180;
+    bool dlgZoom = false;
+    bool dlgInfo = true;
+    int confirmWidth = 0;
+    int confirmHeight = 0;
+    int confirmPosX = 0;
+    int confirmPosY = 0;
+    ToviHostDocument* document;
+    std::vector<ToviSpiCtrl*> spiCtrls;  // children of the panel
+    int currentPage = 0;
+    int totalPage = 0;
+    ToviPhotoCtrlVisualSetting visualSetting;
+    std::unique_ptr<ToviImageLoader> loader;
+};
