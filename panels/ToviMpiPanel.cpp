@@ -85,6 +85,21 @@ bool ToviMpiPanel::Create(QWidget* parent, int id) {
     return created;
 }
 
+bool ToviMpiPanel::IsPageShown() const {
+    for (const ToviSpiCtrl* cell : spiCtrls) {
+        if (!cell->IsPictureShown()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void ToviMpiPanel::OnPictureShown() {
+    if (IsPageShown()) {
+        emit PageShown();
+    }
+}
+
 bool ToviMpiPanel::IsPagedMode() const {
     return visualSetting.GetDivType() <= ToviPhotoCtrlVisualSetting::Divide6 &&
            visualSetting.GetCountOfSet() > 0;
@@ -190,6 +205,7 @@ void ToviMpiPanel::OnChangePage() {
     }
     InvalidateName();
     emit PageChanged(GetCurrentPage(), GetTotalPage());
+    OnPictureShown();
 }
 
 bool ToviMpiPanel::OnSelect(int index) {
@@ -304,6 +320,7 @@ void ToviMpiPanel::InitiateLayput(int top) {
             connect(cell, &ToviSpiCtrl::DoubleClicked, this, &ToviMpiPanel::OnSpiDblClicked);
             connect(cell, &ToviSpiCtrl::RightClicked, this, &ToviMpiPanel::OnSpiRClicked);
             connect(cell, &ToviSpiCtrl::KeyPressed, this, &ToviMpiPanel::OnSpiKeyDown);
+            connect(cell, &ToviSpiCtrl::PictureShown, this, &ToviMpiPanel::OnPictureShown);
             cell->ApplyLabelNames();
             cell->SetPhoto(first + i);
             cell->show();
@@ -320,6 +337,7 @@ void ToviMpiPanel::InitiateLayput(int top) {
     RecalcLayout();
     InvalidateAllCtrls();
     emit PageChanged(GetCurrentPage(), GetTotalPage());
+    OnPictureShown();
 }
 
 void ToviMpiPanel::Initialize() {

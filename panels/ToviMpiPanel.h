@@ -57,6 +57,8 @@ public:
     void OperatePrevPhoto();
     void ClearMessageState();
     bool IsPagedMode() const;
+    // Every cell of the page has its first picture (or its fail plate) on screen.
+    bool IsPageShown() const;
     const std::vector<ToviSpiCtrl*>& Cells() const { return spiCtrls; }
 
     // The page arithmetic and the layout, open to the host and the tests.
@@ -82,6 +84,8 @@ public:
 signals:
     // The page or the selection moved: the host refreshes its page indicator.
     void PageChanged(int currentPage, int totalPage);
+    // The page's pictures are all on screen (IsPageShown became true).
+    void PageShown();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -91,6 +95,7 @@ private:
     int SelectedPosition() const;  // -1 when no photograph of the current array is selected
     void PageTail(int page);
     void DestroyCells();
+    void OnPictureShown();
     void OnSpiClicked(int id);
     void OnSpiDblClicked(int id);
     void OnSpiRClicked(int id);

@@ -146,6 +146,7 @@ void ToviSpiCtrl::SetPhoto(int index) {
     }
     thumbTicket = fullTicket = 0;
     fullShown = false;
+    pictureShown = false;
     imageOk = true;
     imagePath = photo->GetImagePath();
     imageWnd->SetDisableImage();
@@ -350,12 +351,18 @@ void ToviSpiCtrl::ShowImage(const QImage& image) {
     }
     imageWnd->setVisible(imageOk);
     failPlate->setVisible(!imageOk);
+    if (!pictureShown && Photo()) {
+        pictureShown = true;
+        emit PictureShown(id);
+    }
 }
 
 void ToviSpiCtrl::OnTimer() {
     if (!loader || imagePath.isEmpty()) {
-        // A photograph the delivery names no file for shows the fail plate at once.
-        imageOk = imagePath.isEmpty() && Photo() ? false : imageOk;
+        // A photograph the delivery names no file for shows the fail plate.
+        if (imagePath.isEmpty() && Photo()) {
+            imageOk = false;
+        }
         ShowImage(QImage());
         return;
     }

@@ -46,6 +46,9 @@ public:
     void InvalidateNamePlate();
     // Whether the last whole picture could be shown.
     bool IsImageOk() const { return imageOk; }
+    // Whether the photograph set last has anything on screen yet: its thumbnail, its whole
+    // picture or the fail plate. An empty cell counts as shown.
+    bool IsPictureShown() const { return pictureShown || photoIndex < 0 || !Photo(); }
     // Slide mode refuses the comment button.
     void SetSlideMode(bool on) { slideMode = on; }
     // True when the comment strip above the picture is due.
@@ -67,6 +70,8 @@ signals:
     void PasteLabel(int label, ToviSpiCtrl* cell);
     void RemoveLabel(int label, ToviSpiCtrl* cell);
     void CommentChanged(ToviSpiCtrl* cell);
+    // The first picture of the photograph set last is on screen.
+    void PictureShown(int id);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -95,6 +100,7 @@ private:
     quint64 thumbTicket = 0;
     quint64 fullTicket = 0;
     bool fullShown = false;
+    bool pictureShown = false;
     QTimer timer;
 
     LumImgWnd* imageWnd;
