@@ -75,31 +75,6 @@ public:
 
 SilentHost silentHost;
 
-QString ErrorLine(PhotoXMLReadErr error, const OpenOptions& options, const ToviData& document) {
-    const QString folder = options.folder;
-    switch (error) {
-        case ReadErrNoItemFile:
-            return QStringLiteral(
-                       "項目定義ファイル READITEM.XML がプログラムのフォルダ %1 にありません")
-                .arg(document.GetItemDef()->ProgramPath());
-        case ReadErrUnknownPhotoXml:
-            if (!QFileInfo(folder).isDir()) {
-                return QStringLiteral("フォルダ %1 がありません").arg(folder);
-            }
-            if (!MibIsFileExist(MibResolveCase(folder, QStringLiteral("PHOTO.XML")))) {
-                return QStringLiteral("フォルダ %1 に PHOTO.XML がありません").arg(folder);
-            }
-            return QStringLiteral(
-                       "PHOTO.XML を開けないか、その文書型宣言 (DOCTYPE) が発注者区分 %1 の"
-                       "基準のどれにも当たりません")
-                .arg(static_cast<int>(options.family));
-        case ReadErrDefinition:
-            return QStringLiteral("項目定義ファイル READITEM.XML を読み込めません");
-        default:
-            return QString();
-    }
-}
-
 }  // namespace
 
 std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
@@ -120,7 +95,7 @@ std::unique_ptr<ToviData> OpenDelivery(const OpenOptions& options) {
     }
     const PhotoXMLReadErr error = document->GetErrorType();
     if (error != ReadErrNone && error != ReadErrNoPhotos) {
-        PrintError(ErrorLine(error, options, *document));
+        PrintError(factory.GetErrorTypeText(*document));
         return nullptr;
     }
     // The settings write themselves back to the profile when the document goes: read them

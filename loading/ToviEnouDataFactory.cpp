@@ -46,6 +46,31 @@ bool IsOptional(const Definition& d) {
 
 }  // namespace
 
+QString ToviEnouDataFactory::GetErrorTypeText(const ToviData& document) const {
+    const QString& folder = SrcPath();
+    switch (document.GetErrorType()) {
+        case ReadErrNoItemFile:
+            return QStringLiteral(
+                       "項目定義ファイル READITEM.XML がプログラムのフォルダ %1 にありません")
+                .arg(document.GetItemDef()->ProgramPath());
+        case ReadErrUnknownPhotoXml:
+            if (!QFileInfo(folder).isDir()) {
+                return QStringLiteral("フォルダ %1 がありません").arg(folder);
+            }
+            if (!MibIsFileExist(MibResolveCase(folder, QStringLiteral("PHOTO.XML")))) {
+                return QStringLiteral("フォルダ %1 に PHOTO.XML がありません").arg(folder);
+            }
+            return QStringLiteral(
+                       "PHOTO.XML を開けないか、その文書型宣言 (DOCTYPE) が発注者区分 %1 の"
+                       "基準のどれにも当たりません")
+                .arg(static_cast<int>(XmlType()));
+        case ReadErrDefinition:
+            return QStringLiteral("項目定義ファイル READITEM.XML を読み込めません");
+        default:
+            return QString();
+    }
+}
+
 std::unique_ptr<ToviData> ToviEnouDataFactory::OnNewDocumentInstance(
     ToviHostDocument* hostDocument) {
     return std::make_unique<ToviData>(hostDocument, SrcPath(), XmlType());

@@ -23,6 +23,9 @@ public:
     // Why the last load returned no document, in one Japanese sentence; empty after a load
     // that succeeded. The host words its own messages; the command line prints this one.
     const QString& GetLoadError() const { return loadError; }
+    // Why a document this factory made carries its error type, in one Japanese sentence
+    // naming the folder or file at fault; empty for no error and for "no photographs".
+    QString GetErrorTypeText(const ToviData& document) const;
 
     // Copies the index file into the suite folder's "IndexCopy" with its stylesheet line
     // pointing at stylesheetPath's file name, beside which the stylesheet and the index's DTD
