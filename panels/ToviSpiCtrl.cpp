@@ -74,6 +74,8 @@ ToviSpiCtrl::ToviSpiCtrl(ToviData* data, const ToviPhotoCtrlVisualSetting* setti
     bottomPane->layout()->addWidget(valueEdit);
     splitter->setObjectName(QStringLiteral("splitter"));
     splitter->setChildrenCollapsible(false);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 0);
     connect(splitter, &QSplitter::splitterMoved, this, [this] { LayoutPanes(); });
 
     timer.setSingleShot(true);
@@ -265,10 +267,12 @@ void ToviSpiCtrl::LayoutChildren() {
     const QRect imageRect(0, c, imageWidth, std::max(0, area - c));
     imageWnd->setGeometry(imageRect);
     failPlate->setGeometry(imageRect);
-    // The control values take 75 pixels the first time the panes are laid out.
-    if (splitter->isVisible() && splitter->property("placed").isNull() && area > 0) {
+    // The control values take 75 pixels the first time the panes are laid out; after that
+    // a growing cell gives its room to the information list (stretch factors), so the pane
+    // keeps the height the user last dragged it to.
+    if (splitter->isVisible() && !panesPlaced && area > 0) {
         splitter->setSizes({std::max(0, area - 75), 75});
-        splitter->setProperty("placed", true);
+        panesPlaced = true;
     }
     LayoutPanes();
     namePlate->setGeometry(0, area, w, ToviNamePlate::kHeight);

@@ -101,6 +101,7 @@ private:
     quint64 fullTicket = 0;
     bool fullShown = false;
     bool pictureShown = false;
+    bool panesPlaced = false;  // the splitter got its first sizes
     QTimer timer;
 
     LumImgWnd* imageWnd;

@@ -9,6 +9,9 @@
 ToviTreePanel::ToviTreePanel(QWidget* parent) : ToviPanel(parent), tree(new QTreeWidget(this)) {
     tree->setObjectName(QStringLiteral("tree"));
     tree->setHeaderHidden(true);
+    // Long names scroll sideways rather than losing their counts at the edge.
+    tree->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    tree->header()->setStretchLastSection(false);
     tree->setRootIsDecorated(true);
     tree->setFrameShape(QFrame::StyledPanel);
     tree->setDragEnabled(false);

@@ -33,17 +33,17 @@ ToviProfile::~ToviProfile() {
     Flush();
 }
 
-void ToviProfile::Flush() {
+bool ToviProfile::Flush() {
     if (settings) {
         settings->sync();
-        return;
+        return settings->status() == QSettings::NoError;
     }
     if (!explicitDirty || !explicitUsable) {
-        return;
+        return true;
     }
     // QSettings makes missing folders on its own: a store whose folder went away is dropped.
     if (!QFileInfo(QFileInfo(explicitPath).absolutePath()).isDir()) {
-        return;
+        return false;
     }
     QSettings file(explicitPath, QSettings::IniFormat);
     file.clear();
@@ -51,7 +51,11 @@ void ToviProfile::Flush() {
         file.setValue(it.key(), it.value());
     }
     file.sync();
+    if (file.status() != QSettings::NoError) {
+        return false;
+    }
     explicitDirty = false;
+    return true;
 }
 
 void ToviProfile::UseFile(const QString& iniPath) {

@@ -23,8 +23,9 @@ public:
     QString FileName() const;
 
     // Writes pending changes out now. Also done when the store changes file and at exit;
-    // the default store is also written when the event loop next runs.
-    void Flush();
+    // the default store is also written when the event loop next runs. False when the store
+    // could not be written (a read-only folder, a full disk); the values stay in memory.
+    bool Flush();
 
     int GetProfileInt(const QString& section, const QString& entry, int defaultValue) const;
     bool WriteProfileInt(const QString& section, const QString& entry, int value);

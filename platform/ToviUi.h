@@ -66,6 +66,12 @@ public:
     // A file name to save to; empty when cancelled.
     virtual QString GetSaveFileName(QWidget* parent, const QString& title, const QString& proposed,
                                     const QString& filter) = 0;
+    // An existing file to open, starting at folder; empty when cancelled. Nothing by default.
+    virtual QString GetOpenFileName(QWidget* parent, const QString& title, const QString& folder,
+                                    const QString& filter) {
+        (void)parent, (void)title, (void)folder, (void)filter;
+        return QString();
+    }
     // Runs the pending UI events once, during a long loop on the UI thread.
     virtual void Pump() = 0;
     // A small window with an animation (1 copying, 3 deleting) and a message, shown while the

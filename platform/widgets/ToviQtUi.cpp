@@ -97,6 +97,11 @@ QString ToviQtUi::GetSaveFileName(QWidget* parent, const QString& title, const Q
     return QFileDialog::getSaveFileName(parent, title, proposed, filter);
 }
 
+QString ToviQtUi::GetOpenFileName(QWidget* parent, const QString& title, const QString& folder,
+                                  const QString& filter) {
+    return QFileDialog::getOpenFileName(parent, title, folder, filter);
+}
+
 void ToviQtUi::Pump() {
     QCoreApplication::processEvents(QEventLoop::AllEvents);
 }

@@ -32,6 +32,8 @@ public:
     bool BrowseForFolder(QWidget* parent, const QString& title, QString& folder) override;
     QString GetSaveFileName(QWidget* parent, const QString& title, const QString& proposed,
                             const QString& filter) override;
+    QString GetOpenFileName(QWidget* parent, const QString& title, const QString& folder,
+                            const QString& filter) override;
     void Pump() override;
     std::unique_ptr<ToviProgressView> CreateProgressView(QWidget* parent) override;
     void BeginWait(QWidget* parent, const QString& message, int animation) override;

@@ -101,9 +101,21 @@ public:
         return ok;
     }
 
-    bool BrowseForFolder(QWidget*, const QString&, QString&) override { return false; }
+    // ---- file and folder choices: queued answers, then cancel
+    void QueueFileName(const QString& path) { fileNames.append(path); }
+    void QueueFolder(const QString& path) { folders.append(path); }
+    bool BrowseForFolder(QWidget*, const QString&, QString& folder) override {
+        if (folders.isEmpty()) {
+            return false;
+        }
+        folder = folders.takeFirst();
+        return true;
+    }
     QString GetSaveFileName(QWidget*, const QString&, const QString&, const QString&) override {
-        return QString();
+        return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
+    }
+    QString GetOpenFileName(QWidget*, const QString&, const QString&, const QString&) override {
+        return fileNames.isEmpty() ? QString() : fileNames.takeFirst();
     }
 
     // ---- the pump and the progress windows
@@ -149,6 +161,8 @@ private:
     QList<int> cancelPumps;
     QList<int> deathPumps;
     QList<std::shared_ptr<ScriptedProgressRecord>> progressViews;
+    QStringList fileNames;
+    QStringList folders;
 };
 
 // Installs a presenter for the life of a scope and puts the previous one back after.

@@ -1,0 +1,801 @@
+#include "app/ToviMainWindow.h"
+
+#include "document/ToviData.h"
+#include "panels/ToviFolderTreePanel.h"
+#include "panels/ToviLabelTreePanel.h"
+#include "panels/ToviMpiPanel.h"
+#include "panels/ToviSpiCtrl.h"
+#include "platform/ToviProfile.h"
+#include "platform/ToviUi.h"
+#include "reports/ToviPhotoExport.h"
+#include "review/ToviXmlManager.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDockWidget>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QShortcut>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <QUrl>
+
+#include <algorithm>
+
+const QString ToviMainWindow::FrameSection_ = QStringLiteral("MainFrame");
+const QString ToviMainWindow::RecentSection_ = QStringLiteral("RecentDelivery");
+
+namespace {
+
+const QString kGeometryEntry = QStringLiteral("Geometry");
+const QString kStateEntry = QStringLiteral("DockState");
+const QString kTabEntry = QStringLiteral("TreeTab");
+const QString kFamilyEntry = QStringLiteral("Family");
+const QString kUnset = QStringLiteral("_未定義_");
+
+const char* const kFamilyNames[] = {"国土交通省(&M)", "港湾空港(&K)", "農林水産省(&A)",
+                                    "NEXCO(&N)"};
+
+// Display modes offered: the paged ones, and the two lists that arrive with the list views.
+struct DivideEntry {
+    int type;
+    const char* text;
+    QKeySequence key;
+};
+
+QString RecordFilter() {
+    return QStringLiteral("検査状況ファイル (*.xml);;すべてのファイル (*)");
+}
+
+// A menu text without its accelerator and ellipsis, for buttons and tool tips.
+QString PlainText(const QAction* action) {
+    QString text = action->text();
+    const qsizetype open = text.indexOf(QStringLiteral("(&"));
+    if (open >= 0) {
+        text.truncate(open);
+    }
+    text.remove(QStringLiteral("..."));
+    return text;
+}
+
+int ReadInt(const QString& section, const QString& entry, int fallback) {
+    const int stored = ToviProfile::Instance().GetProfileInt(section, entry, -1) - 100;
+    return stored < 0 ? fallback : stored;
+}
+
+}  // namespace
+
+ToviMainWindow::ToviMainWindow(QWidget* parent)
+    : QMainWindow(parent), document(new ToviViewerDocument(this)) {
+    setObjectName(QStringLiteral("ToviMainWindow"));
+    setAcceptDrops(true);
+
+    mpiPanel = new ToviMpiPanel(document);
+    mpiPanel->Create(this, 1);
+    setCentralWidget(mpiPanel);
+
+    treeDock = new QDockWidget(QStringLiteral("ツリー"), this);
+    treeDock->setObjectName(QStringLiteral("treeDock"));
+    treeDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetClosable);
+    treeTabs = new QTabWidget(treeDock);
+    treeTabs->setObjectName(QStringLiteral("treeTabs"));
+    treeTabs->setDocumentMode(true);
+    folderTree = new ToviFolderTreePanel;
+    folderTree->Create(treeTabs, 2);
+    labelTree = new ToviLabelTreePanel;
+    labelTree->Create(treeTabs, 3);
+    treeTabs->addTab(folderTree, QStringLiteral("分類"));
+    treeTabs->addTab(labelTree, QStringLiteral("付箋"));
+    treeDock->setWidget(treeTabs);
+    treeDock->setMinimumWidth(200);
+    addDockWidget(Qt::LeftDockWidgetArea, treeDock);
+    resizeDocks({treeDock}, {280}, Qt::Horizontal);
+    connect(treeTabs, &QTabWidget::currentChanged, this, &ToviMainWindow::ShowTreeTab);
+
+    document->AddPanel(mpiPanel);
+    document->AddPanel(folderTree);
+    document->AddPanel(labelTree);
+    connect(mpiPanel, &ToviMpiPanel::PageChanged, this, &ToviMainWindow::OnPageChanged);
+    connect(document, &ToviViewerDocument::DeliveryOpened, this, [this] {
+        UpdateActions();
+        UpdateTitle();
+    });
+    connect(document, &ToviViewerDocument::DeliveryClosed, this, [this] {
+        OnPageChanged(0, 0);
+        UpdateActions();
+        UpdateTitle();
+    });
+
+    pageLabel = new QLabel(this);
+    pageLabel->setObjectName(QStringLiteral("pageLabel"));
+    pageLabel->setMinimumWidth(pageLabel->fontMetrics().horizontalAdvance(QStringLiteral("000000 / 000000")));
+    pageLabel->setAlignment(Qt::AlignCenter);
+    countLabel = new QLabel(this);
+    statusBar()->addPermanentWidget(countLabel);
+
+    slideTimer.setInterval(kSlideIntervalMs);
+    connect(&slideTimer, &QTimer::timeout, this, &ToviMainWindow::OnSlideTimer);
+
+    CreateActions();
+    CreateMenus();
+    CreateToolBar();
+    LoadFrameSettings();
+    UpdateActions();
+    UpdateTitle();
+    OnPageChanged(0, 0);
+}
+
+ToviMainWindow::~ToviMainWindow() {
+    document->Close(this);
+    for (ToviPanel* panel : {static_cast<ToviPanel*>(mpiPanel), static_cast<ToviPanel*>(folderTree),
+                             static_cast<ToviPanel*>(labelTree)}) {
+        document->RemovePanel(panel);
+    }
+}
+
+// ---- actions and menus ---------------------------------------------------------------------
+
+void ToviMainWindow::CreateActions() {
+    QStyle* s = style();
+    openAction = new QAction(s->standardIcon(QStyle::SP_DirOpenIcon), QStringLiteral("開く(&O)..."), this);
+    openAction->setShortcut(QKeySequence::Open);
+    openAction->setToolTip(QStringLiteral("電子納品のフォルダを開く"));
+    connect(openAction, &QAction::triggered, this, &ToviMainWindow::OnOpen);
+
+    closeAction = new QAction(QStringLiteral("閉じる(&C)"), this);
+    closeAction->setShortcut(QKeySequence::Close);
+    connect(closeAction, &QAction::triggered, this, [this] {
+        if (ConfirmDiscard()) {
+            document->Close(this);
+        }
+    });
+
+    saveRecordAction = new QAction(s->standardIcon(QStyle::SP_DialogSaveButton),
+                                   QStringLiteral("検査状況の保存(&S)..."), this);
+    saveRecordAction->setShortcut(QKeySequence::Save);
+    connect(saveRecordAction, &QAction::triggered, this, &ToviMainWindow::SaveRecord);
+
+    loadRecordAction = new QAction(QStringLiteral("検査状況の読み込み(&L)..."), this);
+    loadRecordAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
+    connect(loadRecordAction, &QAction::triggered, this, [this] { LoadRecord(); });
+
+    reportAction = new QAction(QStringLiteral("検査状況表の出力(&E)..."), this);
+    reportAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    connect(reportAction, &QAction::triggered, this, &ToviMainWindow::OnCheckReport);
+
+    exportAction = new QAction(QStringLiteral("写真の出力(&P)..."), this);
+    exportAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+    connect(exportAction, &QAction::triggered, this, &ToviMainWindow::OnExport);
+
+    quitAction = new QAction(QStringLiteral("終了(&X)"), this);
+    quitAction->setShortcut(QKeySequence::Quit);
+    quitAction->setMenuRole(QAction::QuitRole);
+    connect(quitAction, &QAction::triggered, this, &QWidget::close);
+
+    familyGroup = new QActionGroup(this);
+    for (int i = 0; i < 4; ++i) {
+        QAction* a = familyGroup->addAction(QString::fromUtf8(kFamilyNames[i]));
+        a->setCheckable(true);
+        a->setData(i);
+    }
+    connect(familyGroup, &QActionGroup::triggered, this, [this](QAction* a) {
+        family = static_cast<PhotoXMLType>(a->data().toInt());
+        ToviProfile::Instance().WriteProfileInt(FrameSection_, kFamilyEntry, family + 100);
+        // The open delivery is read again under the family chosen.
+        if (document->IsOpen() && document->Family() != family) {
+            OpenDelivery(document->Folder(), family);
+        }
+    });
+
+    const DivideEntry divides[] = {
+        {ToviPhotoCtrlVisualSetting::Divide1, "1枚表示(&1)", QKeySequence(Qt::ALT | Qt::Key_1)},
+        {ToviPhotoCtrlVisualSetting::Divide2, "2枚表示(&2)", QKeySequence(Qt::ALT | Qt::Key_2)},
+        {ToviPhotoCtrlVisualSetting::Divide3, "3枚表示(&3)", QKeySequence(Qt::ALT | Qt::Key_3)},
+        {ToviPhotoCtrlVisualSetting::Divide4, "4枚表示(&4)", QKeySequence(Qt::ALT | Qt::Key_4)},
+        {ToviPhotoCtrlVisualSetting::Divide6, "6枚表示(&6)", QKeySequence(Qt::ALT | Qt::Key_6)},
+        {ToviPhotoCtrlVisualSetting::DivideThumbList, "サムネイル一覧(&T)", QKeySequence()},
+        {ToviPhotoCtrlVisualSetting::DivideManagementList, "管理項目一覧(&L)", QKeySequence()},
+    };
+    divideGroup = new QActionGroup(this);
+    for (const DivideEntry& d : divides) {
+        QAction* a = divideGroup->addAction(QString::fromUtf8(d.text));
+        a->setCheckable(true);
+        a->setData(d.type);
+        a->setShortcut(d.key);
+    }
+    connect(divideGroup, &QActionGroup::triggered, this,
+            [this](QAction* a) { SetDivideType(a->data().toInt()); });
+
+    const char* const trees[] = {"工種（写真区分から）(&K)", "撮影箇所(&S)", "工種(&W)"};
+    treeGroup = new QActionGroup(this);
+    for (int i = 0; i < 3; ++i) {
+        QAction* a = treeGroup->addAction(QString::fromUtf8(trees[i]));
+        a->setCheckable(true);
+        a->setData(i);
+    }
+    connect(treeGroup, &QActionGroup::triggered, this,
+            [this](QAction* a) { SetTreeType(a->data().toInt()); });
+
+    // Bare PageUp, PageDown and the arrows stay with the panel and the trees; the menu's keys
+    // are the Ctrl forms, which the cells also hand to the panel.
+    firstPageAction = new QAction(s->standardIcon(QStyle::SP_MediaSkipBackward),
+                                  QStringLiteral("最初のページ(&F)"), this);
+    firstPageAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Home));
+    connect(firstPageAction, &QAction::triggered, this, [this] {
+        if (mpiPanel->GetCurrentPage() > 1) {
+            mpiPanel->OperateTopPage();
+        }
+    });
+    prevPageAction = new QAction(s->standardIcon(QStyle::SP_MediaSeekBackward),
+                                 QStringLiteral("前のページ(&P)"), this);
+    prevPageAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageUp));
+    connect(prevPageAction, &QAction::triggered, this, [this] {
+        if (mpiPanel->GetCurrentPage() > 1) {
+            mpiPanel->OperatePrevPage();
+        }
+    });
+    nextPageAction = new QAction(s->standardIcon(QStyle::SP_MediaSeekForward),
+                                 QStringLiteral("次のページ(&N)"), this);
+    nextPageAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageDown));
+    connect(nextPageAction, &QAction::triggered, this, [this] {
+        if (mpiPanel->GetCurrentPage() < mpiPanel->GetTotalPage()) {
+            mpiPanel->OperateNextPage();
+        }
+    });
+    lastPageAction = new QAction(s->standardIcon(QStyle::SP_MediaSkipForward),
+                                 QStringLiteral("最後のページ(&L)"), this);
+    lastPageAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_End));
+    connect(lastPageAction, &QAction::triggered, this, [this] {
+        if (mpiPanel->GetCurrentPage() < mpiPanel->GetTotalPage()) {
+            mpiPanel->OperateLastPage();
+        }
+    });
+    prevPhotoAction = new QAction(QStringLiteral("前の写真(&B)"), this);
+    prevPhotoAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Left));
+    connect(prevPhotoAction, &QAction::triggered, mpiPanel, &ToviMpiPanel::OperatePrevPhoto);
+    nextPhotoAction = new QAction(QStringLiteral("次の写真(&X)"), this);
+    nextPhotoAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Right));
+    connect(nextPhotoAction, &QAction::triggered, mpiPanel, &ToviMpiPanel::OperateNextPhoto);
+
+    slideAction = new QAction(QStringLiteral("スライドショー(&S)"), this);
+    slideAction->setShortcut(QKeySequence(Qt::Key_F5));
+    slideAction->setCheckable(true);
+    connect(slideAction, &QAction::toggled, this, [this](bool on) {
+        if (on != slideShow) {
+            on ? StartSlideShow() : StopSlideShow();
+        }
+    });
+    // Esc ends the show; it means nothing to the window otherwise.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, [this] {
+        if (slideShow) {
+            StopSlideShow();
+        }
+    });
+
+    fullScreenAction = new QAction(QStringLiteral("全画面表示(&U)"), this);
+    fullScreenAction->setShortcut(QKeySequence::FullScreen);
+    fullScreenAction->setCheckable(true);
+    connect(fullScreenAction, &QAction::toggled, this, [this](bool on) {
+        if (on) {
+            wasMaximized = isMaximized();
+            showFullScreen();
+        } else if (wasMaximized) {
+            showMaximized();
+        } else {
+            showNormal();
+        }
+    });
+
+    // F6 moves the keyboard between the tree and the photographs.
+    focusAction = new QAction(QStringLiteral("ツリーと写真の切り替え(&F)"), this);
+    focusAction->setShortcut(QKeySequence(Qt::Key_F6));
+    connect(focusAction, &QAction::triggered, this, [this] {
+        auto* panel = static_cast<ToviPanel*>(treeTabs->currentWidget());
+        QWidget* tree = panel ? panel->GetCtrl() : nullptr;
+        const bool inTree = tree && (tree == QApplication::focusWidget() ||
+                                     tree->isAncestorOf(QApplication::focusWidget()));
+        if (inTree || !treeDock->isVisible()) {
+            if (ToviSpiCtrl* cell = mpiPanel->GetSelSpiCtrl()) {
+                cell->FocusChild(1103);
+            } else {
+                mpiPanel->setFocus();
+            }
+        } else if (tree) {
+            tree->setFocus();
+        }
+    });
+
+    aboutAction = new QAction(QStringLiteral("バージョン情報(&A)"), this);
+    aboutAction->setMenuRole(QAction::AboutRole);
+    connect(aboutAction, &QAction::triggered, this, [this] {
+        ToviUi::Instance().MessageBox(
+            this,
+            QStringLiteral("%1 %2\n電子納品の写真を閲覧・検査するためのビューアーです。")
+                .arg(ToviUi::Instance().ApplicationName(), QApplication::applicationVersion()),
+            QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);
+    });
+}
+
+void ToviMainWindow::CreateMenus() {
+    QMenu* file = menuBar()->addMenu(QStringLiteral("ファイル(&F)"));
+    file->addAction(openAction);
+    recentMenu = file->addMenu(QStringLiteral("最近開いた電子納品(&R)"));
+    QMenu* families = file->addMenu(QStringLiteral("発注者区分(&K)"));
+    families->addActions(familyGroup->actions());
+    file->addAction(closeAction);
+    file->addSeparator();
+    file->addAction(saveRecordAction);
+    file->addAction(loadRecordAction);
+    file->addSeparator();
+    file->addAction(reportAction);
+    file->addAction(exportAction);
+    file->addSeparator();
+    file->addAction(quitAction);
+
+    QMenu* view = menuBar()->addMenu(QStringLiteral("表示(&V)"));
+    QMenu* divides = view->addMenu(QStringLiteral("表示枚数(&D)"));
+    divides->addActions(divideGroup->actions());
+    QMenu* trees = view->addMenu(QStringLiteral("ツリーの種類(&T)"));
+    trees->addActions(treeGroup->actions());
+    QAction* dockToggle = treeDock->toggleViewAction();
+    dockToggle->setText(QStringLiteral("ツリーパネル(&P)"));
+    dockToggle->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+    view->addAction(dockToggle);
+    view->addAction(focusAction);
+    view->addSeparator();
+    view->addAction(slideAction);
+    view->addAction(fullScreenAction);
+
+    QMenu* go = menuBar()->addMenu(QStringLiteral("移動(&G)"));
+    go->addAction(firstPageAction);
+    go->addAction(prevPageAction);
+    go->addAction(nextPageAction);
+    go->addAction(lastPageAction);
+    go->addSeparator();
+    go->addAction(prevPhotoAction);
+    go->addAction(nextPhotoAction);
+
+    QMenu* help = menuBar()->addMenu(QStringLiteral("ヘルプ(&H)"));
+    help->addAction(aboutAction);
+}
+
+void ToviMainWindow::CreateToolBar() {
+    QToolBar* bar = addToolBar(QStringLiteral("標準"));
+    bar->setObjectName(QStringLiteral("mainToolBar"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    bar->addAction(openAction);
+    bar->addAction(saveRecordAction);
+    bar->addSeparator();
+    for (QAction* a : {firstPageAction, prevPageAction}) {
+        bar->addAction(a);
+    }
+    bar->addWidget(pageLabel);
+    for (QAction* a : {nextPageAction, lastPageAction}) {
+        bar->addAction(a);
+    }
+    for (QAction* a : {firstPageAction, prevPageAction, nextPageAction, lastPageAction}) {
+        if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(a))) {
+            button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+            button->setToolTip(QStringLiteral("%1 (%2)").arg(
+                PlainText(a), a->shortcut().toString(QKeySequence::NativeText)));
+        }
+    }
+    bar->addSeparator();
+    for (QAction* a : divideGroup->actions()) {
+        if (a->data().toInt() <= ToviPhotoCtrlVisualSetting::Divide6) {
+            bar->addAction(a);
+            if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(a))) {
+                button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+                button->setText(PlainText(a));
+            }
+        }
+    }
+}
+
+void ToviMainWindow::UpdateActions() {
+    const bool open = document->IsOpen();
+    for (QAction* a : {closeAction, saveRecordAction, loadRecordAction, reportAction, exportAction,
+                       slideAction}) {
+        a->setEnabled(open);
+    }
+    familyGroup->actions().value(family)->setChecked(true);
+    const ToviData* data = document->Data();
+    const int divide = open ? data->GetVisualSetting().GetDivType() : -1;
+    for (QAction* a : divideGroup->actions()) {
+        const bool paged = a->data().toInt() <= ToviPhotoCtrlVisualSetting::Divide6;
+        // The list modes come with the list views.
+        a->setEnabled(open && paged);
+        a->setChecked(a->data().toInt() == divide);
+    }
+    const int tree = open ? data->GetVisualSetting().GetTreeType() : -1;
+    for (QAction* a : treeGroup->actions()) {
+        a->setEnabled(open);
+        a->setChecked(a->data().toInt() == tree);
+    }
+    const int page = mpiPanel->GetCurrentPage();
+    const int total = mpiPanel->GetTotalPage();
+    firstPageAction->setEnabled(open && page > 1);
+    prevPageAction->setEnabled(open && page > 1);
+    nextPageAction->setEnabled(open && page < total);
+    lastPageAction->setEnabled(open && page < total);
+    prevPhotoAction->setEnabled(open && total > 0);
+    nextPhotoAction->setEnabled(open && total > 0);
+}
+
+void ToviMainWindow::UpdateTitle() {
+    const QString name = ToviUi::Instance().ApplicationName();
+    setWindowTitle(document->IsOpen()
+                       ? QStringLiteral("%1 - %2").arg(QDir::toNativeSeparators(document->Folder()), name)
+                       : name);
+    countLabel->setText(document->IsOpen()
+                            ? QStringLiteral("写真 %1 枚").arg(document->Data()->GetTotalCountPhoto())
+                            : QString());
+}
+
+QString ToviMainWindow::PageIndicatorText() const {
+    return pageLabel->text();
+}
+
+void ToviMainWindow::OnPageChanged(int current, int total) {
+    pageLabel->setText(total > 0 ? QStringLiteral("%1 / %2").arg(current).arg(total)
+                                 : QStringLiteral("- / -"));
+    UpdateActions();
+}
+
+// ---- tree tabs -----------------------------------------------------------------------------
+
+void ToviMainWindow::ShowTreeTab(int index) {
+    auto* panel = qobject_cast<ToviPanel*>(treeTabs->widget(index));
+    if (!panel) {
+        return;
+    }
+    if (treeTabs->currentIndex() != index) {
+        // currentChanged comes back here with the same index.
+        treeTabs->setCurrentIndex(index);
+        return;
+    }
+    if (index == shownTab && panel->GetData()) {
+        return;
+    }
+    auto* previous = qobject_cast<ToviPanel*>(treeTabs->widget(shownTab));
+    if (previous && previous != panel) {
+        previous->OnPreVisible();
+    }
+    shownTab = index;
+    panel->OnPreVisible();
+    panel->OnPostVisible();
+}
+
+// ---- opening and closing -------------------------------------------------------------------
+
+bool ToviMainWindow::OpenDelivery(const QString& folder, PhotoXMLType type) {
+    if (!ConfirmDiscard()) {
+        return false;
+    }
+    family = type;
+    const ToviViewerDocument::OpenResult result = document->Open(folder, type, this);
+    if (result != ToviViewerDocument::Opened) {
+        UpdateActions();
+        return false;
+    }
+    recordPath.clear();
+    AddRecent(folder);
+    // A label tree shown at the start makes its label the current set.
+    if (treeTabs->currentIndex() != 0) {
+        labelTree->OnPostVisible();
+    }
+    shownTab = treeTabs->currentIndex();
+    UpdateActions();
+    statusBar()->showMessage(QStringLiteral("%1 を開きました").arg(QDir::toNativeSeparators(folder)),
+                             5000);
+    return true;
+}
+
+void ToviMainWindow::OnOpen() {
+    QString folder = document->IsOpen() ? QFileInfo(document->Folder()).absolutePath()
+                                        : recent.value(0);
+    if (folder.isEmpty()) {
+        folder = QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+    }
+    if (ToviUi::Instance().BrowseForFolder(
+            this, QStringLiteral("電子納品のフォルダ（PHOTO.XML のあるフォルダ）を選択してください"),
+            folder)) {
+        OpenDelivery(folder, family);
+    }
+}
+
+bool ToviMainWindow::ConfirmDiscard() {
+    ToviData* data = document->Data();
+    if (!data || !data->IsCheckStatusChanged()) {
+        return true;
+    }
+    const int answer = ToviUi::Instance().MessageBox(
+        this, QStringLiteral("付箋またはコメントが変更されています。\n検査状況を保存しますか？"),
+        QString(), ToviUi::ButtonsYesNoCancel, ToviUi::IconQuestion);
+    if (answer == ToviUi::AnswerYes) {
+        return SaveRecord();
+    }
+    return answer == ToviUi::AnswerNo;
+}
+
+void ToviMainWindow::closeEvent(QCloseEvent* event) {
+    if (slideShow) {
+        StopSlideShow();
+    }
+    if (!ConfirmDiscard()) {
+        event->ignore();
+        return;
+    }
+    SaveFrameSettings();
+    document->Close(this);
+    if (!ToviProfile::Instance().Flush()) {
+        ToviUi::Instance().MessageBox(
+            this,
+            QStringLiteral("設定を保存できませんでした。\n（%1）")
+                .arg(QDir::toNativeSeparators(ToviProfile::Instance().FileName())),
+            QString(), ToviUi::ButtonsOk, ToviUi::IconWarning);
+    }
+    event->accept();
+}
+
+// ---- the record, the report, the export -----------------------------------------------------
+
+bool ToviMainWindow::SaveRecord() {
+    ToviData* data = document->Data();
+    if (!data) {
+        return false;
+    }
+    const QString proposed = recordPath.isEmpty()
+                                 ? QDir(QFileInfo(document->Folder()).absolutePath())
+                                       .filePath(QStringLiteral("検査状況.xml"))
+                                 : recordPath;
+    const QString path = ToviUi::Instance().GetSaveFileName(
+        this, QStringLiteral("検査状況の保存"), proposed, RecordFilter());
+    if (path.isEmpty()) {
+        return false;
+    }
+    int result = -1;
+    if (!data->SaveExamination(path, QString(), &result)) {
+        ToviUi::Instance().MessageBox(this, ToviExamResultText(result) + QStringLiteral("。"),
+                                      QString(), ToviUi::ButtonsOk,
+                                      result == ExamCancelled ? ToviUi::IconInformation
+                                                              : ToviUi::IconWarning);
+        return false;
+    }
+    recordPath = path;
+    statusBar()->showMessage(QStringLiteral("検査状況を保存しました: %1").arg(QDir::toNativeSeparators(path)),
+                             5000);
+    return true;
+}
+
+bool ToviMainWindow::LoadRecord(const QString& given) {
+    ToviData* data = document->Data();
+    if (!data) {
+        return false;
+    }
+    QString path = given;
+    if (path.isEmpty()) {
+        if (!ConfirmDiscard()) {
+            return false;
+        }
+        path = ToviUi::Instance().GetOpenFileName(
+            this, QStringLiteral("検査状況の読み込み"),
+            recordPath.isEmpty() ? QFileInfo(document->Folder()).absolutePath() : recordPath,
+            RecordFilter());
+        if (path.isEmpty()) {
+            return false;
+        }
+    }
+    int result = -1;
+    if (!data->LoadExamination(path, &result)) {
+        ToviUi::Instance().MessageBox(
+            this,
+            QStringLiteral("%1。\n（%2）").arg(ToviExamResultText(result), QDir::toNativeSeparators(path)),
+            QString(), ToviUi::ButtonsOk, ToviUi::IconWarning);
+        return false;
+    }
+    // What is shown is now what the record holds.
+    data->UpdateHasComment();
+    data->SetCheckStatusChanged(false);
+    document->UpdateAllViews(nullptr, ToviData::HintLabelsChanged, nullptr);
+    recordPath = path;
+    statusBar()->showMessage(QStringLiteral("検査状況を読み込みました: %1").arg(QDir::toNativeSeparators(path)),
+                             5000);
+    return true;
+}
+
+void ToviMainWindow::OnCheckReport() {
+    if (ToviData* data = document->Data()) {
+        data->FileOutCheckStatus(QStringLiteral("検査状況表の出力"));
+    }
+}
+
+void ToviMainWindow::OnExport() {
+    if (ToviData* data = document->Data()) {
+        ToviPhotoExport(*data, this).OutputPhotos(slideShow);
+    }
+}
+
+// ---- display settings ------------------------------------------------------------------------
+
+void ToviMainWindow::SetDivideType(int type) {
+    ToviData* data = document->Data();
+    if (!data || type < ToviPhotoCtrlVisualSetting::Divide1 ||
+        type > ToviPhotoCtrlVisualSetting::Divide6) {
+        UpdateActions();
+        return;
+    }
+    ToviPhotoCtrlVisualSetting setting = data->GetVisualSetting();
+    setting.SetDivType(static_cast<ToviPhotoCtrlVisualSetting::DivideType>(type));
+    data->SetVisualSetting(setting, false);
+    document->UpdateAllViews(nullptr, ToviData::HintSettingsChanged, nullptr);
+    UpdateActions();
+}
+
+void ToviMainWindow::SetTreeType(int type) {
+    ToviData* data = document->Data();
+    if (!data || type < 0 || type > 2 || data->GetVisualSetting().GetTreeType() == type) {
+        UpdateActions();
+        return;
+    }
+    ToviPhotoCtrlVisualSetting setting = data->GetVisualSetting();
+    setting.SetTreeType(static_cast<ToviPhotoCtrlVisualSetting::TreeType>(type));
+    data->SetVisualSetting(setting, false);
+    data->BuildTreeNode(type);
+    document->UpdateAllViews(nullptr, ToviData::HintSettingsChanged, nullptr);
+    UpdateActions();
+}
+
+// ---- slide show ----------------------------------------------------------------------------
+
+void ToviMainWindow::StartSlideShow() {
+    if (!document->IsOpen() || slideShow) {
+        slideAction->setChecked(slideShow);
+        return;
+    }
+    slideShow = true;
+    slideAction->setChecked(true);
+    wasMaximized = isMaximized();
+    treeDock->hide();
+    menuBar()->hide();
+    for (QToolBar* bar : findChildren<QToolBar*>()) {
+        bar->hide();
+    }
+    statusBar()->hide();
+    showFullScreen();
+    slideTimer.start();
+    mpiPanel->setFocus();
+}
+
+void ToviMainWindow::StopSlideShow() {
+    if (!slideShow) {
+        return;
+    }
+    slideShow = false;
+    slideTimer.stop();
+    slideAction->setChecked(false);
+    menuBar()->show();
+    for (QToolBar* bar : findChildren<QToolBar*>()) {
+        bar->show();
+    }
+    statusBar()->show();
+    treeDock->show();
+    fullScreenAction->setChecked(false);
+    if (wasMaximized) {
+        showMaximized();
+    } else {
+        showNormal();
+    }
+}
+
+void ToviMainWindow::OnSlideTimer() {
+    ToviData* data = document->Data();
+    if (!data || data->GetCurrentPhotoCount() == 0) {
+        StopSlideShow();
+        return;
+    }
+    // The show goes page by page and starts again after the last.
+    if (mpiPanel->GetCurrentPage() < mpiPanel->GetTotalPage()) {
+        mpiPanel->OperateNextPage();
+    } else if (mpiPanel->GetTotalPage() > 1) {
+        mpiPanel->OperateTopPage();
+    }
+}
+
+// ---- recent deliveries, drops, frame settings ------------------------------------------------
+
+void ToviMainWindow::AddRecent(const QString& folder) {
+    const QString path = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    recent.removeAll(path);
+    recent.prepend(path);
+    while (recent.size() > kRecentCount) {
+        recent.removeLast();
+    }
+    ToviProfile& profile = ToviProfile::Instance();
+    for (int i = 0; i < kRecentCount; ++i) {
+        profile.WriteProfileString(RecentSection_, QStringLiteral("Folder%1").arg(i),
+                                   recent.value(i, kUnset));
+    }
+    RebuildRecentMenu();
+}
+
+void ToviMainWindow::RebuildRecentMenu() {
+    recentMenu->clear();
+    for (int i = 0; i < recent.size(); ++i) {
+        const QString path = recent[i];
+        QAction* a = recentMenu->addAction(
+            QStringLiteral("&%1 %2").arg(i + 1).arg(QDir::toNativeSeparators(path)));
+        connect(a, &QAction::triggered, this, [this, path] { OpenDelivery(path, family); });
+    }
+    recentMenu->setEnabled(!recent.isEmpty());
+}
+
+QString ToviMainWindow::DroppedFolder(const QMimeData* mime) {
+    if (!mime || !mime->hasUrls() || mime->urls().size() != 1 || !mime->urls()[0].isLocalFile()) {
+        return QString();
+    }
+    const QFileInfo info(mime->urls()[0].toLocalFile());
+    // A dropped PHOTO.XML stands for its folder.
+    if (info.isFile() && info.fileName().compare(QStringLiteral("PHOTO.XML"), Qt::CaseInsensitive) == 0) {
+        return info.absolutePath();
+    }
+    return info.isDir() ? info.absoluteFilePath() : QString();
+}
+
+void ToviMainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!slideShow && !DroppedFolder(event->mimeData()).isEmpty()) {
+        event->acceptProposedAction();
+    }
+}
+
+void ToviMainWindow::dropEvent(QDropEvent* event) {
+    const QString folder = DroppedFolder(event->mimeData());
+    if (folder.isEmpty()) {
+        return;
+    }
+    event->acceptProposedAction();
+    // Opening runs a progress loop: not inside the drop's own event.
+    QTimer::singleShot(0, this, [this, folder] { OpenDelivery(folder, family); });
+}
+
+void ToviMainWindow::LoadFrameSettings() {
+    ToviProfile& profile = ToviProfile::Instance();
+    family = static_cast<PhotoXMLType>(std::clamp(ReadInt(FrameSection_, kFamilyEntry, 0), 0, 3));
+    recent.clear();
+    for (int i = 0; i < kRecentCount; ++i) {
+        const QString path = profile.GetProfileString(RecentSection_, QStringLiteral("Folder%1").arg(i), kUnset);
+        if (!path.isEmpty() && path != kUnset && !recent.contains(path)) {
+            recent.append(path);
+        }
+    }
+    RebuildRecentMenu();
+    const QByteArray geometry = QByteArray::fromBase64(
+        profile.GetProfileString(FrameSection_, kGeometryEntry, kUnset).toLatin1());
+    if (geometry.isEmpty() || !restoreGeometry(geometry)) {
+        resize(1280, 720);
+    }
+    restoreState(QByteArray::fromBase64(profile.GetProfileString(FrameSection_, kStateEntry, kUnset).toLatin1()));
+    const int tab = std::clamp(ReadInt(FrameSection_, kTabEntry, 0), 0, 1);
+    const QSignalBlocker blocker(treeTabs);
+    treeTabs->setCurrentIndex(tab);
+    shownTab = tab;
+}
+
+void ToviMainWindow::SaveFrameSettings() {
+    ToviProfile& profile = ToviProfile::Instance();
+    profile.WriteProfileString(FrameSection_, kGeometryEntry, QString::fromLatin1(saveGeometry().toBase64()));
+    profile.WriteProfileString(FrameSection_, kStateEntry, QString::fromLatin1(saveState().toBase64()));
+    profile.WriteProfileInt(FrameSection_, kTabEntry, treeTabs->currentIndex() + 100);
+    profile.WriteProfileInt(FrameSection_, kFamilyEntry, family + 100);
+}

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "app/ToviViewerDocument.h"
+
+#include <QMainWindow>
+#include <QStringList>
+#include <QTimer>
+
+class QAction;
+class QActionGroup;
+class QLabel;
+class QDockWidget;
+class QMenu;
+class QMimeData;
+class QTabWidget;
+class ToviFolderTreePanel;
+class ToviLabelTreePanel;
+class ToviMpiPanel;
+class ToviPanel;
+
+// The viewer's main window: the multi-photo panel in the centre, the classification tree and
+// the label tree as two tabs of one dock, the menus and tool bar, the page indicator, the
+// recent deliveries, and the slide show.
+class ToviMainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    static const QString FrameSection_;     // "MainFrame"
+    static const QString RecentSection_;    // "RecentDelivery"
+    static constexpr int kRecentCount = 8;
+    static constexpr int kSlideIntervalMs = 3000;
+
+    explicit ToviMainWindow(QWidget* parent = nullptr);
+    ~ToviMainWindow() override;
+
+    // Opens a delivery (its folder or its PHOTO folder), asking first about unsaved labels
+    // and comments of the one open now. True when it is open.
+    bool OpenDelivery(const QString& folder, PhotoXMLType family);
+    // The record commands; each tells its outcome in one message.
+    bool SaveRecord();
+    bool LoadRecord(const QString& path = QString());
+    // Asks whether unsaved labels and comments are to be saved: false when the user
+    // cancelled, or chose to save and the save did not happen.
+    bool ConfirmDiscard();
+    void SetDivideType(int type);
+    void SetTreeType(int type);
+    void StartSlideShow();
+    void StopSlideShow();
+    bool IsSlideShow() const { return slideShow; }
+    // Tab 0 the classification tree, 1 the labels, with the panels' visibility calls.
+    void ShowTreeTab(int index);
+
+    ToviViewerDocument* Document() const { return document; }
+    ToviMpiPanel* MpiPanel() const { return mpiPanel; }
+    ToviFolderTreePanel* FolderTree() const { return folderTree; }
+    ToviLabelTreePanel* LabelTree() const { return labelTree; }
+    QTabWidget* TreeTabs() const { return treeTabs; }
+    QString PageIndicatorText() const;
+    QStringList RecentDeliveries() const { return recent; }
+    PhotoXMLType Family() const { return family; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void CreateActions();
+    void CreateMenus();
+    void CreateToolBar();
+    void UpdateActions();
+    void UpdateTitle();
+    void OnPageChanged(int current, int total);
+    void OnOpen();
+    void OnCheckReport();
+    void OnExport();
+    void OnSlideTimer();
+    void AddRecent(const QString& folder);
+    void RebuildRecentMenu();
+    void LoadFrameSettings();
+    void SaveFrameSettings();
+    static QString DroppedFolder(const QMimeData* mime);
+
+    ToviViewerDocument* document;
+    ToviMpiPanel* mpiPanel;
+    QDockWidget* treeDock;
+    QTabWidget* treeTabs;
+    ToviFolderTreePanel* folderTree;
+    ToviLabelTreePanel* labelTree;
+    int shownTab = 0;
+    QLabel* pageLabel;
+    QLabel* countLabel;
+    PhotoXMLType family = PhotoXMLMlit;
+    QStringList recent;
+    QString recordPath;
+    bool slideShow = false;
+    bool wasMaximized = false;
+    QTimer slideTimer;
+
+    QAction* openAction;
+    QAction* closeAction;
+    QAction* saveRecordAction;
+    QAction* loadRecordAction;
+    QAction* reportAction;
+    QAction* exportAction;
+    QAction* quitAction;
+    QActionGroup* familyGroup;
+    QActionGroup* divideGroup;
+    QActionGroup* treeGroup;
+    QAction* firstPageAction;
+    QAction* prevPageAction;
+    QAction* nextPageAction;
+    QAction* lastPageAction;
+    QAction* prevPhotoAction;
+    QAction* nextPhotoAction;
+    QAction* slideAction;
+    QAction* fullScreenAction;
+    QAction* focusAction;
+    QAction* aboutAction;
+    QMenu* recentMenu;
+};

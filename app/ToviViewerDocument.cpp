@@ -1,0 +1,234 @@
+#include "app/ToviViewerDocument.h"
+
+#include "document/ToviData.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "panels/ToviPanel.h"
+#include "platform/Cp932.h"
+#include "platform/MibFile.h"
+#include "platform/ToviUi.h"
+#include "reports/ToviProgressDlg.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+
+#include <QByteArrayMatcher>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+// The photographs a PHOTO.XML names, counted by their file-name tags without parsing, so
+// that the load's progress has a range. Either encoding a delivery may be written in.
+int CountPhotoTags(const QString& xmlPath) {
+    QFile file(xmlPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    const qint64 size = file.size();
+    uchar* mapped = size > 0 ? file.map(0, size) : nullptr;
+    if (!mapped) {
+        return 0;
+    }
+    const auto* bytes = reinterpret_cast<const char*>(mapped);
+    const QString tag = QStringLiteral("<写真ファイル名>");
+    int best = 0;
+    for (const QByteArray& pattern : {Cp932::FromUnicode(tag), tag.toUtf8()}) {
+        const QByteArrayMatcher matcher(pattern);
+        int count = 0;
+        for (qsizetype at = matcher.indexIn(bytes, size, 0); at >= 0;
+             at = matcher.indexIn(bytes, size, at + pattern.size())) {
+            ++count;
+        }
+        best = std::max(best, count);
+    }
+    file.unmap(mapped);
+    return best;
+}
+
+// The load's progress window: the factory reports every 50 photographs with a text that
+// carries the count so far.
+struct LoadProgress {
+    ToviProgressDlg* dialog;
+    int loaded = 0;
+    bool cancelled = false;
+};
+
+bool OnLoadProgress(const ToviDataFactory*, const ToviData*, const QString& text, void* arg) {
+    auto* progress = static_cast<LoadProgress*>(arg);
+    progress->loaded += 50;
+    progress->dialog->SetPos(progress->loaded);
+    progress->dialog->SetMessage(text);
+    // A load can't be stopped halfway: a cancel is remembered and the document dropped after.
+    progress->cancelled = progress->dialog->GetCancel() || progress->cancelled;
+    return true;
+}
+
+}  // namespace
+
+ToviViewerDocument::ToviViewerDocument(QObject* parent) : QObject(parent) {}
+
+ToviViewerDocument::~ToviViewerDocument() {
+    Close();
+}
+
+void ToviViewerDocument::AddPanel(ToviPanel* panel) {
+    if (std::find(panels.begin(), panels.end(), panel) == panels.end()) {
+        panels.push_back(panel);
+    }
+}
+
+void ToviViewerDocument::RemovePanel(ToviPanel* panel) {
+    panels.erase(std::remove(panels.begin(), panels.end(), panel), panels.end());
+}
+
+void ToviViewerDocument::UpdateAllViews(QWidget* sender, int hint, QObject* object) {
+    // A panel's reaction may broadcast again: walk a copy.
+    const std::vector<ToviPanel*> now = panels;
+    for (ToviPanel* panel : now) {
+        if (panel != sender) {
+            panel->OnUpdate(sender, static_cast<ToviData::UpdateHint>(hint), object);
+        }
+    }
+}
+
+QString ToviViewerDocument::PhotoFolderOf(const QString& folder) {
+    if (folder.isEmpty() || !QFileInfo(folder).isDir()) {
+        return QString();
+    }
+    const QString path = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    if (MibIsFileExist(MibResolveCase(path, QStringLiteral("PHOTO.XML")))) {
+        return path;
+    }
+    const QString child = MibResolveCase(path, QStringLiteral("PHOTO"));
+    if (QFileInfo(child).isDir() &&
+        MibIsFileExist(MibResolveCase(child, QStringLiteral("PHOTO.XML")))) {
+        return child;
+    }
+    return QString();
+}
+
+void ToviViewerDocument::Tell(QWidget* window, const QString& text, int icon) const {
+    ToviUi::Instance().MessageBox(window, text, QString(), ToviUi::ButtonsOk,
+                                  static_cast<ToviUi::Icon>(icon));
+}
+
+ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested,
+                                                        PhotoXMLType type, QWidget* window) {
+    const QString photoFolder = PhotoFolderOf(requested);
+    if (photoFolder.isEmpty()) {
+        Tell(window,
+             QFileInfo(requested).isDir()
+                 ? QStringLiteral("フォルダ %1 は電子納品のフォルダではありません。\n"
+                                  "PHOTO.XML のあるフォルダを指定してください。")
+                       .arg(QDir::toNativeSeparators(requested))
+                 : QStringLiteral("フォルダ %1 がありません。").arg(QDir::toNativeSeparators(requested)),
+             ToviUi::IconWarning);
+        return Failed;
+    }
+
+    auto newFactory = std::make_unique<ToviEnouDataFactory>();
+    newFactory->Async(true);
+    std::unique_ptr<ToviData> newData;
+    try {
+        newData = newFactory->Create(this, photoFolder, type);
+    } catch (const std::out_of_range&) {
+        // Only a READITEM.XML whose steps don't balance walks off the end of its list.
+        Tell(window, QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
+             ToviUi::IconError);
+        return Failed;
+    }
+    if (!newData) {
+        Tell(window, QStringLiteral("PHOTO.XML を読み込めません。"), ToviUi::IconError);
+        return Failed;
+    }
+    if (newData->GetErrorType() != ReadErrNone) {
+        Tell(window, newFactory->GetErrorTypeText(*newData) + QStringLiteral("。"),
+             ToviUi::IconError);
+        return Failed;
+    }
+
+    bool loaded = false;
+    bool cancelled = false;
+    {
+        ToviProgressDlg dialog(false, window);
+        dialog.SetCancelBtnEnabled(true);
+        dialog.Create(window);
+        dialog.SetCaption(QStringLiteral("電子納品を開いています"));
+        dialog.SetRange(0, std::max(1, CountPhotoTags(MibResolveCase(photoFolder, QStringLiteral("PHOTO.XML")))));
+        dialog.SetPos(0);
+        dialog.SetMessage(QStringLiteral("写真データの読み込み中..."));
+        LoadProgress progress{&dialog};
+        try {
+            loaded = newFactory->Load(OnLoadProgress, &progress);
+        } catch (const std::out_of_range&) {
+            loaded = false;
+        }
+        cancelled = progress.cancelled || dialog.GetCancel();
+        dialog.DestroyWindow();
+    }
+    if (cancelled) {
+        return Cancelled;
+    }
+    if (!loaded) {
+        const QString why = newFactory->GetLoadError();
+        Tell(window,
+             why.isEmpty() ? QStringLiteral("PHOTO.XML を読み込めません。")
+                           : QStringLiteral("PHOTO.XML を読み込めません。\n%1").arg(why),
+             ToviUi::IconError);
+        return Failed;
+    }
+    if (newData->GetErrorType() == ReadErrNoPhotos) {
+        Tell(window,
+             QStringLiteral("PHOTO.XML に写真がありません。\n（%1）")
+                 .arg(QDir::toNativeSeparators(photoFolder)),
+             ToviUi::IconInformation);
+        return Failed;
+    }
+
+    // The one open now goes first: its settings write themselves back before the new
+    // document reads them, and its combine work area is removed before a new one is made.
+    Close(window);
+    // A failed combine has told why and removed its work area.
+    if (!newFactory->StartCombineProc(photoFolder, newData.get(), true, window)) {
+        return Failed;
+    }
+    newData->Load();
+    // The list modes are not shown by this viewer yet: a stored list mode opens as four
+    // photographs a page.
+    if (newData->GetVisualSetting().GetDivType() > ToviPhotoCtrlVisualSetting::Divide6) {
+        ToviPhotoCtrlVisualSetting setting = newData->GetVisualSetting();
+        setting.SetDivType(ToviPhotoCtrlVisualSetting::Divide4);
+        newData->SetVisualSetting(setting, false);
+    }
+    newData->BuildTreeNode(newData->GetVisualSetting().GetTreeType());
+    factory = std::move(newFactory);
+    data = std::move(newData);
+    folder = photoFolder;
+    family = type;
+    for (ToviPanel* panel : panels) {
+        panel->Attach(data.get());
+    }
+    UpdateAllViews(nullptr, ToviData::HintInitialize, nullptr);
+    emit DeliveryOpened();
+    return Opened;
+}
+
+void ToviViewerDocument::Close(QWidget* window) {
+    if (!data) {
+        return;
+    }
+    UpdateAllViews(nullptr, ToviData::HintDetach, nullptr);
+    for (ToviPanel* panel : panels) {
+        panel->Detach();
+    }
+    data.reset();
+    if (factory && !factory->CombineFolder().isEmpty() &&
+        factory->GetDataFolderPath() == factory->CombinePhotoFolder()) {
+        factory->DeleteTempData(window);
+    }
+    factory.reset();
+    folder.clear();
+    emit DeliveryClosed();
+}
