@@ -75,7 +75,7 @@ ToviViewerDocument::~ToviViewerDocument() {
 
 void ToviViewerDocument::AddPanel(ToviPanel* panel) {
     if (std::find(panels.begin(), panels.end(), panel) == panels.end()) {
-        panels.push_back(panel);
+        panels.emplace_back(panel);
     }
 }
 
@@ -85,9 +85,9 @@ void ToviViewerDocument::RemovePanel(ToviPanel* panel) {
 
 void ToviViewerDocument::UpdateAllViews(QWidget* sender, int hint, QObject* object) {
     // A panel's reaction may broadcast again: walk a copy.
-    const std::vector<ToviPanel*> now = panels;
-    for (ToviPanel* panel : now) {
-        if (panel != sender) {
+    const std::vector<QPointer<ToviPanel>> now = panels;
+    for (const QPointer<ToviPanel>& panel : now) {
+        if (panel && panel != sender) {
             panel->OnUpdate(sender, static_cast<ToviData::UpdateHint>(hint), object);
         }
     }
@@ -207,8 +207,10 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
     data = std::move(newData);
     folder = photoFolder;
     family = type;
-    for (ToviPanel* panel : panels) {
-        panel->Attach(data.get());
+    for (const QPointer<ToviPanel>& panel : panels) {
+        if (panel) {
+            panel->Attach(data.get());
+        }
     }
     UpdateAllViews(nullptr, ToviData::HintInitialize, nullptr);
     emit DeliveryOpened();
@@ -220,8 +222,10 @@ void ToviViewerDocument::Close(QWidget* window) {
         return;
     }
     UpdateAllViews(nullptr, ToviData::HintDetach, nullptr);
-    for (ToviPanel* panel : panels) {
-        panel->Detach();
+    for (const QPointer<ToviPanel>& panel : panels) {
+        if (panel) {
+            panel->Detach();
+        }
     }
     data.reset();
     if (factory && !factory->CombineFolder().isEmpty() &&

@@ -2,8 +2,10 @@
 
 #include "document/ToviHostDocument.h"
 #include "loading/ToviItemDef.h"
+#include "panels/ToviPanel.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <memory>
@@ -12,7 +14,6 @@
 class QWidget;
 class ToviData;
 class ToviEnouDataFactory;
-class ToviPanel;
 
 // The viewer's side of a delivery: owns the open document and the factory that made it,
 // forwards every update hint to every panel, and runs the start and stop of a delivery.
@@ -58,7 +59,8 @@ signals:
 private:
     void Tell(QWidget* window, const QString& text, int icon) const;
 
-    std::vector<ToviPanel*> panels;
+    // Guarded: a panel destroyed while registered is passed over.
+    std::vector<QPointer<ToviPanel>> panels;
     std::unique_ptr<ToviEnouDataFactory> factory;
     std::unique_ptr<ToviData> data;
     QString folder;
