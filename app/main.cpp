@@ -42,30 +42,31 @@ public:
     }
 };
 
-// Waits for the first page's pictures (then a moment for the whole pictures that follow the
-// thumbnails), writes the window's picture and quits with 0, or 1 when it could not be written.
-// A page that never settles is taken as it is after the time limit.
+// Waits for the first page's thumbnails and then for its whole pictures, writes the window's picture and quits with 0, or 1 when it could not be written. A
+// page that has not settled within a minute is taken as it is.
 void TakeScreenshot(ToviMainWindow& window, const QString& path) {
     static bool taken = false;
-    auto take = [&window, path] {
+    auto write = [&window, path] {
         if (taken) {
             return;
         }
         taken = true;
-        QTimer::singleShot(400, &window, [&window, path] {
-            const bool saved = window.grab().save(path);
-            if (!saved) {
-                PrintError(QStringLiteral("tovi-viewer: 画像 %1 を書き込めません")
-                               .arg(QDir::toNativeSeparators(path)));
-            }
-            QCoreApplication::exit(saved ? 0 : 1);
-        });
+        const bool saved = window.grab().save(path);
+        if (!saved) {
+            PrintError(QStringLiteral("tovi-viewer: 画像 %1 を書き込めません")
+                           .arg(QDir::toNativeSeparators(path)));
+        }
+        QCoreApplication::exit(saved ? 0 : 1);
     };
-    QObject::connect(window.MpiPanel(), &ToviMpiPanel::PageShown, &window, take);
-    QTimer::singleShot(60000, &window, take);
-    if (window.MpiPanel()->IsPageShown()) {
-        take();
-    }
+    auto poll = new QTimer(&window);
+    poll->setInterval(20);
+    QObject::connect(poll, &QTimer::timeout, &window, [&window, write] {
+        if (window.MpiPanel()->IsPageShown() && window.MpiPanel()->IsPageComplete()) {
+            write();
+        }
+    });
+    poll->start();
+    QTimer::singleShot(60000, &window, write);
 }
 
 }  // namespace

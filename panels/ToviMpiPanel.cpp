@@ -94,6 +94,15 @@ bool ToviMpiPanel::IsPageShown() const {
     return true;
 }
 
+bool ToviMpiPanel::IsPageComplete() const {
+    for (const ToviSpiCtrl* cell : spiCtrls) {
+        if (!cell->IsFullShown()) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void ToviMpiPanel::OnPictureShown() {
     if (IsPageShown()) {
         emit PageShown();

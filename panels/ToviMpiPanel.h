@@ -59,6 +59,8 @@ public:
     bool IsPagedMode() const;
     // Every cell of the page has its first picture (or its fail plate) on screen.
     bool IsPageShown() const;
+    // Every cell of the page has its whole picture (or its fail plate) on screen.
+    bool IsPageComplete() const;
     const std::vector<ToviSpiCtrl*>& Cells() const { return spiCtrls; }
 
     // The page arithmetic and the layout, open to the host and the tests.

@@ -49,6 +49,9 @@ public:
     // Whether the photograph set last has anything on screen yet: its thumbnail, its whole
     // picture or the fail plate. An empty cell counts as shown.
     bool IsPictureShown() const { return pictureShown || photoIndex < 0 || !Photo(); }
+    // Whether the whole picture (or the fail plate) is on screen: the second loading stage
+    // is over.
+    bool IsFullShown() const { return fullShown || !imageOk || photoIndex < 0 || !Photo(); }
     // Slide mode refuses the comment button.
     void SetSlideMode(bool on) { slideMode = on; }
     // True when the comment strip above the picture is due.

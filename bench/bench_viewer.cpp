@@ -1,0 +1,301 @@
+// The viewer on a delivery of 100,000 photographs (国交省-20), on the offscreen platform.
+// Every photograph has an image file: 60 distinct 1600 x 1200 JPEGs with a 160 x 120 Exif
+// thumbnail, hard-linked under the 100,000 names, so each page decodes files it has not seen
+// (the loader's cache is keyed by path) while the disk holds only 60 pictures.
+//
+//   BM_ProcessStartToPicture  tovi-viewer started as a process until it has written its
+//                             picture: the first page's thumbnails, then its whole 1600 x 1200
+//                             pictures, then the PNG (an upper bound of start to thumbnails)
+//   BM_ProcessStartAndExit    tovi-viewer --version: what starting a process costs
+//   BM_OpenToFirstPage        in the process: a new main window opening the delivery until the
+//                             first page's thumbnails are on screen and painted
+//   BM_PageChangeSix          the next page in six-photo mode until its thumbnails are on
+//                             screen and painted
+//   BM_SelectRootSorted       a click on the tree's root, with sorting by 撮影年月日 on,
+//                             until the first page is on screen and painted
+//   BM_PeakAfter500Pages      the process's peak memory after paging through 500 pages
+
+#include "app/ToviMainWindow.h"
+#include "document/ToviData.h"
+#include "extraction/ToviSortCondition.h"
+#include "panels/ToviFolderTreePanel.h"
+#include "panels/ToviMpiPanel.h"
+#include "platform/Cp932.h"
+#include "platform/ToviProfile.h"
+#include "tests/support/DeliveryWriter.h"
+#include "tests/support/ExifJpegWriter.h"
+#include "tests/support/ScriptedUi.h"
+#include "tests/support/WorkArea.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <memory>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kPhotos = 100000;
+constexpr int kDistinctImages = 60;
+
+QTemporaryDir& Temp() {
+    static QTemporaryDir dir;
+    return dir;
+}
+
+double PeakMB() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+// The delivery's PHOTO folder, written once.
+QString Delivery() {
+    static const QString folder = [] {
+        DeliveryOptions options;
+        options.photoCount = kPhotos;
+        options.images = DeliveryOptions::Images::None;
+        options.seed = 7;
+        QString error;
+        const QString root = Temp().filePath(QStringLiteral("d"));
+        if (!WriteDelivery(root, options, nullptr, &error)) {
+            qFatal("cannot write the delivery: %s", qPrintable(error));
+        }
+        const QString photo = root + QStringLiteral("/INDEX_C/PHOTO");
+        QDir().mkpath(photo + QStringLiteral("/PIC"));
+        QStringList pictures;
+        for (int i = 0; i < kDistinctImages; ++i) {
+            QImage image(1600, 1200, QImage::Format_RGB32);
+            image.fill(QColor::fromHsv(i * 6, 120, 200));
+            QPainter painter(&image);
+            painter.setPen(Qt::black);
+            painter.setFont(QFont(QStringLiteral("IPAGothic"), 120));
+            painter.drawText(image.rect(), Qt::AlignCenter, QString::number(i));
+            painter.end();
+            ExifFacts facts;
+            facts.dateTimeOriginal = QDateTime(QDate(2024, 4, 1), QTime(9, 0));
+            const QString path = Temp().filePath(QStringLiteral("image%1.jpg").arg(i));
+            if (!WriteExifJpeg(path, image, facts)) {
+                qFatal("cannot write %s", qPrintable(path));
+            }
+            pictures.append(path);
+        }
+        // The file names PHOTO.XML gives, in order.
+        QFile xml(photo + QStringLiteral("/PHOTO.XML"));
+        if (!xml.open(QIODevice::ReadOnly)) {
+            qFatal("no PHOTO.XML");
+        }
+        const QString text = Cp932::ToUnicode(xml.readAll());
+        static const QRegularExpression name(QStringLiteral("<写真ファイル名>([^<]+)</写真ファイル名>"));
+        int n = 0;
+        for (auto it = name.globalMatch(text); it.hasNext(); ++n) {
+            const QString target = photo + QStringLiteral("/PIC/") + it.next().captured(1);
+            const QByteArray from = QFile::encodeName(pictures[n % kDistinctImages]);
+            if (::link(from.constData(), QFile::encodeName(target).constData()) != 0) {
+                qFatal("cannot link %s", qPrintable(target));
+            }
+        }
+        return photo;
+    }();
+    return folder;
+}
+
+// Runs the event loop until the panel's page has its pictures, then paints the window.
+bool WaitForPage(ToviMainWindow& window) {
+    ToviMpiPanel* panel = window.MpiPanel();
+    if (!panel->IsPageShown()) {
+        QEventLoop loop;
+        QObject::connect(panel, &ToviMpiPanel::PageShown, &loop, &QEventLoop::quit);
+        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    window.repaint();
+    return panel->IsPageShown();
+}
+
+// One window on the delivery in six-photo mode, kept for the in-process benchmarks and
+// closed before the application goes.
+std::unique_ptr<ToviMainWindow> window;
+
+ToviMainWindow& Window() {
+    if (!window) {
+        window = [] {
+        const QString folder = Delivery();
+        auto made = std::make_unique<ToviMainWindow>();
+        made->resize(1366, 768);
+        made->show();
+        if (!made->OpenDelivery(folder, PhotoXMLMlit)) {
+            qFatal("the delivery did not open");
+        }
+        made->SetDivideType(ToviPhotoCtrlVisualSetting::Divide6);
+        WaitForPage(*made);
+        return made;
+        }();
+    }
+    return *window;
+}
+
+QProcessEnvironment ViewerEnvironment() {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    // Nothing of the user's: settings and work folder in the benchmark's own folder.
+    const QString home = Temp().filePath(QStringLiteral("home"));
+    QDir().mkpath(home);
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
+        env.insert(QString::fromLatin1(name), home);
+    }
+    return env;
+}
+
+void BM_ProcessStartToPicture(benchmark::State& state) {
+    const QString folder = Delivery();
+    const QString shot = Temp().filePath(QStringLiteral("shot.png"));
+    for (auto _ : state) {
+        QProcess viewer;
+        viewer.setProcessEnvironment(ViewerEnvironment());
+        viewer.start(QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-viewer"),
+                     {folder, QStringLiteral("--size"), QStringLiteral("1366x768"),
+                      QStringLiteral("--screenshot"), shot, QStringLiteral("--profile"),
+                      Temp().filePath(QStringLiteral("viewer.ini"))});
+        if (!viewer.waitForFinished(120000) || viewer.exitCode() != 0) {
+            state.SkipWithError("tovi-viewer did not write its picture");
+            return;
+        }
+    }
+}
+
+void BM_ProcessStartAndExit(benchmark::State& state) {
+    for (auto _ : state) {
+        QProcess viewer;
+        viewer.setProcessEnvironment(ViewerEnvironment());
+        viewer.start(QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-viewer"),
+                     {QStringLiteral("--version")});
+        if (!viewer.waitForFinished(60000) || viewer.exitCode() != 0) {
+            state.SkipWithError("tovi-viewer did not start");
+            return;
+        }
+    }
+}
+
+void BM_OpenToFirstPage(benchmark::State& state) {
+    const QString folder = Delivery();
+    for (auto _ : state) {
+        ToviMainWindow opened;
+        opened.resize(1366, 768);
+        opened.show();
+        if (!opened.OpenDelivery(folder, PhotoXMLMlit) || !WaitForPage(opened)) {
+            state.SkipWithError("the delivery did not open");
+            return;
+        }
+        state.PauseTiming();
+        opened.Document()->Close();
+        state.ResumeTiming();
+    }
+}
+
+void BM_PageChangeSix(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    ToviMpiPanel* panel = window.MpiPanel();
+    for (auto _ : state) {
+        if (panel->GetCurrentPage() >= panel->GetTotalPage()) {
+            panel->OperateTopPage();
+        } else {
+            panel->OperateNextPage();
+        }
+        if (!WaitForPage(window)) {
+            state.SkipWithError("the page's pictures did not come");
+            return;
+        }
+    }
+    state.counters["page"] = panel->GetCurrentPage();
+}
+
+void BM_SelectRootSorted(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    ToviData* data = window.Document()->Data();
+    ToviSortCondition sort = data->GetSortCondition();
+    sort.ExecSort(true);
+    sort.SetKeyItem(QStringLiteral("撮影年月日"));
+    data->SetSortCondition(sort);
+    QTreeWidget* tree = window.FolderTree()->GetTreeCtrl();
+    QTreeWidgetItem* root = tree->topLevelItem(0);
+    QTreeWidgetItem* leaf = root;
+    while (leaf->childCount() > 0) {
+        leaf = leaf->child(0);
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        tree->setCurrentItem(leaf);
+        WaitForPage(window);
+        state.ResumeTiming();
+        tree->setCurrentItem(root);
+        if (!WaitForPage(window)) {
+            state.SkipWithError("the page's pictures did not come");
+            return;
+        }
+    }
+    state.counters["photos"] = data->GetCurrentPhotoCount();
+}
+
+void BM_PeakAfter500Pages(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    ToviMpiPanel* panel = window.MpiPanel();
+    for (auto _ : state) {
+        panel->OperateTopPage();
+        WaitForPage(window);
+        for (int i = 0; i < 500; ++i) {
+            panel->OperateNextPage();
+            if (!WaitForPage(window)) {
+                state.SkipWithError("the page's pictures did not come");
+                return;
+            }
+        }
+    }
+    state.counters["peak_MB"] = PeakMB();
+}
+
+}  // namespace
+
+BENCHMARK(BM_ProcessStartToPicture)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_ProcessStartAndExit)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(BM_OpenToFirstPage)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_PageChangeSix)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SelectRootSorted)->Unit(benchmark::kMillisecond)->Iterations(10);
+BENCHMARK(BM_PeakAfter500Pages)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
+    if (!Temp().isValid()) {
+        return 1;
+    }
+    UseWorkFolder(Temp().path());
+    ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
+    // Questions get their safe answers: nobody is there to close a message box.
+    ScriptedUi ui;
+    ToviUi::Install(&ui);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    window.reset();
+    ToviUi::Install(nullptr);
+    ToviProfile::Instance().UseFile(QString());
+    ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+    Temp().remove();
+    return 0;
+}
