@@ -44,7 +44,7 @@ quint64 ToviImageLoader::Request(const QString& path, Kind kind, QImage* cached)
         if (kind == Thumb) {
             image.LoadThumb(path);
         } else {
-            image.Load(path);
+            image.LoadForDisplay(path, kFullLongSide);
         }
         const QImage decoded = image.Image();
         // Queued to the loader's thread; the destructor waits for the pool, so the loader

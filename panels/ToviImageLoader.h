@@ -16,6 +16,11 @@
 class ToviImageLoader : public QObject {
     Q_OBJECT
 public:
+    // The whole picture of a cell is decoded no larger than needed to fill a large screen:
+    // a 50-megapixel photograph costs a quarter of its pixels, and a hostile 30,000-pixel
+    // one an eighth, instead of failing the decoder's allocation limit.
+    static constexpr int kFullLongSide = 2560;
+
     enum Kind { Thumb = 0, Full = 1 };
 
     explicit ToviImageLoader(QObject* parent = nullptr, qint64 cacheBytes = qint64(256) << 20);

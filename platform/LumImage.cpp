@@ -241,14 +241,25 @@ QImage DecodeJpeg(const QByteArray& data, const QSize& scaledSize) {
 // The size to ask the JPEG decoder for: the coarsest DCT scale whose long side still covers a
 // tile. Rounding down keeps the decoder on that scale (rounding up would make it pick the next
 // finer one and shrink afterwards).
-QSize ThumbDecodeSize(int width, int height) {
+QSize ThumbDecodeSize(int width, int height, int tile = LumImage::ThumbTileSize) {
     const int longSide = qMax(width, height);
     for (int denominator : {8, 4, 2}) {
-        if (longSide / denominator >= LumImage::ThumbTileSize) {
+        if (longSide / denominator >= tile) {
             return QSize(qMax(1, width / denominator), qMax(1, height / denominator));
         }
     }
     return QSize();
+}
+
+// For a picture to be looked at on a screen: as ThumbDecodeSize, but a picture so large that
+// even its eighth exceeds the wanted side is still decoded at an eighth rather than whole,
+// which keeps a 30,000-pixel JPEG inside the decoder's allocation limit.
+QSize DisplayDecodeSize(int width, int height, int longSide) {
+    const QSize size = ThumbDecodeSize(width, height, longSide);
+    if (size.isValid() || qMax(width, height) <= longSide) {
+        return size;
+    }
+    return QSize(qMax(1, width / 8), qMax(1, height / 8));
 }
 
 bool IsSvgPath(const QString& path) {
@@ -367,6 +378,28 @@ bool LumImage::Load(const QString& path) {
     }
     const ExifBits exif = ReadExif(data.left(head.scanData));
     return Assign(Orient(DecodeJpeg(data, QSize()), exif.orientation));
+}
+
+bool LumImage::LoadForDisplay(const QString& path, int longSide) {
+    Clear();
+    if (IsSvgPath(path)) {
+        return Assign(RenderSvg(path, longSide));
+    }
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
+        return false;
+    }
+    if (!IsJpegSignature(file.peek(3))) {
+        return Assign(DecodeOther(file, false));
+    }
+    const QByteArray data = file.readAll();
+    JpegHead head;
+    if (!IsCompleteJpeg(data, &head)) {
+        return false;
+    }
+    const ExifBits exif = ReadExif(data.left(head.scanData));
+    return Assign(
+        Orient(DecodeJpeg(data, DisplayDecodeSize(head.width, head.height, longSide)), exif.orientation));
 }
 
 bool LumImage::LoadThumb(const QString& path) {

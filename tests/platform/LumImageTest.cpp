@@ -161,6 +161,27 @@ private slots:
             QVERIFY(!image.ConvGrayScaleFromMono());
         }
     }
+    // A picture for the screen is decoded at a DCT scale that still covers the side asked
+    // for; one too large for the decoder's allocation limit whole still opens that way.
+    void displaySize() {
+        const QString big = dir->filePath(u"BIG.JPG"_s);
+        {
+            QImage image(6000, 6000, QImage::Format_RGB32);
+            image.fill(Qt::darkCyan);
+            QVERIFY(image.save(big, "JPEG", 50));
+        }
+        LumImage image;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"allocation limit"_s));
+        QVERIFY(!image.Load(big));  // 144 MB decoded: over the limit
+        QVERIFY(image.LoadForDisplay(big, 2560));
+        QCOMPARE(image.Image().size(), QSize(3000, 3000));
+        QVERIFY(image.LoadForDisplay(big, 500));
+        QCOMPARE(image.Image().size(), QSize(750, 750));  // an eighth, though more than 500
+        const QString small = dir->filePath(u"SMALL.JPG"_s);
+        QVERIFY(Quadrants(QSize(640, 480)).save(small, "JPEG"));
+        QVERIFY(image.LoadForDisplay(small, 2560));
+        QCOMPARE(image.Image().size(), QSize(640, 480));
+    }
     // A one-bit drawing becomes grey levels, pixel for pixel; anything else is left alone.
     void monoBecomesGrey() {
         QImage mono(40, 20, QImage::Format_Mono);
