@@ -241,6 +241,8 @@ QImage DecodeJpeg(const QByteArray& data, const QSize& scaledSize) {
 // The size to ask the JPEG decoder for: the coarsest DCT scale whose long side still covers a
 // tile. Rounding down keeps the decoder on that scale (rounding up would make it pick the next
 // finer one and shrink afterwards).
+// The picture for a screen uses it with the screen's side as the tile: even a 30,000-pixel
+// JPEG then decodes at an eighth.
 QSize ThumbDecodeSize(int width, int height, int tile = LumImage::ThumbTileSize) {
     const int longSide = qMax(width, height);
     for (int denominator : {8, 4, 2}) {
@@ -249,17 +251,6 @@ QSize ThumbDecodeSize(int width, int height, int tile = LumImage::ThumbTileSize)
         }
     }
     return QSize();
-}
-
-// For a picture to be looked at on a screen: as ThumbDecodeSize, but a picture so large that
-// even its eighth exceeds the wanted side is still decoded at an eighth rather than whole,
-// which keeps a 30,000-pixel JPEG inside the decoder's allocation limit.
-QSize DisplayDecodeSize(int width, int height, int longSide) {
-    const QSize size = ThumbDecodeSize(width, height, longSide);
-    if (size.isValid() || qMax(width, height) <= longSide) {
-        return size;
-    }
-    return QSize(qMax(1, width / 8), qMax(1, height / 8));
 }
 
 bool IsSvgPath(const QString& path) {
@@ -399,7 +390,7 @@ bool LumImage::LoadForDisplay(const QString& path, int longSide) {
     }
     const ExifBits exif = ReadExif(data.left(head.scanData));
     return Assign(
-        Orient(DecodeJpeg(data, DisplayDecodeSize(head.width, head.height, longSide)), exif.orientation));
+        Orient(DecodeJpeg(data, ThumbDecodeSize(head.width, head.height, longSide)), exif.orientation));
 }
 
 bool LumImage::LoadThumb(const QString& path) {

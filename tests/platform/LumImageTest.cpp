@@ -177,10 +177,11 @@ private slots:
         QCOMPARE(image.Image().size(), QSize(3000, 3000));
         QVERIFY(image.LoadForDisplay(big, 500));
         QCOMPARE(image.Image().size(), QSize(750, 750));  // an eighth, though more than 500
+        // No scale keeps 2560 pixels: whole.
         const QString small = dir->filePath(u"SMALL.JPG"_s);
-        QVERIFY(Quadrants(QSize(640, 480)).save(small, "JPEG"));
+        QVERIFY(Quadrants(QSize(3000, 2000)).save(small, "JPEG"));
         QVERIFY(image.LoadForDisplay(small, 2560));
-        QCOMPARE(image.Image().size(), QSize(640, 480));
+        QCOMPARE(image.Image().size(), QSize(3000, 2000));
     }
     // A one-bit drawing becomes grey levels, pixel for pixel; anything else is left alone.
     void monoBecomesGrey() {
