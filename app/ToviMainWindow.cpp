@@ -21,6 +21,7 @@
 #include <QMimeData>
 #include <QShortcut>
 #include <QStandardPaths>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
 #include <QTabWidget>
@@ -79,9 +80,22 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
     setObjectName(QStringLiteral("ToviMainWindow"));
     setAcceptDrops(true);
 
+    // The centre shows a word of welcome until a delivery is open.
+    centre = new QStackedWidget(this);
+    auto* welcome = new QLabel(
+        QStringLiteral("電子納品のフォルダを開いてください。\n\n"
+                       "［ファイル］→［開く］(%1)、または PHOTO.XML のあるフォルダを\n"
+                       "このウィンドウにドロップします。")
+            .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)),
+        centre);
+    welcome->setObjectName(QStringLiteral("welcome"));
+    welcome->setAlignment(Qt::AlignCenter);
+    welcome->setStyleSheet(QStringLiteral("QLabel { background: white; color: #606060; }"));
+    centre->addWidget(welcome);
     mpiPanel = new ToviMpiPanel(document);
-    mpiPanel->Create(this, 1);
-    setCentralWidget(mpiPanel);
+    mpiPanel->Create(centre, 1);
+    centre->addWidget(mpiPanel);
+    setCentralWidget(centre);
 
     treeDock = new QDockWidget(QStringLiteral("ツリー"), this);
     treeDock->setObjectName(QStringLiteral("treeDock"));
@@ -106,10 +120,12 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
     document->AddPanel(labelTree);
     connect(mpiPanel, &ToviMpiPanel::PageChanged, this, &ToviMainWindow::OnPageChanged);
     connect(document, &ToviViewerDocument::DeliveryOpened, this, [this] {
+        centre->setCurrentWidget(mpiPanel);
         UpdateActions();
         UpdateTitle();
     });
     connect(document, &ToviViewerDocument::DeliveryClosed, this, [this] {
+        centre->setCurrentIndex(0);
         OnPageChanged(0, 0);
         UpdateActions();
         UpdateTitle();

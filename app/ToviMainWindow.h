@@ -12,6 +12,7 @@ class QLabel;
 class QDockWidget;
 class QMenu;
 class QMimeData;
+class QStackedWidget;
 class QTabWidget;
 class ToviFolderTreePanel;
 class ToviLabelTreePanel;
@@ -82,6 +83,7 @@ private:
     static QString DroppedFolder(const QMimeData* mime);
 
     ToviViewerDocument* document;
+    QStackedWidget* centre;
     ToviMpiPanel* mpiPanel;
     QDockWidget* treeDock;
     QTabWidget* treeTabs;
