@@ -9,6 +9,7 @@
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/ToviUi.h"
 #include "platform/widgets/LumImgWnd.h"
@@ -398,7 +399,7 @@ void ToviSpiCtrl::OnReady(quint64 ticket, const QString&, int kind, const QImage
 
 void ToviSpiCtrl::OnLabelClicked(int label) {
     ToviPhoto* photo = Photo();
-    if (label == 4 && slideMode) {
+    if (label == 4 && IsSlideMode()) {
         namePlate->Button(4)->SetPressed(!namePlate->Button(4)->IsPressed());
         ToviUi::Instance().MessageBox(this, QStringLiteral("スライドモード中はコメントの編集ができません。"),
                                       QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);

@@ -52,8 +52,6 @@ public:
     // Whether the whole picture (or the fail plate) is on screen: the second loading stage
     // is over.
     bool IsFullShown() const { return fullShown || !imageOk || photoIndex < 0 || !Photo(); }
-    // Slide mode refuses the comment button.
-    void SetSlideMode(bool on) { slideMode = on; }
     // True when the comment strip above the picture is due.
     bool HasCommentStrip() const;
     QSize GetImageSize() const;
@@ -97,7 +95,6 @@ private:
     int photoIndex = -1;
     int actualIndex = -1;
     bool imageOk = true;
-    bool slideMode = false;
     int imagePaneShare = 35;
     QString imagePath;
     quint64 thumbTicket = 0;
