@@ -6,6 +6,7 @@
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
 #include "loading/ToviItemDef.h"
+#include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
@@ -346,6 +347,16 @@ void ToviSpiCtrl::InvalidateNamePlate() {
 
 QSize ToviSpiCtrl::GetImageSize() const {
     return imageWnd->size();
+}
+
+void ToviSpiCtrl::AdoptCommentWindow(ToviCommentWindow* window) {
+    window->setFocusPolicy(Qt::ClickFocus);
+    window->installEventFilter(this);
+    connect(window, &ToviCommentWindow::Clicked, this, [this](ToviCommentWindow* strip) {
+        emit Clicked(id);
+        strip->setFocus(Qt::MouseFocusReason);
+    });
+    connect(window, &ToviCommentWindow::DoubleClicked, this, [this] { OnLabelClicked(4); });
 }
 
 void ToviSpiCtrl::ShowImage(const QImage& image) {

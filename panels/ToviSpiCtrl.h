@@ -8,6 +8,7 @@ class LumImgWnd;
 class QLabel;
 class QPlainTextEdit;
 class QSplitter;
+class ToviCommentWindow;
 class ToviControlValueTable;
 class ToviData;
 class ToviImageLoader;
@@ -55,6 +56,9 @@ public:
     // True when the comment strip above the picture is due.
     bool HasCommentStrip() const;
     QSize GetImageSize() const;
+    // Takes in a comment strip the panel put over the picture: its click selects the cell,
+    // its double click works as the comment button without flipping it.
+    void AdoptCommentWindow(ToviCommentWindow* window);
 
     ToviNamePlate* NamePlate() const { return namePlate; }
     LumImgWnd* ImageWnd() const { return imageWnd; }
