@@ -76,6 +76,15 @@ QString ToviCommentWindow::FitText(const QString& text) const {
         next += added;
     } while (next < text.size() && room > metrics.horizontalAdvance(display));
     display.chop(added);
+    // Behind Japanese text the dots take the Japanese font and come out wider than measured
+    // alone: more characters go until the whole fits.
+    while (display.size() > kLead.size() &&
+           metrics.horizontalAdvance(display + kEllipsis) > width) {
+        display.chop(display.size() > kLead.size() + 1 && display.back().isLowSurrogate() &&
+                             display[display.size() - 2].isHighSurrogate()
+                         ? 2
+                         : 1);
+    }
     return display + kEllipsis;
 }
 
