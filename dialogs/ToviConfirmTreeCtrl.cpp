@@ -1,5 +1,6 @@
 #include "dialogs/ToviConfirmTreeCtrl.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
@@ -30,6 +31,10 @@ ToviConfirmTreeCtrl::ToviConfirmTreeCtrl(QWidget* parent) : QTreeWidget(parent) 
     setObjectName(QStringLiteral("tree"));
     setHeaderHidden(true);
     setRootIsDecorated(true);
+    // Deep places are read whole by scrolling sideways rather than cut short.
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    header()->setStretchLastSection(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setContextMenuPolicy(Qt::NoContextMenu);
