@@ -218,7 +218,8 @@ QTreeWidgetItem* ToviConfirmDlg::FindItem(ToviData* data, const ToviPhoto* photo
     if (treeType == 1) {
         path.append(values.front());
     } else {
-        if (std::all_of(values.begin(), values.end(), [](const QString& v) { return v.isEmpty(); })) {
+        if (std::all_of(values.begin(), values.end(),
+                        [](const QString& v) { return v.isEmpty(); })) {
             return nullptr;
         }
         for (const QString& value : values) {

@@ -20,10 +20,11 @@ ToviInputCommentDlg::ToviInputCommentDlg(QWidget* parent, const QVariantMap& val
     setWindowTitle(QStringLiteral("コメントの記入"));
     auto* layout = new QVBoxLayout(this);
     auto* explanation = new QLabel(
-        QStringLiteral("写真に対してコメントをしたい場合は、以下に記入してください。\n"
-                       "また、コメントを削除したい場合は、以下を空欄にしOKボタンを押してください。\n"
-                       "\n"
-                       "長すぎるコメントは、全てを表示・印刷することはできません。"),
+        QStringLiteral(
+            "写真に対してコメントをしたい場合は、以下に記入してください。\n"
+            "また、コメントを削除したい場合は、以下を空欄にしOKボタンを押してください。\n"
+            "\n"
+            "長すぎるコメントは、全てを表示・印刷することはできません。"),
         this);
     explanation->setObjectName(QStringLiteral("explanation"));
     layout->addWidget(explanation);

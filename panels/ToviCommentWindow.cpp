@@ -92,8 +92,8 @@ void ToviCommentWindow::paintEvent(QPaintEvent* event) {
     QLabel::paintEvent(event);
     const QRect client = contentsRect();
     QPainter painter(this);
-    MarginImage().render(&painter, QRectF(client.left(), client.top(), kMarginWidth,
-                                          client.height()));
+    MarginImage().render(&painter,
+                         QRectF(client.left(), client.top(), kMarginWidth, client.height()));
 }
 
 void ToviCommentWindow::resizeEvent(QResizeEvent* event) {
@@ -114,8 +114,9 @@ void ToviCommentWindow::mouseDoubleClickEvent(QMouseEvent* event) {
         return;
     }
     if (IsSlideMode()) {
-        ToviUi::Instance().MessageBox(this, QStringLiteral("スライドモード中はコメントの編集ができません。"),
-                                      QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);
+        ToviUi::Instance().MessageBox(
+            this, QStringLiteral("スライドモード中はコメントの編集ができません。"), QString(),
+            ToviUi::ButtonsOk, ToviUi::IconInformation);
         return;
     }
     emit DoubleClicked(this);

@@ -618,8 +618,9 @@ void ToviMpiPanel::OnSpiRClicked(int id) {
         return;
     }
     if (IsSlideMode()) {
-        ToviUi::Instance().MessageBox(this, QStringLiteral("スライドモード中は右クリック操作はできません。"),
-                                      QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);
+        ToviUi::Instance().MessageBox(
+            this, QStringLiteral("スライドモード中は右クリック操作はできません。"), QString(),
+            ToviUi::ButtonsOk, ToviUi::IconInformation);
     } else {
         ShowPopUpMenu();
     }

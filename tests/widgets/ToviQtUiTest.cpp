@@ -207,8 +207,8 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<bool>("ok");
         QTest::addColumn<QString>("comment");
-        QTest::newRow("words among blanks") << QStringLiteral(" 黒板 不鮮明 ") << true
-                                            << QStringLiteral(" 黒板 不鮮明 ");
+        QTest::newRow("words among blanks")
+            << QStringLiteral(" 黒板 不鮮明 ") << true << QStringLiteral(" 黒板 不鮮明 ");
         QTest::newRow("half-width blanks") << QStringLiteral("   ") << true << QString();
         QTest::newRow("full-width blank") << QStringLiteral("　") << true << QStringLiteral("　");
         QTest::newRow("cancelled") << QStringLiteral("新しい") << false << QStringLiteral("前の");
@@ -232,8 +232,9 @@ private slots:
                 QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(ch));
                 QApplication::sendEvent(edit, &press);
             }
-            QTest::mouseClick(ButtonOf(dialog, ok ? QStringLiteral("OK") : QStringLiteral("キャンセル")),
-                              Qt::LeftButton);
+            QTest::mouseClick(
+                ButtonOf(dialog, ok ? QStringLiteral("OK") : QStringLiteral("キャンセル")),
+                Qt::LeftButton);
         });
         QCOMPARE(ui.RunDialog(nullptr, ToviInputCommentDlg::Name(), values), ok);
         QCOMPARE(title, QStringLiteral("コメントの記入"));

@@ -144,7 +144,8 @@ private slots:
         QTest::addColumn<int>("button");
         QTest::addColumn<QList<int>>("after");
         QTest::addColumn<int>("hints");
-        QTest::newRow("OK over NG1 and NG2") << QList<int>{1, 2, 4, 5} << 0 << QList<int>{0, 4, 5} << 4;
+        QTest::newRow("OK over NG1 and NG2")
+            << QList<int>{1, 2, 4, 5} << 0 << QList<int>{0, 4, 5} << 4;
         QTest::newRow("NG3 over OK") << QList<int>{0, 4} << 3 << QList<int>{3, 4} << 2;
         QTest::newRow("NG2 beside NG1") << QList<int>{1} << 2 << QList<int>{1, 2} << 2;
         QTest::newRow("user label off") << QList<int>{5} << 5 << QList<int>{} << 1;
@@ -180,12 +181,15 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("after");
         const QString old = QStringLiteral("再撮影 要");
-        QTest::newRow("new comment") << QString() << false << true
-                                     << QStringLiteral(" 黒板 不鮮明 ") << QStringLiteral(" 黒板 不鮮明 ");
+        QTest::newRow("new comment")
+            << QString() << false << true << QStringLiteral(" 黒板 不鮮明 ")
+            << QStringLiteral(" 黒板 不鮮明 ");
         QTest::newRow("blanks only") << old << false << true << QStringLiteral(" 　 ") << QString();
         QTest::newRow("cancelled") << old << false << false << QString() << old;
-        QTest::newRow("strip, blanks only") << old << true << true << QStringLiteral("　") << QString();
-        QTest::newRow("strip, changed") << old << true << true << QStringLiteral("済") << QStringLiteral("済");
+        QTest::newRow("strip, blanks only")
+            << old << true << true << QStringLiteral("　") << QString();
+        QTest::newRow("strip, changed")
+            << old << true << true << QStringLiteral("済") << QStringLiteral("済");
     }
     void comment() {
         QFETCH(QString, before);
@@ -231,9 +235,11 @@ private slots:
         QTest::addColumn<int>("share");  // the strip's width in percent of the whole text's
         QTest::addColumn<bool>("whole");
         QTest::newRow("fits") << QStringLiteral("法面 仕上がり 確認") << 120 << true;
-        QTest::newRow("too long") << QStringLiteral("法面 仕上がり 確認 出来形 寸法 不足") << 50 << false;
+        QTest::newRow("too long") << QStringLiteral("法面 仕上がり 確認 出来形 寸法 不足") << 50
+                                  << false;
         QTest::newRow("just too long") << QStringLiteral("法面仕上がり確認") << 97 << false;
-        QTest::newRow("surrogate pairs") << QString(QStringLiteral("𠀋𡈽𡌛").repeated(6)) << 50 << false;
+        QTest::newRow("surrogate pairs")
+            << QString(QStringLiteral("𠀋𡈽𡌛").repeated(6)) << 50 << false;
         QTest::newRow("no width") << QStringLiteral("確認") << 0 << false;
     }
     void fitText() {
@@ -370,8 +376,10 @@ private slots:
         SetSlideMode(false);
         QCOMPARE(ui.DialogNames().size(), dialogs);
         QCOMPARE(ui.Questions().size(), asked + 3);
-        QCOMPARE(ui.Questions()[asked].text, QStringLiteral("スライドモード中は右クリック操作はできません。"));
-        QCOMPARE(ui.Questions()[asked + 1].text, QStringLiteral("スライドモード中はコメントの編集ができません。"));
+        QCOMPARE(ui.Questions()[asked].text,
+                 QStringLiteral("スライドモード中は右クリック操作はできません。"));
+        QCOMPARE(ui.Questions()[asked + 1].text,
+                 QStringLiteral("スライドモード中はコメントの編集ができません。"));
         QCOMPARE(ui.Questions()[asked + 2].icon, ToviUi::IconInformation);
         QVERIFY(Cell(0)->NamePlate()->Button(4)->IsPressed());
         QCOMPARE(photo->GetComment(), QStringLiteral("確認"));
@@ -399,9 +407,9 @@ private slots:
         const ToviItemDef& def = *document->GetItemDef();
         const auto deepest = [&def](const ToviPhoto* photo) {
             QString last;
-            for (const QString& title : {QStringLiteral("写真-大分類"), QStringLiteral("写真区分"),
-                                        QStringLiteral("工種"), QStringLiteral("種別"),
-                                        QStringLiteral("細別")}) {
+            for (const QString& title :
+                 {QStringLiteral("写真-大分類"), QStringLiteral("写真区分"), QStringLiteral("工種"),
+                  QStringLiteral("種別"), QStringLiteral("細別")}) {
                 const QString value = photo->GetTitle(def.GetIndexFromTitle(title));
                 if (value.isEmpty()) {
                     break;
@@ -434,7 +442,8 @@ private slots:
                 item.SetValue(QString());
             }
         }
-        const QString bigClass = photo->GetTitle(def.GetIndexFromTitle(QStringLiteral("写真-大分類")));
+        const QString bigClass =
+            photo->GetTitle(def.GetIndexFromTitle(QStringLiteral("写真-大分類")));
         QTreeWidgetItem* root = tree->topLevelItem(0);
         QVERIFY(dialog->OnSelect(document.get(), photo));
         QCOMPARE(tree->currentItem()->text(0), bigClass);
@@ -449,7 +458,8 @@ private slots:
         mark = tree->currentItem();
         QTreeWidgetItem* other = root;
         tree->scrollToItem(other);
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(other).center());
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+                          tree->visualItemRect(other).center());
         QCOMPARE(tree->currentItem(), mark);
         QTest::keyClick(dialog, Qt::Key_Escape);
         QTest::keyClick(dialog, Qt::Key_Return);
