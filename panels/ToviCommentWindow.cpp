@@ -104,6 +104,7 @@ void ToviCommentWindow::resizeEvent(QResizeEvent* event) {
 void ToviCommentWindow::mousePressEvent(QMouseEvent* event) {
     QLabel::mousePressEvent(event);
     if (event->button() == Qt::LeftButton) {
+        event->accept();  // the strip's click is the cell's click, not the panel's
         emit Clicked(this);
     }
 }

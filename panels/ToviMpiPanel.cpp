@@ -514,6 +514,7 @@ void ToviMpiPanel::OnPreDetachData() {
     for (ToviSpiCtrl* cell : spiCtrls) {
         cell->SetPhoto(-1);
     }
+    InitializeCommentWindow();  // no comment outlives its document on screen
 }
 
 void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject* object) {
