@@ -70,8 +70,9 @@ class ToviReviewWidgetsTest : public QObject {
     std::unique_ptr<ToviMpiPanel> panel;
     ScriptedUi ui;
 
-    // A fresh document of all six photographs on a panel of two cells a page.
-    void Open(bool visibleComment = true) {
+    // A fresh document of all six photographs, bare of labels, on a panel of two cells a
+    // page with the comment strips on.
+    void Open() {
         host.panel = nullptr;
         panel.reset();
         document.reset();
@@ -81,13 +82,12 @@ class ToviReviewWidgetsTest : public QObject {
         document->Load();
         ToviPhotoCtrlVisualSetting setting = document->GetVisualSetting();
         setting.SetDivType(ToviPhotoCtrlVisualSetting::Divide2);
-        setting.SetVisibleComment(visibleComment);
+        setting.SetVisibleComment(true);
         setting.SetTreeType(ToviPhotoCtrlVisualSetting::TreeKousyu);
         document->SetVisualSetting(setting, false);
         document->BuildTreeNode(setting.GetTreeType());
         for (int i = 0; i < 6; ++i) {
-            ToviPhoto* photo = document->GetPhotoActualPhotoArray(i);
-            photo->RemoveAllLabel();
+            document->GetPhotoActualPhotoArray(i)->RemoveAllLabel();
         }
         document->SetSelected(document.get(), true);
         panel = std::make_unique<ToviMpiPanel>(&host);
