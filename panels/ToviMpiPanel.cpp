@@ -1,16 +1,24 @@
 #include "panels/ToviMpiPanel.h"
 
+#include "dialogs/ToviConfirmDlg.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviItemDef.h"
+#include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/widgets/LumImgWnd.h"
+#include "platform/ToviCheck.h"
 #include "platform/ToviProfile.h"
+#include "platform/ToviUi.h"
+#include "review/ToviLabelManager.h"
 
 #include <QApplication>
+#include <QCursor>
+#include <QMenu>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPainter>
@@ -30,6 +38,13 @@ const QString ToviMpiPanel::ConfirmDlgWEntry_ = QStringLiteral("DialogWidth");
 const QString ToviMpiPanel::ConfirmDlgHEntry_ = QStringLiteral("DialogHeight");
 
 namespace {
+
+const QString kCommentDialog = QStringLiteral("ToviInputCommentDlg");
+const QString kCommentField = QStringLiteral("comment");
+constexpr unsigned kZoomCommand = 32770;
+constexpr unsigned kFirstRemoveCommand = 32772;
+constexpr unsigned kFirstPasteCommand = 32778;
+constexpr unsigned kRemoveAllCommand = 32784;
 
 // Window ids of the parts of a cell, so that the focus can stay in the same part as the
 // selection moves.
@@ -73,6 +88,7 @@ ToviMpiPanel::ToviMpiPanel(ToviHostDocument* document, QWidget* parent)
 }
 
 ToviMpiPanel::~ToviMpiPanel() {
+    delete confirmDlg;  // hands its place and size back through EndConfirmDlg
     DestroyCells();
     Save();
 }
@@ -222,6 +238,9 @@ bool ToviMpiPanel::OnSelect(int index) {
         return false;
     }
     const bool selected = data->PhotoSelectSetting(data->GetPhotoIndex(index));
+    if (confirmDlg) {
+        confirmDlg->OnSelect(data, data->GetPhoto(index));
+    }
     emit PageChanged(GetCurrentPage(), GetTotalPage());
     return selected;
 }
@@ -229,6 +248,7 @@ bool ToviMpiPanel::OnSelect(int index) {
 void ToviMpiPanel::PageTail(int page) {
     currentPage = page;
     OnChangePage();
+    RenewCommentWindows();
 }
 
 void ToviMpiPanel::OperateTopPage() {
@@ -304,6 +324,7 @@ void ToviMpiPanel::ClearMessageState() {
 // ---- building and layout -----------------------------------------------------------------
 
 void ToviMpiPanel::DestroyCells() {
+    InitializeCommentWindow();
     for (ToviSpiCtrl* cell : spiCtrls) {
         delete cell;
     }
@@ -330,6 +351,10 @@ void ToviMpiPanel::InitiateLayput(int top) {
             connect(cell, &ToviSpiCtrl::RightClicked, this, &ToviMpiPanel::OnSpiRClicked);
             connect(cell, &ToviSpiCtrl::KeyPressed, this, &ToviMpiPanel::OnSpiKeyDown);
             connect(cell, &ToviSpiCtrl::PictureShown, this, &ToviMpiPanel::OnPictureShown);
+            connect(cell, &ToviSpiCtrl::PasteLabel, this, &ToviMpiPanel::OnSpiPasteLabel);
+            connect(cell, &ToviSpiCtrl::RemoveLabel, this, &ToviMpiPanel::OnSpiRemoveLabel);
+            connect(cell, &ToviSpiCtrl::CommentChanged, this,
+                    &ToviMpiPanel::OnSpiUpdateCommentWindow);
             cell->ApplyLabelNames();
             cell->SetPhoto(first + i);
             cell->show();
@@ -343,7 +368,12 @@ void ToviMpiPanel::InitiateLayput(int top) {
         }
         InvalidateName();
     }
+    if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
+        InitializeCommentWindow();
+        CreateCommentWindow();
+    }
     RecalcLayout();
+    ReCalcCommentWindow();
     InvalidateAllCtrls();
     emit PageChanged(GetCurrentPage(), GetTotalPage());
     OnPictureShown();
@@ -387,6 +417,9 @@ void ToviMpiPanel::RecalcLayout() {
             w = (client.width() - x) / (cols - column);
         }
         h = client.height() / rows;
+    }
+    if (visualSetting.GetVisibleComment()) {
+        ReCalcCommentWindow();
     }
 }
 
@@ -448,6 +481,14 @@ void ToviMpiPanel::SetVisualSetting(const ToviPhotoCtrlVisualSetting& setting, b
         if (setting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideManagementList) {
             Initialize();
         } else {
+            if (setting.GetVisibleComment()) {
+                ReCalcCommentWindow();
+            }
+            for (ToviCommentWindow* window : commentWindows) {
+                if (window) {
+                    window->ShowIfAny(setting.GetVisibleComment());
+                }
+            }
             for (ToviSpiCtrl* cell : spiCtrls) {
                 cell->LayoutChildren();  // the comment strip comes or goes above the picture
             }
@@ -461,6 +502,9 @@ void ToviMpiPanel::SetVisualSetting(const ToviPhotoCtrlVisualSetting& setting, b
             cell->LayoutChildren();
         }
     }
+    if (arrangeChanged && !commentWindows.empty() && setting.GetVisibleComment()) {
+        ReCalcCommentWindow();
+    }
     if (!detailChanged && !arrangeChanged && !commentChanged) {
         Initialize();
     }
@@ -470,11 +514,13 @@ void ToviMpiPanel::OnPreDetachData() {
     for (ToviSpiCtrl* cell : spiCtrls) {
         cell->SetPhoto(-1);
     }
+    InitializeCommentWindow();  // no comment outlives its document on screen
 }
 
 void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject* object) {
     ToviPanel::OnUpdate(sender, hint, object);
     if (!data) {
+        delete confirmDlg;
         return;
     }
     const int n = static_cast<int>(visualSetting.GetCountOfSet());
@@ -492,11 +538,16 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
                 }
                 OnChangePage();
             }
+            if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
+                RenewCommentWindows();
+            }
             break;
         case ToviData::HintPageReset:
             if (IsPagedMode()) {
                 ResetPageCount(0);
                 OnChangePage();
+                // The strips would otherwise stay over the photographs of the page left.
+                RenewCommentWindows();
             }
             break;
         case ToviData::HintCurrentArrayChanged:
@@ -506,6 +557,13 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             break;
         case ToviData::HintLabelsChanged:
             UpdateNamePlate();
+            if (IsPagedMode()) {
+                for (size_t i = 0; i < spiCtrls.size() && spiCtrls[i]->PhotoIndex() >= 0; ++i) {
+                    if (const ToviPhoto* photo = data->GetPhoto(spiCtrls[i]->PhotoIndex())) {
+                        UpdateComment(static_cast<int>(i), photo->GetComment());
+                    }
+                }
+            }
             break;
         case ToviData::HintSettingsChanged:
             SetVisualSetting(data->GetVisualSetting(), false);
@@ -513,6 +571,9 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
         case ToviData::HintPhotoSelected:
             for (ToviSpiCtrl* cell : spiCtrls) {
                 cell->ClearAnchor();
+            }
+            if (confirmDlg) {
+                confirmDlg->OnSelect(data, data->GetSelectedPhoto());
             }
             break;
         default:
@@ -549,9 +610,20 @@ void ToviMpiPanel::OnSpiDblClicked(int id) {
 
 void ToviMpiPanel::OnSpiRClicked(int id) {
     ToviSpiCtrl* cell = CellOfId(id);
-    if (cell) {
-        OnSelect(cell->PhotoIndex());
-        InvalidateName();
+    if (!cell) {
+        return;
+    }
+    const bool selected = OnSelect(cell->PhotoIndex());
+    InvalidateName();
+    if (!selected) {
+        return;
+    }
+    if (IsSlideMode()) {
+        ToviUi::Instance().MessageBox(
+            this, QStringLiteral("スライドモード中は右クリック操作はできません。"), QString(),
+            ToviUi::ButtonsOk, ToviUi::IconInformation);
+    } else {
+        ShowPopUpMenu();
     }
 }
 
@@ -688,4 +760,302 @@ bool ToviMpiPanel::Save() const {
         }
     }
     return true;
+}
+
+// ---- labels and comments -----------------------------------------------------------------
+
+ToviPhoto* ToviMpiPanel::SelectedPhoto() const {
+    const int sel = SelectedPosition();
+    return data && sel >= 0 ? data->GetPhoto(sel) : nullptr;
+}
+
+int ToviMpiPanel::CommentIndex() const {
+    return IsPagedMode() ? GetSelectIndexInPage() : SelectedPosition();
+}
+
+void ToviMpiPanel::LabelsChanged() {
+    if (!data->IsCheckStatusChanged()) {
+        data->SetCheckStatusChanged(true);
+    }
+    data->UpdatePhotoInf(nullptr);
+    if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
+        cell->UpdateLabelButtons();
+    }
+}
+
+void ToviMpiPanel::PasteLabel(int label) {
+    ToviPhoto* photo = SelectedPhoto();
+    if (!photo || label < 0 || label > 5) {
+        return;
+    }
+    if (label == 4) {
+        QVariantMap values{{kCommentField, photo->GetComment()}};
+        if (ToviUi::Instance().RunDialog(this, kCommentDialog, values)) {
+            const QString text = values.value(kCommentField).toString();
+            QString bare = text;
+            bare.remove(QLatin1Char(' ')).remove(QChar(0x3000));
+            if (bare.isEmpty()) {
+                photo->SetComment(QString());
+                photo->RemoveLabel(4);
+            } else {
+                photo->SetComment(text);
+                photo->PasteLabel(4);
+            }
+            if (IsPagedMode()) {
+                UpdateComment(CommentIndex(), photo->GetComment());
+            } else {
+                data->UpdateHasComment();  // the lists keep no strips yet
+            }
+        }
+    } else {
+        photo->PasteLabel(static_cast<unsigned>(label));
+        if (label == 0) {
+            for (unsigned ng = 1; ng <= 3; ++ng) {
+                photo->RemoveLabel(ng);
+            }
+        } else if (label <= 3) {
+            photo->RemoveLabel(0);
+        }
+    }
+    LabelsChanged();
+}
+
+void ToviMpiPanel::RemoveLabel(int label) {
+    ToviPhoto* photo = SelectedPhoto();
+    if (!photo || label < 0 || label > 5) {
+        return;
+    }
+    if (label == 4) {
+        if (IsSlideMode()) {
+            ToviUi::Instance().MessageBox(
+                this, QStringLiteral("スライドモード中はコメントの編集ができません。"), QString(),
+                ToviUi::ButtonsOk, ToviUi::IconInformation);
+            return;
+        }
+        photo->SetComment(QString());
+        if (IsPagedMode()) {
+            UpdateComment(CommentIndex(), QString());
+        } else {
+            data->UpdateHasComment();
+        }
+    }
+    photo->RemoveLabel(static_cast<unsigned>(label));
+    LabelsChanged();
+}
+
+void ToviMpiPanel::OnPasteLabel(unsigned id) {
+    PasteLabel(static_cast<int>(id - kFirstPasteCommand));
+}
+
+void ToviMpiPanel::OnRemoveLabel(unsigned id) {
+    RemoveLabel(static_cast<int>(id - kFirstRemoveCommand));
+}
+
+void ToviMpiPanel::OnRemoveAllLabel() {
+    ToviPhoto* photo = SelectedPhoto();
+    if (!photo) {
+        return;
+    }
+    photo->RemoveAllLabel();
+    data->UpdatePhotoInf(nullptr);
+    if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
+        cell->UpdateLabelButtons();
+    }
+    if (IsPagedMode()) {
+        UpdateComment(CommentIndex(), QString());
+    } else {
+        data->UpdateHasComment();
+    }
+    if (!data->IsCheckStatusChanged()) {
+        data->SetCheckStatusChanged(true);
+    }
+}
+
+void ToviMpiPanel::OnShowProperty() {
+    ClearMessageState();  // the zoom dialog comes with the review windows
+}
+
+void ToviMpiPanel::ShowPopUpMenu() {
+    const ToviPhoto* photo = SelectedPhoto();
+    const ToviLabelManager* labels = data ? data->GetLabelManager() : nullptr;
+    if (!photo || !labels) {
+        return;
+    }
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("popUpMenu"));
+    QAction* zoom = menu.addAction(QStringLiteral("写真拡大[情報](&Z)"));
+    zoom->setObjectName(QStringLiteral("command%1").arg(kZoomCommand));
+    zoom->setEnabled(false);  // the zoom dialog comes with the review windows
+    connect(zoom, &QAction::triggered, this, &ToviMpiPanel::OnShowProperty);
+    QMenu* paste = menu.addMenu(QStringLiteral("付箋の貼り付け(&S)"));
+    QMenu* remove = menu.addMenu(QStringLiteral("付箋の削除(&R)"));
+    bool any = false;
+    for (unsigned label = 0; label < 6; ++label) {
+        const QString name = labels->GetLabelAttribute(label).GetName();
+        const bool pasted = photo->IsLabelPasted(label);
+        any = any || pasted;
+        QAction* pasteItem = paste->addAction(name);
+        pasteItem->setObjectName(QStringLiteral("command%1").arg(kFirstPasteCommand + label));
+        pasteItem->setEnabled(!pasted);
+        connect(pasteItem, &QAction::triggered, this,
+                [this, label] { OnPasteLabel(kFirstPasteCommand + label); });
+        QAction* removeItem = remove->addAction(name);
+        removeItem->setObjectName(QStringLiteral("command%1").arg(kFirstRemoveCommand + label));
+        removeItem->setEnabled(pasted);
+        connect(removeItem, &QAction::triggered, this,
+                [this, label] { OnRemoveLabel(kFirstRemoveCommand + label); });
+    }
+    remove->addSeparator();
+    QAction* all = remove->addAction(QStringLiteral("全て"));
+    all->setObjectName(QStringLiteral("command%1").arg(kRemoveAllCommand));
+    all->setEnabled(any);
+    connect(all, &QAction::triggered, this, &ToviMpiPanel::OnRemoveAllLabel);
+    menu.exec(QCursor::pos());
+}
+
+void ToviMpiPanel::OnSpiPasteLabel(int label, ToviSpiCtrl* cell) {
+    ToviPhoto* photo = data && cell ? data->GetPhoto(cell->PhotoIndex()) : nullptr;
+    if (!photo) {
+        return;
+    }
+    photo->PasteLabel(static_cast<unsigned>(label));
+    data->UpdatePhotoInf(nullptr);
+    cell->UpdateLabelButtons();
+}
+
+void ToviMpiPanel::OnSpiRemoveLabel(int label, ToviSpiCtrl* cell) {
+    ToviPhoto* photo = data && cell ? data->GetPhoto(cell->PhotoIndex()) : nullptr;
+    if (!photo) {
+        return;
+    }
+    photo->RemoveLabel(static_cast<unsigned>(label));
+    data->UpdatePhotoInf(nullptr);
+    cell->UpdateLabelButtons();
+}
+
+void ToviMpiPanel::OnSpiUpdateCommentWindow(ToviSpiCtrl* cell) {
+    const ToviPhoto* photo = data && cell ? data->GetPhoto(cell->PhotoIndex()) : nullptr;
+    UpdateComment(GetSelectIndexInPage(), photo ? photo->GetComment() : QString());
+}
+
+void ToviMpiPanel::UpdateComment(int index, const QString& text) {
+    if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
+        ToviCheckIndex(index, static_cast<qsizetype>(commentWindows.size()),
+                       "ToviMpiPanel::UpdateComment");
+        if (ToviCommentWindow* window = commentWindows[static_cast<size_t>(index)]) {
+            window->SetComment(text);
+            window->ShowIfAny(visualSetting.GetVisibleComment());
+        }
+        if (IsPagedMode() && static_cast<size_t>(index) < spiCtrls.size()) {
+            spiCtrls[static_cast<size_t>(index)]->LayoutChildren();
+        }
+    }
+    if (data) {
+        data->UpdateHasComment();
+    }
+}
+
+void ToviMpiPanel::CreateCommentWindow() {
+    InitializeCommentWindow();
+    commentWindows.resize(static_cast<size_t>(IsPagedMode() ? GetCountInPage() : 0));
+}
+
+void ToviMpiPanel::CreateCommentWindow(const int& index) {
+    ToviCheckIndex(index, static_cast<qsizetype>(commentWindows.size()),
+                   "ToviMpiPanel::CreateCommentWindow");
+    QPointer<ToviCommentWindow>& slot = commentWindows[static_cast<size_t>(index)];
+    const int n = static_cast<int>(visualSetting.GetCountOfSet());
+    if (slot || !IsPagedMode() || !visualSetting.GetVisibleComment() || !data) {
+        return;
+    }
+    ToviSpiCtrl* cell = spiCtrls[static_cast<size_t>(index % n)];
+    const int position = index + n * (currentPage - 1);
+    auto* window = new ToviCommentWindow(QString(), position, cell);
+    QFont font = window->font();
+    font.setPointSize(9);
+    window->setFont(font);
+    window->raise();
+    cell->AdoptCommentWindow(window);
+    const ToviPhoto* photo = data->GetPhoto(position);
+    window->SetComment(photo ? photo->GetComment() : QString());
+    slot = window;
+    window->ShowIfAny(visualSetting.GetVisibleComment());
+}
+
+void ToviMpiPanel::ReCalcCommentWindow() {
+    if (!IsPagedMode() || !visualSetting.GetVisibleComment()) {
+        return;  // the list modes keep no strips here yet
+    }
+    const int count = GetCountInPage();
+    if (static_cast<size_t>(count) != commentWindows.size()) {
+        CreateCommentWindow();
+    }
+    const int width = count > 0 ? spiCtrls.front()->GetImageSize().width() : 0;
+    for (int index = 0; index < static_cast<int>(commentWindows.size()); ++index) {
+        CreateCommentWindow(index);
+        ToviCommentWindow* window = commentWindows[static_cast<size_t>(index)];
+        if (!window) {
+            continue;
+        }
+        window->setGeometry(0, 0, width, ToviCommentWindow::kHeight);
+        window->update();
+        if (!window->Comment().isEmpty()) {
+            window->show();
+        }
+    }
+}
+
+void ToviMpiPanel::InitializeCommentWindow() {
+    for (QPointer<ToviCommentWindow>& window : commentWindows) {
+        delete window.data();
+    }
+    commentWindows.clear();
+}
+
+void ToviMpiPanel::RenewCommentWindows() {
+    InitializeCommentWindow();
+    CreateCommentWindow();
+    if (visualSetting.GetVisibleComment()) {
+        ReCalcCommentWindow();
+    }
+}
+
+// ---- the confirm dialog ------------------------------------------------------------------
+
+void ToviMpiPanel::ShowConfirmDlg() {
+    if (!data) {
+        return;
+    }
+    const int type = data->GetVisualSetting().GetTreeType();
+    if (confirmDlg && confirmDlg->IsTreeType(type)) {
+        confirmDlg->raise();
+        return;
+    }
+    delete confirmDlg;  // another tree type: a new dialog; EndConfirmDlg clears the pointer
+    confirmDlg = new ToviConfirmDlg(this);
+    int width = confirmWidth;
+    int height = confirmHeight;
+    if (width < ToviConfirmDlg::kMinimumWidth || height < ToviConfirmDlg::kMinimumHeight) {
+        width = ToviConfirmDlg::kMinimumWidth;
+        height = ToviConfirmDlg::kMinimumHeight;
+    }
+    confirmDlg->resize(width, height);
+    confirmDlg->move(std::max(0, confirmPosX), std::max(0, confirmPosY));
+    confirmDlg->show();
+    if (!confirmDlg->IsTreeType(type)) {
+        confirmDlg->SetTreeType(type);
+        confirmDlg->BuildTree(data);
+    }
+}
+
+void ToviMpiPanel::EndConfirmDlg() {
+    if (!confirmDlg) {
+        return;
+    }
+    const QRect place = confirmDlg->StoredRect();
+    confirmPosX = place.x();
+    confirmPosY = place.y();
+    confirmWidth = place.width();
+    confirmHeight = place.height();
+    confirmDlg = nullptr;
 }

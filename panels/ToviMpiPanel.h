@@ -3,12 +3,17 @@
 #include "panels/ToviPanel.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 
+#include <QPointer>
+
 #include <memory>
 #include <vector>
 
+class ToviCommentWindow;
+class ToviConfirmDlg;
 class ToviHostDocument;
 class ToviImageLoader;
 class ToviItemDef;
+class ToviPhoto;
 class ToviSpiCtrl;
 
 // The main viewing area: the document's current photographs as pages of one to six cells
@@ -79,6 +84,34 @@ public:
     bool Load();
     bool Save() const;
 
+    // Labels and the comment of the selected photograph; nothing without one. Label 4 opens
+    // the comment dialog; OK pasted removes the NG labels and an NG label removes OK.
+    void PasteLabel(int label);
+    // Removing label 4 empties the comment first; slide mode refuses it.
+    void RemoveLabel(int label);
+    void OnPasteLabel(unsigned id);
+    void OnRemoveLabel(unsigned id);
+    void OnRemoveAllLabel();
+    void OnShowProperty();
+    // The right-click menu of the selected photograph, at the cursor.
+    void ShowPopUpMenu();
+
+    // The comment strips over the cells of the page, one slot per photograph on it.
+    void UpdateComment(int index, const QString& text);
+    void CreateCommentWindow();
+    void CreateCommentWindow(const int& index);
+    void ReCalcCommentWindow();
+    void InitializeCommentWindow();
+    const std::vector<QPointer<ToviCommentWindow>>& CommentWindows() const {
+        return commentWindows;
+    }
+
+    // The floating window that marks where the selected photograph sits in the tree.
+    void ShowConfirmDlg();
+    // Called by the confirm dialog as it goes: its place and size are kept for the next one.
+    void EndConfirmDlg();
+    ToviConfirmDlg* ConfirmDlg() const { return confirmDlg; }
+
     int DialogWidth() const { return dlgWidth; }
     int DialogHeight() const { return dlgHeight; }
     int DialogSplitterPos() const { return dlgSplPos; }
@@ -102,6 +135,15 @@ private:
     void OnSpiDblClicked(int id);
     void OnSpiRClicked(int id);
     ToviSpiCtrl* CellOfId(int id) const;
+    void OnSpiPasteLabel(int label, ToviSpiCtrl* cell);
+    void OnSpiRemoveLabel(int label, ToviSpiCtrl* cell);
+    void OnSpiUpdateCommentWindow(ToviSpiCtrl* cell);
+    ToviPhoto* SelectedPhoto() const;
+    // The closing steps of every label change made from the panel.
+    void LabelsChanged();
+    // Where the comment of the selected photograph is shown: its place on the page.
+    int CommentIndex() const;
+    void RenewCommentWindows();
 
     ToviItemDef* itemDef = nullptr;
     bool zoomMessage = false;
@@ -122,4 +164,7 @@ private:
     int totalPage = 0;
     ToviPhotoCtrlVisualSetting visualSetting;
     std::unique_ptr<ToviImageLoader> loader;
+    // Children of the cells; a strip goes with its cell, hence the guarded pointers.
+    std::vector<QPointer<ToviCommentWindow>> commentWindows;
+    ToviConfirmDlg* confirmDlg = nullptr;
 };

@@ -6,9 +6,11 @@
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
 #include "loading/ToviItemDef.h"
+#include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/ToviUi.h"
 #include "platform/widgets/LumImgWnd.h"
@@ -347,6 +349,16 @@ QSize ToviSpiCtrl::GetImageSize() const {
     return imageWnd->size();
 }
 
+void ToviSpiCtrl::AdoptCommentWindow(ToviCommentWindow* window) {
+    window->setFocusPolicy(Qt::ClickFocus);
+    window->installEventFilter(this);
+    connect(window, &ToviCommentWindow::Clicked, this, [this](ToviCommentWindow* strip) {
+        emit Clicked(id);
+        strip->setFocus(Qt::MouseFocusReason);
+    });
+    connect(window, &ToviCommentWindow::DoubleClicked, this, [this] { OnLabelClicked(4); });
+}
+
 void ToviSpiCtrl::ShowImage(const QImage& image) {
     if (image.isNull()) {
         imageWnd->SetDisableImage();
@@ -398,7 +410,7 @@ void ToviSpiCtrl::OnReady(quint64 ticket, const QString&, int kind, const QImage
 
 void ToviSpiCtrl::OnLabelClicked(int label) {
     ToviPhoto* photo = Photo();
-    if (label == 4 && slideMode) {
+    if (label == 4 && IsSlideMode()) {
         namePlate->Button(4)->SetPressed(!namePlate->Button(4)->IsPressed());
         ToviUi::Instance().MessageBox(this, QStringLiteral("スライドモード中はコメントの編集ができません。"),
                                       QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);

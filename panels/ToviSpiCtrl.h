@@ -8,6 +8,7 @@ class LumImgWnd;
 class QLabel;
 class QPlainTextEdit;
 class QSplitter;
+class ToviCommentWindow;
 class ToviControlValueTable;
 class ToviData;
 class ToviImageLoader;
@@ -52,11 +53,12 @@ public:
     // Whether the whole picture (or the fail plate) is on screen: the second loading stage
     // is over.
     bool IsFullShown() const { return fullShown || !imageOk || photoIndex < 0 || !Photo(); }
-    // Slide mode refuses the comment button.
-    void SetSlideMode(bool on) { slideMode = on; }
     // True when the comment strip above the picture is due.
     bool HasCommentStrip() const;
     QSize GetImageSize() const;
+    // Takes in a comment strip the panel put over the picture: its click selects the cell,
+    // its double click works as the comment button without flipping it.
+    void AdoptCommentWindow(ToviCommentWindow* window);
 
     ToviNamePlate* NamePlate() const { return namePlate; }
     LumImgWnd* ImageWnd() const { return imageWnd; }
@@ -97,7 +99,6 @@ private:
     int photoIndex = -1;
     int actualIndex = -1;
     bool imageOk = true;
-    bool slideMode = false;
     int imagePaneShare = 35;
     QString imagePath;
     quint64 thumbTicket = 0;

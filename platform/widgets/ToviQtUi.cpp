@@ -2,6 +2,7 @@
 
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"
+#include "dialogs/ToviInputCommentDlg.h"
 #include "platform/widgets/ToviProgressWindow.h"
 #include "platform/widgets/ToviWaitWindow.h"
 
@@ -14,6 +15,7 @@
 ToviQtUi::ToviQtUi() {
     RegisterDialog(LabelProcessSelectDlg::Name(), LabelProcessSelectDlg::Run);
     RegisterDialog(OpenNextDataDlg::Name(), OpenNextDataDlg::Run);
+    RegisterDialog(ToviInputCommentDlg::Name(), ToviInputCommentDlg::Run);
 }
 
 ToviQtUi::~ToviQtUi() = default;

@@ -17,7 +17,8 @@ public:
     // Runs a named dialog with its fields in values, answering whether it ended with OK.
     using DialogRunner = std::function<bool(QWidget* parent, QVariantMap& values)>;
 
-    // Knows the library's own dialogs ("LabelProcessSelectDlg", "OpenNextDataDlg").
+    // Knows the library's own dialogs ("LabelProcessSelectDlg", "OpenNextDataDlg",
+    // "ToviInputCommentDlg").
     ToviQtUi();
     ~ToviQtUi() override;
 

@@ -1,5 +1,6 @@
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"
+#include "dialogs/ToviInputCommentDlg.h"
 #include "loading/OpenNextDataTexts.h"
 #include "platform/widgets/ToviQtUi.h"
 #include "platform/widgets/ToviWaitWindow.h"
@@ -11,6 +12,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -197,6 +199,47 @@ private slots:
         QVERIFY(ui.RunDialog(nullptr, LabelProcessSelectDlg::Name(), values));
         QCOMPARE(values.value(QStringLiteral("action")).toInt(), 2);
         QVERIFY(!ui.RunDialog(nullptr, QStringLiteral("NoSuchDlg"), values));
+    }
+
+    // The comment dialog starts with the comment; OK hands back what was typed, half-width
+    // blanks alone as no comment (full-width ones are the caller's to judge); Cancel nothing.
+    void inputComment_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("ok");
+        QTest::addColumn<QString>("comment");
+        QTest::newRow("words among blanks")
+            << QStringLiteral(" 黒板 不鮮明 ") << true << QStringLiteral(" 黒板 不鮮明 ");
+        QTest::newRow("half-width blanks") << QStringLiteral("   ") << true << QString();
+        QTest::newRow("full-width blank") << QStringLiteral("　") << true << QStringLiteral("　");
+        QTest::newRow("cancelled") << QStringLiteral("新しい") << false << QStringLiteral("前の");
+    }
+    void inputComment() {
+        QFETCH(QString, typed);
+        QFETCH(bool, ok);
+        QFETCH(QString, comment);
+        QVariantMap values{{QStringLiteral("comment"), QStringLiteral("前の")}};
+        QString title;
+        QString shown;
+        WhenModal([&](QWidget* dialog) {
+            title = dialog->windowTitle();
+            auto* edit = dialog->findChild<QPlainTextEdit*>(QStringLiteral("comment"));
+            shown = edit->toPlainText();
+            edit->selectAll();
+            QTest::keyClick(edit, Qt::Key_Delete);
+            for (const QChar ch : typed) {
+                // keyClicks knows ASCII only: a key event carrying the character, as an input
+                // method hands over a committed one.
+                QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(ch));
+                QApplication::sendEvent(edit, &press);
+            }
+            QTest::mouseClick(
+                ButtonOf(dialog, ok ? QStringLiteral("OK") : QStringLiteral("キャンセル")),
+                Qt::LeftButton);
+        });
+        QCOMPARE(ui.RunDialog(nullptr, ToviInputCommentDlg::Name(), values), ok);
+        QCOMPARE(title, QStringLiteral("コメントの記入"));
+        QCOMPARE(shown, QStringLiteral("前の"));
+        QCOMPARE(values.value(QStringLiteral("comment")).toString(), comment);
     }
 
     // The wait window is up with its text until the work ends, and Escape does not close it.
