@@ -4,6 +4,7 @@
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
+#include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "platform/ToviProfile.h"
 #include "platform/ToviUi.h"
@@ -312,6 +313,10 @@ void ToviMainWindow::CreateActions() {
         }
     });
 
+    confirmAction = new QAction(QStringLiteral("写真格納位置の確認(&C)"), this);
+    confirmAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_K));
+    connect(confirmAction, &QAction::triggered, mpiPanel, &ToviMpiPanel::ShowConfirmDlg);
+
     // F6 moves the keyboard between the tree and the photographs.
     focusAction = new QAction(QStringLiteral("ツリーと写真の切り替え(&F)"), this);
     focusAction->setShortcut(QKeySequence(Qt::Key_F6));
@@ -368,6 +373,7 @@ void ToviMainWindow::CreateMenus() {
     dockToggle->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
     view->addAction(dockToggle);
     view->addAction(focusAction);
+    view->addAction(confirmAction);
     view->addSeparator();
     view->addAction(slideAction);
     view->addAction(fullScreenAction);
@@ -422,7 +428,7 @@ void ToviMainWindow::CreateToolBar() {
 void ToviMainWindow::UpdateActions() {
     const bool open = document->IsOpen();
     for (QAction* a : {closeAction, saveRecordAction, loadRecordAction, reportAction, exportAction,
-                       slideAction}) {
+                       slideAction, confirmAction}) {
         a->setEnabled(open);
     }
     familyGroup->actions().value(family)->setChecked(true);
@@ -639,7 +645,7 @@ void ToviMainWindow::OnCheckReport() {
 
 void ToviMainWindow::OnExport() {
     if (ToviData* data = document->Data()) {
-        ToviPhotoExport(*data, this).OutputPhotos(slideShow);
+        ToviPhotoExport(*data, this).OutputPhotos(IsSlideMode());
     }
 }
 
@@ -681,6 +687,7 @@ void ToviMainWindow::StartSlideShow() {
         return;
     }
     slideShow = true;
+    SetSlideMode(true);
     slideAction->setChecked(true);
     wasMaximized = isMaximized();
     treeDock->hide();
@@ -699,6 +706,7 @@ void ToviMainWindow::StopSlideShow() {
         return;
     }
     slideShow = false;
+    SetSlideMode(false);
     slideTimer.stop();
     slideAction->setChecked(false);
     menuBar()->show();

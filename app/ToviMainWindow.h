@@ -118,6 +118,7 @@ private:
     QAction* slideAction;
     QAction* fullScreenAction;
     QAction* focusAction;
+    QAction* confirmAction;
     QAction* aboutAction;
     QMenu* recentMenu;
 };
