@@ -260,7 +260,8 @@ void ToviSpiCtrl::LayoutChildren() {
         case ToviPhotoCtrlVisualSetting::TextArrangeBeside:
             imageWidth = imagePaneShare * w / 60;
             splitter->setGeometry(imageWidth, 0, w - imageWidth, area);
-            splitter->show();
+            // A place without a photograph (past the last one, an empty set) shows no lists.
+            splitter->setVisible(Photo() != nullptr);
             break;
         default:
             splitter->hide();
@@ -269,6 +270,10 @@ void ToviSpiCtrl::LayoutChildren() {
     const QRect imageRect(0, c, imageWidth, std::max(0, area - c));
     imageWnd->setGeometry(imageRect);
     failPlate->setGeometry(imageRect);
+    // The strip spans the picture; the cell knows that width only once it has its own size.
+    if (commentStrip) {
+        commentStrip->setGeometry(0, 0, imageWidth, kCommentStripHeight);
+    }
     // The control values take 75 pixels the first time the panes are laid out; after that
     // a growing cell gives its room to the information list (stretch factors), so the pane
     // keeps the height the user last dragged it to.
@@ -350,6 +355,7 @@ QSize ToviSpiCtrl::GetImageSize() const {
 }
 
 void ToviSpiCtrl::AdoptCommentWindow(ToviCommentWindow* window) {
+    commentStrip = window;
     window->setFocusPolicy(Qt::ClickFocus);
     window->installEventFilter(this);
     connect(window, &ToviCommentWindow::Clicked, this, [this](ToviCommentWindow* strip) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -106,6 +107,7 @@ private:
     bool fullShown = false;
     bool pictureShown = false;
     bool panesPlaced = false;  // the splitter got its first sizes
+    QPointer<ToviCommentWindow> commentStrip;  // the panel's strip over the picture, if any
     QTimer timer;
 
     LumImgWnd* imageWnd;
