@@ -83,7 +83,8 @@ int main(int argc, char* argv[]) {
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("DIR"),
-                                 QStringLiteral("開く電子納品のフォルダ（PHOTO.XML のあるフォルダ、またはその上）"));
+                                 QStringLiteral("開く電子納品のフォルダ（PHOTO.XML のあるフォルダ、またはその上）"),
+                                 QStringLiteral("[DIR]"));
     const QCommandLineOption familyOption(
         QStringLiteral("family"),
         QStringLiteral("発注者区分: 0 国土交通省, 1 港湾空港, 2 農林水産省, 3 NEXCO"),
