@@ -83,12 +83,12 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
 
     // The centre shows a word of welcome until a delivery is open.
     centre = new QStackedWidget(this);
-    auto* welcome = new QLabel(
-        QStringLiteral("電子納品のフォルダを開いてください。\n\n"
-                       "［ファイル］→［開く］(%1)、または PHOTO.XML のあるフォルダを\n"
-                       "このウィンドウにドロップします。")
-            .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)),
-        centre);
+    auto* welcome =
+        new QLabel(QStringLiteral("電子納品のフォルダを開いてください。\n\n"
+                                  "［ファイル］→［開く］(%1)、または PHOTO.XML のあるフォルダを\n"
+                                  "このウィンドウにドロップします。")
+                       .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)),
+                   centre);
     welcome->setObjectName(QStringLiteral("welcome"));
     welcome->setAlignment(Qt::AlignCenter);
     welcome->setStyleSheet(QStringLiteral("QLabel { background: white; color: #606060; }"));
@@ -134,7 +134,8 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
 
     pageLabel = new QLabel(this);
     pageLabel->setObjectName(QStringLiteral("pageLabel"));
-    pageLabel->setMinimumWidth(pageLabel->fontMetrics().horizontalAdvance(QStringLiteral("000000 / 000000")));
+    pageLabel->setMinimumWidth(
+        pageLabel->fontMetrics().horizontalAdvance(QStringLiteral("000000 / 000000")));
     pageLabel->setAlignment(Qt::AlignCenter);
     countLabel = new QLabel(this);
     statusBar()->addPermanentWidget(countLabel);
@@ -163,7 +164,8 @@ ToviMainWindow::~ToviMainWindow() {
 
 void ToviMainWindow::CreateActions() {
     QStyle* s = style();
-    openAction = new QAction(s->standardIcon(QStyle::SP_DirOpenIcon), QStringLiteral("開く(&O)..."), this);
+    openAction =
+        new QAction(s->standardIcon(QStyle::SP_DirOpenIcon), QStringLiteral("開く(&O)..."), this);
     openAction->setShortcut(QKeySequence::Open);
     openAction->setToolTip(QStringLiteral("電子納品のフォルダを開く"));
     connect(openAction, &QAction::triggered, this, &ToviMainWindow::OnOpen);
@@ -457,12 +459,13 @@ void ToviMainWindow::UpdateActions() {
 
 void ToviMainWindow::UpdateTitle() {
     const QString name = ToviUi::Instance().ApplicationName();
-    setWindowTitle(document->IsOpen()
-                       ? QStringLiteral("%1 - %2").arg(QDir::toNativeSeparators(document->Folder()), name)
-                       : name);
-    countLabel->setText(document->IsOpen()
-                            ? QStringLiteral("写真 %1 枚").arg(document->Data()->GetTotalCountPhoto())
-                            : QString());
+    setWindowTitle(document->IsOpen() ? QStringLiteral("%1 - %2").arg(
+                                            QDir::toNativeSeparators(document->Folder()), name)
+                                      : name);
+    countLabel->setText(
+        document->IsOpen()
+            ? QStringLiteral("写真 %1 枚").arg(document->Data()->GetTotalCountPhoto())
+            : QString());
 }
 
 QString ToviMainWindow::PageIndicatorText() const {
@@ -519,19 +522,20 @@ bool ToviMainWindow::OpenDelivery(const QString& folder, PhotoXMLType type) {
     }
     shownTab = treeTabs->currentIndex();
     UpdateActions();
-    statusBar()->showMessage(QStringLiteral("%1 を開きました").arg(QDir::toNativeSeparators(folder)),
-                             5000);
+    statusBar()->showMessage(
+        QStringLiteral("%1 を開きました").arg(QDir::toNativeSeparators(folder)), 5000);
     return true;
 }
 
 void ToviMainWindow::OnOpen() {
-    QString folder = document->IsOpen() ? QFileInfo(document->Folder()).absolutePath()
-                                        : recent.value(0);
+    QString folder =
+        document->IsOpen() ? QFileInfo(document->Folder()).absolutePath() : recent.value(0);
     if (folder.isEmpty()) {
         folder = QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
     }
     if (ToviUi::Instance().BrowseForFolder(
-            this, QStringLiteral("電子納品のフォルダ（PHOTO.XML のあるフォルダ）を選択してください"),
+            this,
+            QStringLiteral("電子納品のフォルダ（PHOTO.XML のあるフォルダ）を選択してください"),
             folder)) {
         OpenDelivery(folder, family);
     }
@@ -582,22 +586,21 @@ bool ToviMainWindow::SaveRecord() {
                                  ? QDir(QFileInfo(document->Folder()).absolutePath())
                                        .filePath(QStringLiteral("検査状況.xml"))
                                  : recordPath;
-    const QString path = ToviUi::Instance().GetSaveFileName(
-        this, QStringLiteral("検査状況の保存"), proposed, RecordFilter());
+    const QString path = ToviUi::Instance().GetSaveFileName(this, QStringLiteral("検査状況の保存"),
+                                                            proposed, RecordFilter());
     if (path.isEmpty()) {
         return false;
     }
     int result = -1;
     if (!data->SaveExamination(path, QString(), &result)) {
-        ToviUi::Instance().MessageBox(this, ToviExamResultText(result) + QStringLiteral("。"),
-                                      QString(), ToviUi::ButtonsOk,
-                                      result == ExamCancelled ? ToviUi::IconInformation
-                                                              : ToviUi::IconWarning);
+        ToviUi::Instance().MessageBox(
+            this, ToviExamResultText(result) + QStringLiteral("。"), QString(), ToviUi::ButtonsOk,
+            result == ExamCancelled ? ToviUi::IconInformation : ToviUi::IconWarning);
         return false;
     }
     recordPath = path;
-    statusBar()->showMessage(QStringLiteral("検査状況を保存しました: %1").arg(QDir::toNativeSeparators(path)),
-                             5000);
+    statusBar()->showMessage(
+        QStringLiteral("検査状況を保存しました: %1").arg(QDir::toNativeSeparators(path)), 5000);
     return true;
 }
 
@@ -623,7 +626,8 @@ bool ToviMainWindow::LoadRecord(const QString& given) {
     if (!data->LoadExamination(path, &result)) {
         ToviUi::Instance().MessageBox(
             this,
-            QStringLiteral("%1。\n（%2）").arg(ToviExamResultText(result), QDir::toNativeSeparators(path)),
+            QStringLiteral("%1。\n（%2）")
+                .arg(ToviExamResultText(result), QDir::toNativeSeparators(path)),
             QString(), ToviUi::ButtonsOk, ToviUi::IconWarning);
         return false;
     }
@@ -632,8 +636,8 @@ bool ToviMainWindow::LoadRecord(const QString& given) {
     data->SetCheckStatusChanged(false);
     document->UpdateAllViews(nullptr, ToviData::HintLabelsChanged, nullptr);
     recordPath = path;
-    statusBar()->showMessage(QStringLiteral("検査状況を読み込みました: %1").arg(QDir::toNativeSeparators(path)),
-                             5000);
+    statusBar()->showMessage(
+        QStringLiteral("検査状況を読み込みました: %1").arg(QDir::toNativeSeparators(path)), 5000);
     return true;
 }
 
@@ -771,7 +775,8 @@ QString ToviMainWindow::DroppedFolder(const QMimeData* mime) {
     }
     const QFileInfo info(mime->urls()[0].toLocalFile());
     // A dropped PHOTO.XML stands for its folder.
-    if (info.isFile() && info.fileName().compare(QStringLiteral("PHOTO.XML"), Qt::CaseInsensitive) == 0) {
+    if (info.isFile() &&
+        info.fileName().compare(QStringLiteral("PHOTO.XML"), Qt::CaseInsensitive) == 0) {
         return info.absolutePath();
     }
     return info.isDir() ? info.absoluteFilePath() : QString();
@@ -798,7 +803,8 @@ void ToviMainWindow::LoadFrameSettings() {
     family = static_cast<PhotoXMLType>(std::clamp(ReadInt(FrameSection_, kFamilyEntry, 0), 0, 3));
     recent.clear();
     for (int i = 0; i < kRecentCount; ++i) {
-        const QString path = profile.GetProfileString(RecentSection_, QStringLiteral("Folder%1").arg(i), kUnset);
+        const QString path =
+            profile.GetProfileString(RecentSection_, QStringLiteral("Folder%1").arg(i), kUnset);
         if (!path.isEmpty() && path != kUnset && !recent.contains(path)) {
             recent.append(path);
         }
@@ -809,7 +815,8 @@ void ToviMainWindow::LoadFrameSettings() {
     if (geometry.isEmpty() || !restoreGeometry(geometry)) {
         resize(1280, 720);
     }
-    restoreState(QByteArray::fromBase64(profile.GetProfileString(FrameSection_, kStateEntry, kUnset).toLatin1()));
+    restoreState(QByteArray::fromBase64(
+        profile.GetProfileString(FrameSection_, kStateEntry, kUnset).toLatin1()));
     const int tab = std::clamp(ReadInt(FrameSection_, kTabEntry, 0), 0, 1);
     const QSignalBlocker blocker(treeTabs);
     treeTabs->setCurrentIndex(tab);
@@ -818,8 +825,10 @@ void ToviMainWindow::LoadFrameSettings() {
 
 void ToviMainWindow::SaveFrameSettings() {
     ToviProfile& profile = ToviProfile::Instance();
-    profile.WriteProfileString(FrameSection_, kGeometryEntry, QString::fromLatin1(saveGeometry().toBase64()));
-    profile.WriteProfileString(FrameSection_, kStateEntry, QString::fromLatin1(saveState().toBase64()));
+    profile.WriteProfileString(FrameSection_, kGeometryEntry,
+                               QString::fromLatin1(saveGeometry().toBase64()));
+    profile.WriteProfileString(FrameSection_, kStateEntry,
+                               QString::fromLatin1(saveState().toBase64()));
     profile.WriteProfileInt(FrameSection_, kTabEntry, treeTabs->currentIndex() + 100);
     profile.WriteProfileInt(FrameSection_, kFamilyEntry, family + 100);
 }

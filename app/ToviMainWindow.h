@@ -26,8 +26,8 @@ class ToviMainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    static const QString FrameSection_;     // "MainFrame"
-    static const QString RecentSection_;    // "RecentDelivery"
+    static const QString FrameSection_;   // "MainFrame"
+    static const QString RecentSection_;  // "RecentDelivery"
     static constexpr int kRecentCount = 8;
     static constexpr int kSlideIntervalMs = 3000;
 

@@ -114,8 +114,8 @@ void ToviViewerDocument::Tell(QWidget* window, const QString& text, int icon) co
                                   static_cast<ToviUi::Icon>(icon));
 }
 
-ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested,
-                                                        PhotoXMLType type, QWidget* window) {
+ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested, PhotoXMLType type,
+                                                        QWidget* window) {
     const QString photoFolder = PhotoFolderOf(requested);
     if (photoFolder.isEmpty()) {
         Tell(window,
@@ -123,7 +123,8 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
                  ? QStringLiteral("フォルダ %1 は電子納品のフォルダではありません。\n"
                                   "PHOTO.XML のあるフォルダを指定してください。")
                        .arg(QDir::toNativeSeparators(requested))
-                 : QStringLiteral("フォルダ %1 がありません。").arg(QDir::toNativeSeparators(requested)),
+                 : QStringLiteral("フォルダ %1 がありません。")
+                       .arg(QDir::toNativeSeparators(requested)),
              ToviUi::IconWarning);
         return Failed;
     }
@@ -135,7 +136,8 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
         newData = newFactory->Create(this, photoFolder, type);
     } catch (const std::out_of_range&) {
         // Only a READITEM.XML whose steps don't balance walks off the end of its list.
-        Tell(window, QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
+        Tell(window,
+             QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
              ToviUi::IconError);
         return Failed;
     }
@@ -156,7 +158,9 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
         dialog.SetCancelBtnEnabled(true);
         dialog.Create(window);
         dialog.SetCaption(QStringLiteral("電子納品を開いています"));
-        dialog.SetRange(0, std::max(1, CountPhotoTags(MibResolveCase(photoFolder, QStringLiteral("PHOTO.XML")))));
+        dialog.SetRange(
+            0,
+            std::max(1, CountPhotoTags(MibResolveCase(photoFolder, QStringLiteral("PHOTO.XML")))));
         dialog.SetPos(0);
         dialog.SetMessage(QStringLiteral("写真データの読み込み中..."));
         LoadProgress progress{&dialog};

@@ -42,8 +42,9 @@ public:
     }
 };
 
-// Waits for the first page's thumbnails and then for its whole pictures, writes the window's picture and quits with 0, or 1 when it could not be written. A
-// page that has not settled within a minute is taken as it is.
+// Waits for the first page's thumbnails and then for its whole pictures, writes the window's
+// picture and quits with 0, or 1 when it could not be written. A page that has not settled within a
+// minute is taken as it is.
 void TakeScreenshot(ToviMainWindow& window, const QString& path) {
     static bool taken = false;
     auto write = [&window, path] {
@@ -82,9 +83,10 @@ int main(int argc, char* argv[]) {
     parser.setApplicationDescription(QStringLiteral("電子納品の写真を閲覧・検査します。"));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("DIR"),
-                                 QStringLiteral("開く電子納品のフォルダ（PHOTO.XML のあるフォルダ、またはその上）"),
-                                 QStringLiteral("[DIR]"));
+    parser.addPositionalArgument(
+        QStringLiteral("DIR"),
+        QStringLiteral("開く電子納品のフォルダ（PHOTO.XML のあるフォルダ、またはその上）"),
+        QStringLiteral("[DIR]"));
     const QCommandLineOption familyOption(
         QStringLiteral("family"),
         QStringLiteral("発注者区分: 0 国土交通省, 1 港湾空港, 2 農林水産省, 3 NEXCO"),
@@ -99,9 +101,9 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption sizeOption(QStringLiteral("size"),
                                         QStringLiteral("ウィンドウの大きさ（例 1366x768）"),
                                         QStringLiteral("WxH"));
-    const QCommandLineOption profileOption(
-        QStringLiteral("profile"), QStringLiteral("設定を読み書きするファイル（INI 形式）"),
-        QStringLiteral("FILE"));
+    const QCommandLineOption profileOption(QStringLiteral("profile"),
+                                           QStringLiteral("設定を読み書きするファイル（INI 形式）"),
+                                           QStringLiteral("FILE"));
     parser.addOptions({familyOption, recordOption, screenshotOption, sizeOption, profileOption});
     parser.process(app);
     if (parser.isSet(profileOption)) {
@@ -113,7 +115,8 @@ int main(int argc, char* argv[]) {
         bool ok = false;
         family = parser.value(familyOption).toInt(&ok);
         if (!ok || family < 0 || family > 3) {
-            PrintError(QStringLiteral("tovi-viewer: --family には 0 から 3 の数を指定してください"));
+            PrintError(
+                QStringLiteral("tovi-viewer: --family には 0 から 3 の数を指定してください"));
             return 2;
         }
     }
@@ -135,12 +138,13 @@ int main(int argc, char* argv[]) {
     }
     const bool unattended = parser.isSet(screenshotOption);
     if (parser.isSet(recordOption) && folders.isEmpty()) {
-        PrintError(QStringLiteral("tovi-viewer: --record には電子納品のフォルダも指定してください"));
+        PrintError(
+            QStringLiteral("tovi-viewer: --record には電子納品のフォルダも指定してください"));
         return 2;
     }
 
-    std::unique_ptr<ToviQtUi> ui = unattended ? std::make_unique<ToviUnattendedUi>()
-                                              : std::make_unique<ToviQtUi>();
+    std::unique_ptr<ToviQtUi> ui =
+        unattended ? std::make_unique<ToviUnattendedUi>() : std::make_unique<ToviQtUi>();
     ToviUi::Install(ui.get());
     int code = 0;
     {

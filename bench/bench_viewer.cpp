@@ -100,7 +100,8 @@ QString Delivery() {
             qFatal("no PHOTO.XML");
         }
         const QString text = Cp932::ToUnicode(xml.readAll());
-        static const QRegularExpression name(QStringLiteral("<写真ファイル名>([^<]+)</写真ファイル名>"));
+        static const QRegularExpression name(
+            QStringLiteral("<写真ファイル名>([^<]+)</写真ファイル名>"));
         int n = 0;
         for (auto it = name.globalMatch(text); it.hasNext(); ++n) {
             const QString target = photo + QStringLiteral("/PIC/") + it.next().captured(1);
@@ -134,16 +135,16 @@ std::unique_ptr<ToviMainWindow> window;
 ToviMainWindow& Window() {
     if (!window) {
         window = [] {
-        const QString folder = Delivery();
-        auto made = std::make_unique<ToviMainWindow>();
-        made->resize(1366, 768);
-        made->show();
-        if (!made->OpenDelivery(folder, PhotoXMLMlit)) {
-            qFatal("the delivery did not open");
-        }
-        made->SetDivideType(ToviPhotoCtrlVisualSetting::Divide6);
-        WaitForPage(*made);
-        return made;
+            const QString folder = Delivery();
+            auto made = std::make_unique<ToviMainWindow>();
+            made->resize(1366, 768);
+            made->show();
+            if (!made->OpenDelivery(folder, PhotoXMLMlit)) {
+                qFatal("the delivery did not open");
+            }
+            made->SetDivideType(ToviPhotoCtrlVisualSetting::Divide6);
+            WaitForPage(*made);
+            return made;
         }();
     }
     return *window;

@@ -31,7 +31,9 @@ namespace {
 class RecordingPanel : public ToviPanel {
 public:
     QStringList events;
-    void OnPostAttachData() override { events.append(data ? QStringLiteral("attach") : QStringLiteral("detached")); }
+    void OnPostAttachData() override {
+        events.append(data ? QStringLiteral("attach") : QStringLiteral("detached"));
+    }
     void OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject* object) override {
         events.append(QStringLiteral("hint%1").arg(hint));
         ToviPanel::OnUpdate(sender, hint, object);
@@ -70,7 +72,8 @@ private slots:
         options.images = DeliveryOptions::Images::Tiny;
         WrittenDelivery written;
         QString error;
-        QVERIFY2(WriteDelivery(Path(QStringLiteral("d")), options, &written, &error), qPrintable(error));
+        QVERIFY2(WriteDelivery(Path(QStringLiteral("d")), options, &written, &error),
+                 qPrintable(error));
         pictures = written.photoFolder;
         options.photoCount = 7;
         options.images = DeliveryOptions::Images::None;
@@ -113,7 +116,8 @@ private slots:
         QCOMPARE(document.Open(QFileInfo(other).absolutePath(), PhotoXMLMlit, nullptr),
                  ToviViewerDocument::Opened);
         QCOMPARE(document.Data()->GetTotalCountPhoto(), 7);
-        QCOMPARE(panel.events.mid(0, 2), QStringList({QStringLiteral("hint9"), QStringLiteral("detached")}));
+        QCOMPARE(panel.events.mid(0, 2),
+                 QStringList({QStringLiteral("hint9"), QStringLiteral("detached")}));
         QCOMPARE(panel.events.mid(panel.events.size() - 2),
                  QStringList({QStringLiteral("attach"), QStringLiteral("hint0")}));
         panel.events.clear();
@@ -129,11 +133,12 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<bool>("cancel");
         QTest::addColumn<QString>("message");
-        QTest::newRow("missing") << QStringLiteral("nowhere") << false << QStringLiteral("がありません");
+        QTest::newRow("missing") << QStringLiteral("nowhere") << false
+                                 << QStringLiteral("がありません");
         QTest::newRow("not a delivery") << QStringLiteral("plain") << false
                                         << QStringLiteral("電子納品のフォルダではありません");
-        QTest::newRow("unknown DOCTYPE") << QStringLiteral("unknown") << false
-                                         << QStringLiteral("文書型宣言");
+        QTest::newRow("unknown DOCTYPE")
+            << QStringLiteral("unknown") << false << QStringLiteral("文書型宣言");
         QTest::newRow("cancelled") << QString() << true << QString();
     }
     void openFailures() {
@@ -157,7 +162,8 @@ private slots:
         QCOMPARE(panel.events, QStringList());
         QCOMPARE(ui->Questions().size(), questions + (cancel ? 0 : 1));
         if (!cancel) {
-            QVERIFY2(ui->Questions().last().text.contains(message), qPrintable(ui->Questions().last().text));
+            QVERIFY2(ui->Questions().last().text.contains(message),
+                     qPrintable(ui->Questions().last().text));
             QCOMPARE(ui->Questions().last().caption, QString());
         }
     }
@@ -206,7 +212,8 @@ private slots:
         QVERIFY(!window.Document()->Data()->GetPhoto(59)->IsLabelPasted(1));
         QVERIFY(window.LoadRecord(record));
         QVERIFY(window.Document()->Data()->GetPhoto(59)->IsLabelPasted(1));
-        QCOMPARE(window.LabelTree()->GetTreeCtrl()->topLevelItem(0)->child(1)->text(0).section(QLatin1Char(' '), -1),
+        QCOMPARE(window.LabelTree()->GetTreeCtrl()->topLevelItem(0)->child(1)->text(0).section(
+                     QLatin1Char(' '), -1),
                  QStringLiteral("<1>"));
         QVERIFY(window.OpenDelivery(other, PhotoXMLMlit));
         const qsizetype questions = ui->Questions().size();
@@ -259,12 +266,13 @@ private slots:
         QProcess viewer;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         // Nothing of the user's: settings, work folder and caches all in the test's folder.
-        for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
-                                 "XDG_RUNTIME_DIR"}) {
+        for (const char* name :
+             {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
             env.insert(QString::fromLatin1(name), Path(QStringLiteral("home")));
         }
         QDir().mkpath(Path(QStringLiteral("home")));
-        QFile::setPermissions(Path(QStringLiteral("home")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QFile::setPermissions(Path(QStringLiteral("home")),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         viewer.setProcessEnvironment(env);
         viewer.start(QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-viewer"),
