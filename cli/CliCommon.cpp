@@ -113,8 +113,8 @@ CliUi::~CliUi() {
     ToviUi::Install(nullptr);
 }
 
-int CliUi::MessageBox(QWidget* parent, const QString& text, const QString& caption,
-                      Buttons buttons, Icon icon) {
+int CliUi::MessageBox(QWidget* parent, const QString& text, const QString& caption, Buttons buttons,
+                      Icon icon) {
     PrintError(text);
     return ToviNonInteractiveUi::MessageBox(parent, text, caption, buttons, icon);
 }

@@ -80,7 +80,8 @@ void ToviImageLoader::WaitForDone() {
 void ToviImageLoader::Deliver(const QString& key, const QImage& image) {
     if (!image.isNull()) {
         const qint64 kilobytes = std::max<qint64>(image.sizeInBytes() >> 10, 1);
-        cache.insert(key, new QImage(image), static_cast<int>(std::min<qint64>(kilobytes, INT_MAX)));
+        cache.insert(key, new QImage(image),
+                     static_cast<int>(std::min<qint64>(kilobytes, INT_MAX)));
     }
     const QList<quint64> answered = waiting.take(key);
     const QString path = key.mid(key.indexOf(QLatin1Char(':')) + 1);

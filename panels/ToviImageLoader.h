@@ -46,8 +46,8 @@ private:
     void Deliver(const QString& key, const QImage& image);
 
     QThreadPool pool;
-    QCache<QString, QImage> cache;  // cost in kilobytes
-    QHash<quint64, QString> tickets;       // outstanding ticket -> key
+    QCache<QString, QImage> cache;           // cost in kilobytes
+    QHash<quint64, QString> tickets;         // outstanding ticket -> key
     QHash<QString, QList<quint64>> waiting;  // key being decoded -> its tickets
     quint64 nextTicket = 1;
 };

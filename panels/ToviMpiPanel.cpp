@@ -458,7 +458,8 @@ void ToviMpiPanel::SetVisualSetting(const ToviPhotoCtrlVisualSetting& setting, b
                          setting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideThumbList ||
                          visualSetting.IsChangeEditCheckTerm(setting) || force;
     const bool itemsChanged = setting.GetItemShowSettings() != visualSetting.GetItemShowSettings();
-    const bool arrangeChanged = setting.GetImageTextArrange() != visualSetting.GetImageTextArrange();
+    const bool arrangeChanged =
+        setting.GetImageTextArrange() != visualSetting.GetImageTextArrange();
     const bool detailChanged = setting.GetVisibleDetail() != visualSetting.GetVisibleDetail();
     const bool commentChanged = setting.GetVisibleComment() != visualSetting.GetVisibleComment();
     int top = 0;

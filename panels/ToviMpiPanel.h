@@ -22,9 +22,9 @@ class ToviSpiCtrl;
 class ToviMpiPanel : public ToviPanel {
     Q_OBJECT
 public:
-    static const QString MultiDialogSection_;   // "MultiDialogSize"
-    static const QString MultiDialogSection2_;  // "MultiDialogInfo"
-    static const QString ConfirmDialogSection_; // "ConfirmDialog"
+    static const QString MultiDialogSection_;    // "MultiDialogSize"
+    static const QString MultiDialogSection2_;   // "MultiDialogInfo"
+    static const QString ConfirmDialogSection_;  // "ConfirmDialog"
     static const QString MultiDlgWEntry_;
     static const QString MultiDlgHEntry_;
     static const QString MultiDlgTabIdxEntry_;

@@ -226,9 +226,9 @@ void ToviSpiCtrl::FillInfo() {
     infoList->AddDefinitionColours(*def);
     infoList->AddShowSettingColours(settings);
     infoList->Fill(settings, shown);
-    infoList->AdjustColumns(settings.IsShowTitle(),
-                            visualSetting->GetImageTextArrange() ==
-                                ToviPhotoCtrlVisualSetting::TextArrangeBeside);
+    infoList->AdjustColumns(
+        settings.IsShowTitle(),
+        visualSetting->GetImageTextArrange() == ToviPhotoCtrlVisualSetting::TextArrangeBeside);
 
     ToviTextPairArray all;
     photo->GetTextPairs(def, all);
@@ -288,9 +288,9 @@ void ToviSpiCtrl::LayoutChildren() {
 void ToviSpiCtrl::LayoutPanes() {
     bottomPane->setVisible(ControlValuesShown());
     if (visualSetting) {
-        infoList->AdjustColumns(visualSetting->GetItemShowSettings().IsShowTitle(),
-                                visualSetting->GetImageTextArrange() ==
-                                    ToviPhotoCtrlVisualSetting::TextArrangeBeside);
+        infoList->AdjustColumns(
+            visualSetting->GetItemShowSettings().IsShowTitle(),
+            visualSetting->GetImageTextArrange() == ToviPhotoCtrlVisualSetting::TextArrangeBeside);
     }
 }
 
@@ -418,8 +418,9 @@ void ToviSpiCtrl::OnLabelClicked(int label) {
     ToviPhoto* photo = Photo();
     if (label == 4 && IsSlideMode()) {
         namePlate->Button(4)->SetPressed(!namePlate->Button(4)->IsPressed());
-        ToviUi::Instance().MessageBox(this, QStringLiteral("スライドモード中はコメントの編集ができません。"),
-                                      QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);
+        ToviUi::Instance().MessageBox(
+            this, QStringLiteral("スライドモード中はコメントの編集ができません。"), QString(),
+            ToviUi::ButtonsOk, ToviUi::IconInformation);
         return;
     }
     if (!photo) {

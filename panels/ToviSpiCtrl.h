@@ -29,8 +29,8 @@ public:
     static constexpr int kCommentStripHeight = 30;
 
     // setting is the panel's copy and loader the panel's, neither owned.
-    ToviSpiCtrl(ToviData* data, const ToviPhotoCtrlVisualSetting* setting,
-                ToviImageLoader* loader, int id, QWidget* parent = nullptr);
+    ToviSpiCtrl(ToviData* data, const ToviPhotoCtrlVisualSetting* setting, ToviImageLoader* loader,
+                int id, QWidget* parent = nullptr);
     ~ToviSpiCtrl() override;
 
     int Id() const { return id; }
@@ -106,7 +106,7 @@ private:
     quint64 fullTicket = 0;
     bool fullShown = false;
     bool pictureShown = false;
-    bool panesPlaced = false;  // the splitter got its first sizes
+    bool panesPlaced = false;                  // the splitter got its first sizes
     QPointer<ToviCommentWindow> commentStrip;  // the panel's strip over the picture, if any
     QTimer timer;
 

@@ -389,8 +389,8 @@ bool LumImage::LoadForDisplay(const QString& path, int longSide) {
         return false;
     }
     const ExifBits exif = ReadExif(data.left(head.scanData));
-    return Assign(
-        Orient(DecodeJpeg(data, ThumbDecodeSize(head.width, head.height, longSide)), exif.orientation));
+    return Assign(Orient(DecodeJpeg(data, ThumbDecodeSize(head.width, head.height, longSide)),
+                         exif.orientation));
 }
 
 bool LumImage::LoadThumb(const QString& path) {
@@ -488,8 +488,8 @@ bool LumImage::SaveSvgAsJpeg(const QString& svgPath, const QString& outPath, int
         return false;
     }
     if (drawing.Width() > width || drawing.Height() > height) {
-        drawing.image = drawing.image.scaled(width, height, Qt::KeepAspectRatio,
-                                             Qt::SmoothTransformation);
+        drawing.image =
+            drawing.image.scaled(width, height, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }
     return drawing.Save(outPath, LumImageJpeg, 1);
 }

@@ -62,8 +62,7 @@ int ToviQtUi::MessageBox(QWidget* parent, const QString& text, const QString& ca
         default:
             break;
     }
-    QMessageBox box(shown, caption.isEmpty() ? ApplicationName() : caption, text, standard,
-                    parent);
+    QMessageBox box(shown, caption.isEmpty() ? ApplicationName() : caption, text, standard, parent);
     box.setObjectName(QStringLiteral("ToviMessageBox"));
     switch (box.exec()) {
         case QMessageBox::Ok:
@@ -116,8 +115,8 @@ std::unique_ptr<ToviProgressView> ToviQtUi::CreateProgressView(QWidget* parent) 
 }
 
 void ToviQtUi::BeginWait(QWidget* parent, const QString& message, int animation) {
-    wait = std::make_unique<ToviWaitWindow>(parent ? parent : QApplication::activeWindow(),
-                                            message, animation);
+    wait = std::make_unique<ToviWaitWindow>(parent ? parent : QApplication::activeWindow(), message,
+                                            animation);
     wait->setWindowTitle(ApplicationName());
     wait->show();
     // The work that follows blocks the thread: the window is drawn before it starts.

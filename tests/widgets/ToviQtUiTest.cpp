@@ -71,10 +71,10 @@ private slots:
                                 << int(ToviUi::AnswerCancel);
         QTest::newRow("Yes") << int(ToviUi::ButtonsYesNoCancel) << int(QMessageBox::Yes)
                              << int(ToviUi::AnswerYes);
-        QTest::newRow("Escape on yes/no") << int(ToviUi::ButtonsYesNo) << 0
-                                          << int(ToviUi::AnswerNo);
-        QTest::newRow("Escape on yes/no/cancel") << int(ToviUi::ButtonsYesNoCancel) << 0
-                                                 << int(ToviUi::AnswerCancel);
+        QTest::newRow("Escape on yes/no")
+            << int(ToviUi::ButtonsYesNo) << 0 << int(ToviUi::AnswerNo);
+        QTest::newRow("Escape on yes/no/cancel")
+            << int(ToviUi::ButtonsYesNoCancel) << 0 << int(ToviUi::AnswerCancel);
     }
     void messageBox() {
         QFETCH(int, buttons);
