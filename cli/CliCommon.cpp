@@ -3,9 +3,7 @@
 #include "document/ToviData.h"
 #include "document/ToviHostDocument.h"
 #include "loading/ToviEnouDataFactory.h"
-#include "platform/MibFile.h"
 
-#include <QFileInfo>
 
 #include <cstdio>
 #include <stdexcept>
