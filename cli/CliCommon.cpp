@@ -4,7 +4,6 @@
 #include "document/ToviHostDocument.h"
 #include "loading/ToviEnouDataFactory.h"
 
-
 #include <cstdio>
 #include <stdexcept>
 
