@@ -194,10 +194,16 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
     // The one open now goes first: its settings write themselves back before the new
     // document reads them, and its combine work area is removed before a new one is made.
     Close(window);
+    // The work area is this delivery's to remove at its close when its combine made it: a
+    // copied disc, or later discs added to one opened in place. One that was there already
+    // (another window's, or left by a killed run) is not ours to remove.
+    const bool workAreaBefore = QFileInfo::exists(newFactory->CombineFolder());
     // A failed combine has told why and removed its work area.
     if (!newFactory->StartCombineProc(photoFolder, newData.get(), true, window)) {
         return Failed;
     }
+    ownsWorkArea = !newFactory->CombineFolder().isEmpty() && !workAreaBefore &&
+                   QFileInfo::exists(newFactory->CombineFolder());
     newData->Load();
     // The list modes are not shown by this viewer yet: a stored list mode opens as four
     // photographs a page.
@@ -232,10 +238,10 @@ void ToviViewerDocument::Close(QWidget* window) {
         }
     }
     data.reset();
-    if (factory && !factory->CombineFolder().isEmpty() &&
-        factory->GetDataFolderPath() == factory->CombinePhotoFolder()) {
+    if (factory && ownsWorkArea) {
         factory->DeleteTempData(window);
     }
+    ownsWorkArea = false;
     factory.reset();
     folder.clear();
     emit DeliveryClosed();

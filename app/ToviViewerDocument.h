@@ -65,4 +65,5 @@ private:
     std::unique_ptr<ToviData> data;
     QString folder;
     PhotoXMLType family = PhotoXMLMlit;
+    bool ownsWorkArea = false;  // the combine of this delivery made the work area
 };

@@ -2,6 +2,7 @@
 #include "app/ToviViewerDocument.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
+#include "loading/ToviEnouDataFactory.h"
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
@@ -100,6 +101,7 @@ private slots:
     void cleanupTestCase() {
         ToviProfile::Instance().UseFile(QString());
         ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+        ToviEnvironment::SetMountTableForTesting(QString());
     }
 
     // The start sequence attaches and then sends hint 0; a second delivery stops the first
@@ -125,6 +127,38 @@ private slots:
         QCOMPARE(panel.events.first(), QStringLiteral("hint9"));
         QCOMPARE(panel.GetData(), nullptr);
         QVERIFY(!document.IsOpen());
+    }
+
+    // A disc is read from the work area the combine copied it to, which goes with the
+    // delivery; a work area that was there before the open is not the viewer's to remove.
+    void workArea() {
+        DeliveryOptions options;
+        options.photoCount = 3;
+        options.images = DeliveryOptions::Images::Tiny;
+        WrittenDelivery disc;
+        QString error;
+        QVERIFY(WriteDelivery(Path(QStringLiteral("disc")), options, &disc, &error));
+        QFile table(Path(QStringLiteral("mounts")));
+        QVERIFY(table.open(QIODevice::WriteOnly));
+        table.write("/dev/sr0 " + QFile::encodeName(Path(QStringLiteral("disc"))) +
+                    " iso9660 ro 0 0\n");
+        table.close();
+        ToviEnvironment::SetMountTableForTesting(table.fileName());
+        ToviViewerDocument document;
+        QCOMPARE(document.Open(disc.photoFolder, PhotoXMLMlit, nullptr),
+                 ToviViewerDocument::Opened);
+        const QString area = ToviEnouDataFactory().CombineFolder();
+        QVERIFY(QFileInfo(area).isDir());
+        QVERIFY(document.Data()->GetPhoto(0)->GetImagePath().startsWith(area));
+        document.Close();
+        QVERIFY(!QFileInfo::exists(area));
+
+        ToviEnvironment::SetMountTableForTesting(QString());
+        QVERIFY(QDir().mkpath(area));
+        QCOMPARE(document.Open(pictures, PhotoXMLMlit, nullptr), ToviViewerDocument::Opened);
+        document.Close();
+        QVERIFY(QFileInfo(area).isDir());
+        QVERIFY(QDir(area).removeRecursively());
     }
 
     // A delivery that can't be shown is told in one message and leaves the open one alone;
