@@ -12,6 +12,7 @@
 #include "review/ToviXmlManager.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/TreeItemPoint.h"
 #include "tests/support/WorkArea.h"
 
 #include <QActionGroup>
@@ -273,7 +274,7 @@ private slots:
             QCOMPARE(window.PageIndicatorText(), QStringLiteral("1 / 1"));
             QTreeWidget* tree = window.FolderTree()->GetTreeCtrl();
             QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
-                              tree->visualItemRect(tree->topLevelItem(0)).center());
+                              TreeItemPoint(tree, tree->topLevelItem(0)));
             QCOMPARE(window.PageIndicatorText(), QStringLiteral("1 / 10"));
             QTest::mouseClick(window.TreeTabs()->tabBar(), Qt::LeftButton, {},
                               window.TreeTabs()->tabBar()->tabRect(1).center());

@@ -10,6 +10,7 @@
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/widgets/LumImgWnd.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/TreeItemPoint.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
@@ -52,7 +53,7 @@ public:
 
 void Click(QTreeWidget* tree, QTreeWidgetItem* item, Qt::MouseButton button = Qt::LeftButton) {
     tree->scrollToItem(item);
-    QTest::mouseClick(tree->viewport(), button, {}, tree->visualItemRect(item).center());
+    QTest::mouseClick(tree->viewport(), button, {}, TreeItemPoint(tree, item));
 }
 
 QStringList Texts(QTreeWidgetItem* item) {
@@ -159,7 +160,7 @@ private slots:
             QTest::keyClick(menu, Qt::Key_Return);
         });
         tree->scrollToItem(branch);
-        const QPoint at = tree->visualItemRect(branch).center();
+        const QPoint at = TreeItemPoint(tree, branch);
         QContextMenuEvent menuEvent(QContextMenuEvent::Mouse, tree->viewport()->mapTo(&panel, at),
                                     tree->viewport()->mapToGlobal(at));
         QApplication::sendEvent(&panel, &menuEvent);
@@ -216,8 +217,8 @@ private slots:
             document->GetPhotoActualPhotoArray(i)->PasteLabel(1);
         }
         panel.OnUpdate(nullptr, ToviData::HintLabelsChanged, nullptr);
-        QCOMPARE(root->child(1)->text(0), labels.GetLabelAttribute(1).GetName() +
-                                              QStringLiteral(" <12>"));
+        QCOMPARE(root->child(1)->text(0),
+                 labels.GetLabelAttribute(1).GetName() + QStringLiteral(" <12>"));
         QCOMPARE(root->child(2)->text(0), labels.GetLabelAttribute(2).GetName());
 
         root->setExpanded(true);
@@ -244,7 +245,8 @@ private slots:
         }
         paths.append(temp.filePath(QStringLiteral("broken.jpg")));
         QFile broken(paths.last());
-        QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write("\xff\xd8\xff not a picture") > 0);
+        QVERIFY(broken.open(QIODevice::WriteOnly) &&
+                broken.write("\xff\xd8\xff not a picture") > 0);
         broken.close();
 
         ToviImageLoader loader;
@@ -345,9 +347,9 @@ private slots:
 
         cell.SetPhoto(0);
         ToviPhoto* photo = document->GetPhoto(0);
-        QCOMPARE(cell.NamePlate()->Title(),
-                 photo->GetTitle(document->GetItemDef()->GetIndexFromEnum(
-                     setting.GetTitleShowType())));
+        QCOMPARE(
+            cell.NamePlate()->Title(),
+            photo->GetTitle(document->GetItemDef()->GetIndexFromEnum(setting.GetTitleShowType())));
         QVERIFY(cell.InfoList()->topLevelItemCount() > 0);
         QCOMPARE(cell.NamePlate()->geometry(), QRect(0, 400 - 27, 640, 27));
         QCOMPARE(cell.ImageWnd()->width(), 35 * 640 / 60);
@@ -539,8 +541,10 @@ private slots:
     // The dialogs' sizes are kept as value + 100; a stored value below 100 is ignored.
     void persistence() {
         ToviProfile& profile = ToviProfile::Instance();
-        profile.WriteProfileInt(ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgWEntry_, 99);
-        profile.WriteProfileInt(ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgHEntry_, 420);
+        profile.WriteProfileInt(ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgWEntry_,
+                                99);
+        profile.WriteProfileInt(ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgHEntry_,
+                                420);
         {
             ToviMpiPanel panel(&host);
             QCOMPARE(panel.DialogWidth(), 0);

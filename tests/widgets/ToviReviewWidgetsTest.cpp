@@ -14,6 +14,7 @@
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/TreeItemPoint.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -458,8 +459,7 @@ private slots:
         mark = tree->currentItem();
         QTreeWidgetItem* other = root;
         tree->scrollToItem(other);
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
-                          tree->visualItemRect(other).center());
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, TreeItemPoint(tree, other));
         QCOMPARE(tree->currentItem(), mark);
         QTest::keyClick(dialog, Qt::Key_Escape);
         QTest::keyClick(dialog, Qt::Key_Return);
