@@ -130,6 +130,7 @@ private slots:
         ToviFolderTreePanel panel;
         panel.resize(320, 600);
         panel.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&panel));  // the tree has its size before a click
         host.panels = {&panel};
         panel.Attach(document.get());
         document->SetSelected(document.get(), true);
@@ -204,6 +205,7 @@ private slots:
         ToviLabelTreePanel panel;
         panel.resize(320, 400);
         panel.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&panel));
         host.panels = {&panel};
         panel.Attach(document.get());
         panel.OnUpdate(nullptr, ToviData::HintInitialize, nullptr);
