@@ -508,12 +508,13 @@ bool ToviMainWindow::OpenDelivery(const QString& folder, PhotoXMLType type) {
     if (!ConfirmDiscard()) {
         return false;
     }
-    family = type;
     const ToviViewerDocument::OpenResult result = document->Open(folder, type, this);
     if (result != ToviViewerDocument::Opened) {
         UpdateActions();
         return false;
     }
+    // The delivery may have been recognised under another client than the one asked for.
+    family = document->Family();
     recordPath.clear();
     AddRecent(folder);
     // A label tree shown at the start makes its label the current set.
@@ -522,8 +523,12 @@ bool ToviMainWindow::OpenDelivery(const QString& folder, PhotoXMLType type) {
     }
     shownTab = treeTabs->currentIndex();
     UpdateActions();
-    statusBar()->showMessage(
-        QStringLiteral("%1 を開きました").arg(QDir::toNativeSeparators(folder)), 5000);
+    QString opened = QStringLiteral("%1 を開きました").arg(QDir::toNativeSeparators(folder));
+    if (family != type) {
+        opened += QStringLiteral("（発注者区分: %1）")
+                      .arg(PlainText(familyGroup->actions().value(family)));
+    }
+    statusBar()->showMessage(opened, 10000);
     return true;
 }
 

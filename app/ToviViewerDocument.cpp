@@ -129,17 +129,41 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
         return Failed;
     }
 
-    auto newFactory = std::make_unique<ToviEnouDataFactory>();
-    newFactory->Async(true);
+    // The family chosen is tried first. Inspectors rarely know which client's standard a
+    // delivery follows, so one whose DOCTYPE that family does not know is tried under the
+    // others before the failure is told; the first that knows it is taken.
+    std::unique_ptr<ToviEnouDataFactory> newFactory;
     std::unique_ptr<ToviData> newData;
-    try {
-        newData = newFactory->Create(this, photoFolder, type);
-    } catch (const std::out_of_range&) {
-        // Only a READITEM.XML whose steps don't balance walks off the end of its list.
-        Tell(window,
-             QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
-             ToviUi::IconError);
-        return Failed;
+    std::unique_ptr<ToviEnouDataFactory> firstFactory;
+    std::unique_ptr<ToviData> firstData;
+    PhotoXMLType used = type;
+    for (int n = 0; n < 4; ++n) {
+        used = static_cast<PhotoXMLType>(n == 0 ? type : (type + n) % 4);
+        newFactory = std::make_unique<ToviEnouDataFactory>();
+        newFactory->Async(true);
+        try {
+            newData = newFactory->Create(this, photoFolder, used);
+        } catch (const std::out_of_range&) {
+            // Only a READITEM.XML whose steps don't balance walks off the end of its list.
+            Tell(window,
+                 QStringLiteral(
+                     "項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
+                 ToviUi::IconError);
+            return Failed;
+        }
+        if (!newData || newData->GetErrorType() != ReadErrUnknownPhotoXml) {
+            break;
+        }
+        if (!firstData) {
+            // The failure told is the one of the family chosen.
+            firstFactory = std::move(newFactory);
+            firstData = std::move(newData);
+        }
+    }
+    if (newData && newData->GetErrorType() == ReadErrUnknownPhotoXml && firstData) {
+        newFactory = std::move(firstFactory);
+        newData = std::move(firstData);
+        used = type;
     }
     if (!newData) {
         Tell(window, QStringLiteral("PHOTO.XML を読み込めません。"), ToviUi::IconError);
@@ -216,7 +240,7 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
     factory = std::move(newFactory);
     data = std::move(newData);
     folder = photoFolder;
-    family = type;
+    family = used;
     for (const QPointer<ToviPanel>& panel : panels) {
         if (panel) {
             panel->Attach(data.get());

@@ -162,6 +162,22 @@ private slots:
         QVERIFY(QDir(area).removeRecursively());
     }
 
+    // A delivery whose DOCTYPE the family asked for doesn't know opens under the family that
+    // knows it.
+    void otherFamily() {
+        DeliveryOptions options;
+        options.generation = Generation::Maff15;  // a DOCTYPE only 農水省 knows
+        options.photoCount = 2;
+        options.images = DeliveryOptions::Images::None;
+        WrittenDelivery maff;
+        QString error;
+        QVERIFY(WriteDelivery(Path(QStringLiteral("maff")), options, &maff, &error));
+        ToviMainWindow window;
+        QVERIFY(window.OpenDelivery(maff.photoFolder, PhotoXMLMlit));
+        QCOMPARE(window.Family(), static_cast<PhotoXMLType>(maff.family));
+        QCOMPARE(window.Document()->Data()->GetTotalCountPhoto(), 2);
+    }
+
     // A delivery that can't be shown is told in one message and leaves the open one alone;
     // a cancelled load tells nothing.
     void openFailures_data() {
