@@ -1,6 +1,7 @@
 #include "app/ToviMainWindow.h"
 
 #include "document/ToviData.h"
+#include "document/ToviNode.h"
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
@@ -9,6 +10,7 @@
 #include "platform/ToviProfile.h"
 #include "platform/ToviUi.h"
 #include "reports/ToviPhotoExport.h"
+#include "review/ToviLabelManager.h"
 #include "review/ToviXmlManager.h"
 
 #include <QActionGroup>
@@ -137,6 +139,10 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
     pageLabel->setMinimumWidth(
         pageLabel->fontMetrics().horizontalAdvance(QStringLiteral("000000 / 000000")));
     pageLabel->setAlignment(Qt::AlignCenter);
+    // The status bar: where the photographs shown come from, and how many the delivery has.
+    placeLabel = new QLabel(this);
+    placeLabel->setObjectName(QStringLiteral("placeLabel"));
+    statusBar()->addWidget(placeLabel, 1);
     countLabel = new QLabel(this);
     statusBar()->addPermanentWidget(countLabel);
 
@@ -475,7 +481,32 @@ QString ToviMainWindow::PageIndicatorText() const {
 void ToviMainWindow::OnPageChanged(int current, int total) {
     pageLabel->setText(total > 0 ? QStringLiteral("%1 / %2").arg(current).arg(total)
                                  : QStringLiteral("- / -"));
+    placeLabel->setText(CurrentSetText());
     UpdateActions();
+}
+
+QString ToviMainWindow::CurrentSetText() const {
+    ToviData* data = document->Data();
+    if (!data) {
+        return QString();
+    }
+    QString place;
+    if (treeTabs->currentIndex() == 1) {
+        const int label = data->GetSelectedIndex();
+        const ToviLabelManager* labels = data->GetLabelManager();
+        place = label >= 0 && label < 6 && labels
+                    ? QStringLiteral("付箋 › %1").arg(labels->GetLabelAttribute(label).GetName())
+                    : QStringLiteral("付箋");
+    } else {
+        // The node's path below the root, whose title is the whole path of PHOTO.XML.
+        QStringList path;
+        for (const ToviNode* node = data->GetSelectedNode(); node && node->Parent();
+             node = node->Parent()) {
+            path.prepend(node->Title());
+        }
+        place = path.isEmpty() ? QStringLiteral("すべての写真") : path.join(QStringLiteral(" › "));
+    }
+    return QStringLiteral("%1　（%2 枚）").arg(place).arg(data->GetCurrentPhotoCount());
 }
 
 // ---- tree tabs -----------------------------------------------------------------------------
@@ -523,12 +554,12 @@ bool ToviMainWindow::OpenDelivery(const QString& folder, PhotoXMLType type) {
     }
     shownTab = treeTabs->currentIndex();
     UpdateActions();
-    QString opened = QStringLiteral("%1 を開きました").arg(QDir::toNativeSeparators(folder));
+    // The title names the folder; the status bar says only what the user did not choose.
     if (family != type) {
-        opened += QStringLiteral("（発注者区分: %1）")
-                      .arg(PlainText(familyGroup->actions().value(family)));
+        statusBar()->showMessage(QStringLiteral("発注者区分「%1」の電子納品として開きました")
+                                     .arg(PlainText(familyGroup->actions().value(family))),
+                                 10000);
     }
-    statusBar()->showMessage(opened, 10000);
     return true;
 }
 

@@ -57,6 +57,8 @@ public:
     ToviLabelTreePanel* LabelTree() const { return labelTree; }
     QTabWidget* TreeTabs() const { return treeTabs; }
     QString PageIndicatorText() const;
+    // The node or label whose photographs are shown, with their number.
+    QString CurrentSetText() const;
     QStringList RecentDeliveries() const { return recent; }
     PhotoXMLType Family() const { return family; }
 
@@ -91,6 +93,7 @@ private:
     ToviLabelTreePanel* labelTree;
     int shownTab = 0;
     QLabel* pageLabel;
+    QLabel* placeLabel;
     QLabel* countLabel;
     PhotoXMLType family = PhotoXMLMlit;
     QStringList recent;

@@ -292,6 +292,7 @@ private slots:
             QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
                               TreeItemPoint(tree, tree->topLevelItem(0)));
             QCOMPARE(window.PageIndicatorText(), QStringLiteral("1 / 10"));
+            QCOMPARE(window.CurrentSetText(), QStringLiteral("すべての写真　（60 枚）"));
             QTest::mouseClick(window.TreeTabs()->tabBar(), Qt::LeftButton, {},
                               window.TreeTabs()->tabBar()->tabRect(1).center());
             QCOMPARE(window.TreeTabs()->currentIndex(), 1);
