@@ -2,6 +2,7 @@
 
 #include "document/ToviData.h"
 #include "document/ToviNode.h"
+#include "document/ToviPhoto.h"
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
@@ -344,6 +345,22 @@ void ToviMainWindow::CreateActions() {
         }
     });
 
+    // Labels from the keyboard: Ctrl+1 to Ctrl+6 paste a label on the selected photograph, or
+    // take it off again, as its button on the name plate does; the comment label opens the
+    // comment. The texts are the label names, renewed when a delivery opens.
+    for (int label = 0; label < 6; ++label) {
+        QAction* a = new QAction(this);
+        a->setCheckable(true);
+        a->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + label)));
+        connect(a, &QAction::triggered, this, [this, label] { ToggleLabel(label); });
+        labelActions.append(a);
+    }
+    removeAllLabelsAction = new QAction(QStringLiteral("すべての付箋をはがす(&A)"), this);
+    connect(removeAllLabelsAction, &QAction::triggered, this, [this] {
+        mpiPanel->OnRemoveAllLabel();
+        UpdateLabelActions();
+    });
+
     aboutAction = new QAction(QStringLiteral("バージョン情報(&A)"), this);
     aboutAction->setMenuRole(QAction::AboutRole);
     connect(aboutAction, &QAction::triggered, this, [this] {
@@ -394,6 +411,12 @@ void ToviMainWindow::CreateMenus() {
     go->addSeparator();
     go->addAction(prevPhotoAction);
     go->addAction(nextPhotoAction);
+
+    QMenu* labels = menuBar()->addMenu(QStringLiteral("付箋(&L)"));
+    labels->addActions(labelActions);
+    labels->addSeparator();
+    labels->addAction(removeAllLabelsAction);
+    connect(labels, &QMenu::aboutToShow, this, &ToviMainWindow::UpdateLabelActions);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("ヘルプ(&H)"));
     help->addAction(aboutAction);
@@ -483,6 +506,36 @@ void ToviMainWindow::OnPageChanged(int current, int total) {
                                  : QStringLiteral("- / -"));
     placeLabel->setText(CurrentSetText());
     UpdateActions();
+    UpdateLabelActions();
+}
+
+void ToviMainWindow::ToggleLabel(int label) {
+    const ToviPhoto* photo = mpiPanel->SelectedPhoto();
+    if (!photo) {
+        return;
+    }
+    // The comment is edited whether or not it is there; any other label turns over.
+    if (label != 4 && photo->IsLabelPasted(static_cast<unsigned>(label))) {
+        mpiPanel->RemoveLabel(label);
+    } else {
+        mpiPanel->PasteLabel(label);
+    }
+    UpdateLabelActions();
+}
+
+void ToviMainWindow::UpdateLabelActions() {
+    ToviData* data = document->Data();
+    const ToviPhoto* photo = data ? mpiPanel->SelectedPhoto() : nullptr;
+    const ToviLabelManager* labels = data ? data->GetLabelManager() : nullptr;
+    for (int label = 0; label < labelActions.size(); ++label) {
+        QAction* a = labelActions[label];
+        const QString name = labels ? labels->GetLabelAttribute(label).GetName()
+                                    : QStringLiteral("付箋 %1").arg(label + 1);
+        a->setText(QStringLiteral("%1(&%2)").arg(name).arg(label + 1));
+        a->setEnabled(photo != nullptr);
+        a->setChecked(photo && photo->IsLabelPasted(static_cast<unsigned>(label)));
+    }
+    removeAllLabelsAction->setEnabled(photo != nullptr);
 }
 
 QString ToviMainWindow::CurrentSetText() const {

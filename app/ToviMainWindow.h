@@ -3,6 +3,7 @@
 #include "app/ToviViewerDocument.h"
 
 #include <QMainWindow>
+#include <QList>
 #include <QStringList>
 #include <QTimer>
 
@@ -43,6 +44,9 @@ public:
     // Asks whether unsaved labels and comments are to be saved: false when the user
     // cancelled, or chose to save and the save did not happen.
     bool ConfirmDiscard();
+    // Pastes label on the selected photograph, or takes it off when it is there (the comment
+    // label always opens the comment).
+    void ToggleLabel(int label);
     void SetDivideType(int type);
     void SetTreeType(int type);
     void StartSlideShow();
@@ -73,6 +77,7 @@ private:
     void CreateToolBar();
     void UpdateActions();
     void UpdateTitle();
+    void UpdateLabelActions();
     void OnPageChanged(int current, int total);
     void OnOpen();
     void OnCheckReport();
@@ -122,6 +127,8 @@ private:
     QAction* fullScreenAction;
     QAction* focusAction;
     QAction* confirmAction;
+    QList<QAction*> labelActions;
+    QAction* removeAllLabelsAction;
     QAction* aboutAction;
     QMenu* recentMenu;
 };

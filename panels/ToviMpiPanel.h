@@ -84,6 +84,8 @@ public:
     bool Load();
     bool Save() const;
 
+    // The photograph selected in the current array; null when none is.
+    ToviPhoto* SelectedPhoto() const;
     // Labels and the comment of the selected photograph; nothing without one. Label 4 opens
     // the comment dialog; OK pasted removes the NG labels and an NG label removes OK.
     void PasteLabel(int label);
@@ -138,7 +140,6 @@ private:
     void OnSpiPasteLabel(int label, ToviSpiCtrl* cell);
     void OnSpiRemoveLabel(int label, ToviSpiCtrl* cell);
     void OnSpiUpdateCommentWindow(ToviSpiCtrl* cell);
-    ToviPhoto* SelectedPhoto() const;
     // The closing steps of every label change made from the panel.
     void LabelsChanged();
     // Where the comment of the selected photograph is shown: its place on the page.

@@ -273,6 +273,26 @@ private slots:
         QVERIFY(ui->Questions().last().text.startsWith(ToviExamResultText(ExamCountWrong)));
     }
 
+    // Ctrl and a digit turn a label over on the selected photograph, with OK and NG
+    // excluding each other as on the name plate.
+    void labelKeys() {
+        ToviMainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(window.OpenDelivery(pictures, PhotoXMLMlit));
+        const ToviPhoto* photo = window.MpiPanel()->SelectedPhoto();
+        QVERIFY(photo);
+        QTest::keyClick(&window, Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(photo->IsLabelPasted(1));
+        QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(photo->IsLabelPasted(0) && !photo->IsLabelPasted(1));
+        QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(!photo->IsLabelPasted(0));
+        QVERIFY(window.Document()->Data()->IsCheckStatusChanged());
+        ui->QueueAnswer(ToviUi::AnswerNo);
+        QVERIFY(window.close());
+    }
+
     // Tree type and display mode persist with the document's settings; the window's
     // geometry and tree tab with the frame's.
     void settingsPersist() {
