@@ -293,6 +293,25 @@ private slots:
         QVERIFY(window.close());
     }
 
+    // A profile that can't be written is said once, at the end, and the window still closes.
+    void unwritableProfile() {
+        QFile blocker(Path(QStringLiteral("blocker")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        // A file where the profile's folder should be: no one, root included, can write there.
+        ToviProfile::Instance().UseFile(Path(QStringLiteral("blocker/profile.ini")));
+        {
+            ToviMainWindow window;
+            QVERIFY(window.OpenDelivery(other, PhotoXMLMlit));
+            const qsizetype questions = ui->Questions().size();
+            QVERIFY(window.close());
+            QCOMPARE(ui->Questions().size(), questions + 1);
+            QVERIFY(ui->Questions().last().text.startsWith(
+                QStringLiteral("設定を保存できませんでした")));
+        }
+        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+    }
+
     // Tree type and display mode persist with the document's settings; the window's
     // geometry and tree tab with the frame's.
     void settingsPersist() {
