@@ -351,24 +351,7 @@ QImage DecodeOther(QFile& file, bool thumb) {
 }  // namespace
 
 bool LumImage::Load(const QString& path) {
-    Clear();
-    if (IsSvgPath(path)) {
-        return Assign(RenderSvg(path, 0));
-    }
-    QFile file;
-    if (!MibOpenRegularFile(file, path)) {
-        return false;
-    }
-    if (!IsJpegSignature(file.peek(3))) {
-        return Assign(DecodeOther(file, false));
-    }
-    const QByteArray data = file.readAll();
-    JpegHead head;
-    if (!IsCompleteJpeg(data, &head)) {
-        return false;
-    }
-    const ExifBits exif = ReadExif(data.left(head.scanData));
-    return Assign(Orient(DecodeJpeg(data, QSize()), exif.orientation));
+    return LoadForDisplay(path, 0);
 }
 
 bool LumImage::LoadForDisplay(const QString& path, int longSide) {
@@ -389,8 +372,9 @@ bool LumImage::LoadForDisplay(const QString& path, int longSide) {
         return false;
     }
     const ExifBits exif = ReadExif(data.left(head.scanData));
-    return Assign(Orient(DecodeJpeg(data, ThumbDecodeSize(head.width, head.height, longSide)),
-                         exif.orientation));
+    const QSize scaled =
+        longSide > 0 ? ThumbDecodeSize(head.width, head.height, longSide) : QSize();
+    return Assign(Orient(DecodeJpeg(data, scaled), exif.orientation));
 }
 
 bool LumImage::LoadThumb(const QString& path) {

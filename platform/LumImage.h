@@ -49,7 +49,8 @@ public:
     // The whole picture, turned as its Exif orientation says.
     bool Load(const QString& path);
     // Load for a screen: a JPEG is decoded at the coarsest of 1/2, 1/4 and 1/8 whose long
-    // side still reaches longSide (whole when none does), an SVG drawn at that side.
+    // side still reaches longSide (whole when none does), an SVG drawn at that side. A
+    // longSide of 0 is Load.
     bool LoadForDisplay(const QString& path, int longSide);
     // The Exif thumbnail when the file has one, else the picture decoded at the smallest
     // JPEG scale (1/2, 1/4, 1/8) whose long side still covers a thumbnail tile; turned as its
