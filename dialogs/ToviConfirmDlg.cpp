@@ -136,15 +136,7 @@ void ToviConfirmDlg::keyPressEvent(QKeyEvent* event) {
 }
 
 void ToviConfirmDlg::SetImages(QTreeWidgetItem* item, int image, int selectedImage) const {
-    if (images.isEmpty()) {
-        return;
-    }
-    const auto at = [this](int index) {
-        return images[std::clamp(index, 0, static_cast<int>(images.size()) - 1)];
-    };
-    QIcon icon(at(image));
-    icon.addPixmap(at(selectedImage), QIcon::Selected);
-    item->setIcon(0, icon);
+    ToviTreeImages::SetItemImages(item, images, image, selectedImage);
 }
 
 QTreeWidgetItem* ToviConfirmDlg::InsertNode(ToviNode* node, QTreeWidgetItem* parent, int level,

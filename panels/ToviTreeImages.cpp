@@ -2,8 +2,12 @@
 
 #include "review/ToviLabelManager.h"
 
+#include <QIcon>
 #include <QPainter>
 #include <QPainterPath>
+#include <QTreeWidgetItem>
+
+#include <algorithm>
 
 namespace {
 
@@ -102,4 +106,17 @@ QList<QPixmap> ToviTreeImages::Labels(const ToviLabelManager& labels) {
         }
     }
     return pixmaps;
+}
+
+void ToviTreeImages::SetItemImages(QTreeWidgetItem* item, const QList<QPixmap>& images, int image,
+                                   int selectedImage) {
+    if (images.isEmpty()) {
+        return;
+    }
+    const auto at = [&images](int index) {
+        return images[std::clamp(index, 0, static_cast<int>(images.size()) - 1)];
+    };
+    QIcon icon(at(image));
+    icon.addPixmap(at(selectedImage), QIcon::Selected);
+    item->setIcon(0, icon);
 }

@@ -1,6 +1,7 @@
 #include "panels/ToviTreePanel.h"
 
 #include "document/ToviNode.h"
+#include "panels/ToviTreeImages.h"
 
 #include <QHeaderView>
 #include <QTreeWidget>
@@ -48,15 +49,7 @@ QTreeWidgetItem* ToviTreePanel::RegNode(QTreeWidgetItem* parent, ToviNode* node,
 }
 
 void ToviTreePanel::SetImages(QTreeWidgetItem* item, int image, int selectedImage) const {
-    if (images.isEmpty()) {
-        return;
-    }
-    const auto at = [this](int index) {
-        return images[std::clamp(index, 0, static_cast<int>(images.size()) - 1)];
-    };
-    QIcon icon(at(image));
-    icon.addPixmap(at(selectedImage), QIcon::Selected);
-    item->setIcon(0, icon);
+    ToviTreeImages::SetItemImages(item, images, image, selectedImage);
 }
 
 QTreeWidgetItem* ToviTreePanel::NextSibling(QTreeWidgetItem* item) {
