@@ -21,6 +21,8 @@
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
+#include "bench/BenchCommon.h"
+
 #include <benchmark/benchmark.h>
 #include <pugixml.hpp>
 
@@ -35,11 +37,6 @@
 #include <memory>
 
 namespace {
-
-QTemporaryDir& Temp() {
-    static QTemporaryDir dir;
-    return dir;
-}
 
 QString DeliveryOf(int count) {
     static QMap<int, QString> folders;

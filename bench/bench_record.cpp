@@ -10,6 +10,8 @@
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
+#include "bench/BenchCommon.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -19,11 +21,6 @@
 #include <memory>
 
 namespace {
-
-QTemporaryDir& Temp() {
-    static QTemporaryDir dir;
-    return dir;
-}
 
 ToviData& Document() {
     static std::unique_ptr<ToviData> document = [] {

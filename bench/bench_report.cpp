@@ -12,6 +12,8 @@
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/WorkArea.h"
 
+#include "bench/BenchCommon.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -20,20 +22,7 @@
 
 #include <memory>
 
-#include <sys/resource.h>
-
 namespace {
-
-QTemporaryDir& Temp() {
-    static QTemporaryDir dir;
-    return dir;
-}
-
-double PeakMB() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024;
-}
 
 ToviData& Document() {
     static NoViews host;
@@ -47,8 +36,8 @@ ToviData& Document() {
             qFatal("cannot write the delivery: %s", qPrintable(error));
         }
         ToviEnouDataFactory factory;
-        std::unique_ptr<ToviData> loaded = factory.Create(
-            &host, Temp().filePath(QStringLiteral("d/INDEX_C/PHOTO")), PhotoXMLMlit);
+        std::unique_ptr<ToviData> loaded =
+            factory.Create(&host, Temp().filePath(QStringLiteral("d/INDEX_C/PHOTO")), PhotoXMLMlit);
         if (!loaded) {
             qFatal("the delivery did not load");
         }

@@ -20,6 +20,8 @@
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/support/DeliveryWriter.h"
 
+#include "bench/BenchCommon.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -40,11 +42,6 @@ class SilentHost : public ToviHostDocument {
 public:
     void UpdateAllViews(QWidget*, int, QObject*) override {}
 };
-
-QTemporaryDir& Temp() {
-    static QTemporaryDir dir;
-    return dir;
-}
 
 SilentHost& Host() {
     static SilentHost host;

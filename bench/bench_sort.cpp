@@ -10,6 +10,8 @@
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
+#include "bench/BenchCommon.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -20,11 +22,6 @@
 #include <numeric>
 
 namespace {
-
-QTemporaryDir& Temp() {
-    static QTemporaryDir dir;
-    return dir;
-}
 
 // One loaded document per size, kept for the whole run and closed before the application.
 QMap<int, std::shared_ptr<ToviData>>& Documents() {

@@ -27,6 +27,8 @@
 #include "tests/support/ScriptedUi.h"
 #include "tests/support/WorkArea.h"
 
+#include "bench/BenchCommon.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -44,24 +46,12 @@
 
 #include <memory>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int kPhotos = 100000;
 constexpr int kDistinctImages = 60;
-
-QTemporaryDir& Temp() {
-    static QTemporaryDir dir;
-    return dir;
-}
-
-double PeakMB() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024;
-}
 
 // The delivery's PHOTO folder, written once.
 QString Delivery() {
