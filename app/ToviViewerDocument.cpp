@@ -132,38 +132,38 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
     // The family chosen is tried first. Inspectors rarely know which client's standard a
     // delivery follows, so one whose DOCTYPE that family does not know is tried under the
     // others before the failure is told; the first that knows it is taken.
+    // The failure told is the one of the family chosen.
+    const auto create = [this, &photoFolder](PhotoXMLType kind,
+                                             std::unique_ptr<ToviEnouDataFactory>& factory,
+                                             std::unique_ptr<ToviData>& data) {
+        factory = std::make_unique<ToviEnouDataFactory>();
+        factory->Async(true);
+        try {
+            data = factory->Create(this, photoFolder, kind);
+        } catch (const std::out_of_range&) {
+            return false;  // only a READITEM.XML whose steps don't balance walks off its list
+        }
+        return true;
+    };
     std::unique_ptr<ToviEnouDataFactory> newFactory;
     std::unique_ptr<ToviData> newData;
-    std::unique_ptr<ToviEnouDataFactory> firstFactory;
-    std::unique_ptr<ToviData> firstData;
-    PhotoXMLType used = type;
-    for (int n = 0; n < 4; ++n) {
-        used = static_cast<PhotoXMLType>(n == 0 ? type : (type + n) % 4);
-        newFactory = std::make_unique<ToviEnouDataFactory>();
-        newFactory->Async(true);
-        try {
-            newData = newFactory->Create(this, photoFolder, used);
-        } catch (const std::out_of_range&) {
-            // Only a READITEM.XML whose steps don't balance walks off the end of its list.
-            Tell(window,
-                 QStringLiteral(
-                     "項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
-                 ToviUi::IconError);
-            return Failed;
-        }
-        if (!newData || newData->GetErrorType() != ReadErrUnknownPhotoXml) {
-            break;
-        }
-        if (!firstData) {
-            // The failure told is the one of the family chosen.
-            firstFactory = std::move(newFactory);
-            firstData = std::move(newData);
-        }
+    if (!create(type, newFactory, newData)) {
+        Tell(window,
+             QStringLiteral("項目定義ファイル READITEM.XML の構造が正しくないため読み込めません。"),
+             ToviUi::IconError);
+        return Failed;
     }
-    if (newData && newData->GetErrorType() == ReadErrUnknownPhotoXml && firstData) {
-        newFactory = std::move(firstFactory);
-        newData = std::move(firstData);
-        used = type;
+    PhotoXMLType used = type;
+    for (int n = 1; n < 4 && newData && newData->GetErrorType() == ReadErrUnknownPhotoXml; ++n) {
+        const auto other = static_cast<PhotoXMLType>((type + n) % 4);
+        std::unique_ptr<ToviEnouDataFactory> factory;
+        std::unique_ptr<ToviData> data;
+        if (create(other, factory, data) && data &&
+            data->GetErrorType() != ReadErrUnknownPhotoXml) {
+            newFactory = std::move(factory);
+            newData = std::move(data);
+            used = other;
+        }
     }
     if (!newData) {
         Tell(window, QStringLiteral("PHOTO.XML を読み込めません。"), ToviUi::IconError);
