@@ -443,7 +443,8 @@ void LumImgWnd::mouseDoubleClickEvent(QMouseEvent* event) {
         return;
     }
     if (zoomable && IsEnableImage()) {
-        if (fitted) {
+        // Below 100 % a double click looks closely at that point; at or past it, back to fit.
+        if (Zoom() < 1.0) {
             SetZoom(1.0, event->position());
         } else {
             ZoomToFit();
