@@ -10,6 +10,7 @@
 #include "reports/ToviPhotoExport.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
+#include "tests/support/WorkArea.h"
 
 #include <QAction>
 #include <QBuffer>
@@ -107,6 +108,7 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
+        UseWorkFolder(temp.path());
         ToviUi::Install(&ui);
         DeliveryOptions options;
         options.photoCount = 3;
@@ -125,6 +127,7 @@ private slots:
     void cleanupTestCase() {
         document.reset();
         ToviUi::Install(nullptr);
+        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
     }
 
     // The window decodes a reduction first and, zoomed in, the part on show at the zoom's
