@@ -21,6 +21,14 @@ void LumImgWnd::SetDisableImage() {
     update();
 }
 
+void LumImgWnd::SetDrawFast(bool fast) {
+    if (drawFast != fast) {
+        drawFast = fast;
+        fitted = QImage();
+        update();
+    }
+}
+
 void LumImgWnd::ExecClearAnchor() {
     fitted = QImage();
     update();
@@ -45,7 +53,8 @@ void LumImgWnd::paintEvent(QPaintEvent*) {
         return;
     }
     if (fitted.size() != target.size()) {
-        fitted = image.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        fitted = image.scaled(target.size(), Qt::IgnoreAspectRatio,
+                              drawFast ? Qt::FastTransformation : Qt::SmoothTransformation);
     }
     painter.drawImage(target.topLeft(), fitted);
 }

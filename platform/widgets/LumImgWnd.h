@@ -19,6 +19,10 @@ public:
     // The mouse command (0: clicks are only reported).
     void SetCommand(int value) { command = value; }
     int Command() const { return command; }
+    // Fast drawing scales without smoothing; off by default. A black-and-white drawing turned
+    // grey is drawn smoothed so that its thin lines survive the scaling.
+    void SetDrawFast(bool fast);
+    bool IsDrawFast() const { return drawFast; }
     // Forgets where the picture was anchored for zooming; the next paint fits it again.
     void ExecClearAnchor();
     // Where the fitted picture stands in the window.
@@ -38,4 +42,5 @@ private:
     QImage image;
     mutable QImage fitted;  // image scaled to ImageRect's size, made on the first paint at it
     int command = 0;
+    bool drawFast = false;
 };
