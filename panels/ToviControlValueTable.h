@@ -11,6 +11,8 @@ public:
     explicit ToviControlValueTable(QWidget* parent = nullptr);
 
     void Clear() { clear(); }
+    // Rows for the values that are not blank; none for a lone name or for a text of which some
+    // part could not be read.
     void SetValues(const ToviControlValues& values);
     int RowCount() const { return topLevelItemCount(); }
 };
