@@ -22,6 +22,21 @@ ToviControlValueTable::ToviControlValueTable(QWidget* parent) : QTreeWidget(pare
     }
 }
 
+void ToviControlValueTable::AdjustColumns() {
+    const int quarter = viewport()->width() / 4;
+    if (quarter <= 0) {
+        return;
+    }
+    for (int column = 0; column < 4; ++column) {
+        setColumnWidth(column, quarter);
+    }
+}
+
+void ToviControlValueTable::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    AdjustColumns();
+}
+
 void ToviControlValueTable::SetValues(const ToviControlValues& values) {
     setUpdatesEnabled(false);
     clear();

@@ -15,4 +15,9 @@ public:
     // part could not be read.
     void SetValues(const ToviControlValues& values);
     int RowCount() const { return topLevelItemCount(); }
+    // Four columns of equal width across the table; kept so as the table is resized.
+    void AdjustColumns();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
 };
