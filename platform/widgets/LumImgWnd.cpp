@@ -74,6 +74,14 @@ void LumImgWnd::SetDisableImage() {
     update();
 }
 
+void LumImgWnd::SetDrawFast(bool fast) {
+    if (drawFast != fast) {
+        drawFast = fast;
+        fittedImage = QImage();
+        update();
+    }
+}
+
 void LumImgWnd::ExecClearAnchor() {
     fittedImage = QImage();
     fitted = true;
@@ -381,15 +389,16 @@ void LumImgWnd::paintEvent(QPaintEvent*) {
     }
     if (fitted && detail.isNull()) {
         if (fittedImage.size() != target.size()) {
-            fittedImage =
-                image.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            fittedImage = image.scaled(target.size(), Qt::IgnoreAspectRatio,
+                                       drawFast ? Qt::FastTransformation
+                                                : Qt::SmoothTransformation);
         }
         painter.drawImage(target.topLeft(), fittedImage);
         return;
     }
     // Zoomed: only the part on screen is scaled, from the reduction and then, over it, from
     // the finer part where there is one.
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, Zoom() < 1.0);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, Zoom() < 1.0 && !drawFast);
     DrawBuffer(painter, image, QRectF(QPointF(0, 0), QSizeF(fullSize)));
     if (!detail.isNull() && detailLevel >= 0 && detailLevel < baseLevel &&
         LumImageSource::LevelFor(Zoom()) < baseLevel) {

@@ -39,6 +39,10 @@ public:
     // The mouse command (0: clicks are only reported).
     void SetCommand(int value) { command = value; }
     int Command() const { return command; }
+    // Fast drawing scales without smoothing; off by default. A black-and-white drawing turned
+    // grey is drawn smoothed so that its thin lines survive the scaling.
+    void SetDrawFast(bool fast);
+    bool IsDrawFast() const { return drawFast; }
     // Forgets where the picture was anchored for zooming; the next paint fits it again.
     void ExecClearAnchor();
     // Where the picture stands in the window (fitted, or zoomed and panned).
@@ -108,6 +112,7 @@ private:
     QImage image;
     mutable QImage fittedImage;  // image scaled to ImageRect's size, made on the first paint
     int command = 0;
+    bool drawFast = false;
 
     bool zoomable = false;
     bool fitted = true;
