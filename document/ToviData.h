@@ -1,12 +1,12 @@
 #pragma once
 
 #include "document/ToviItemArray.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviNode.h"
-#include "document/ToviPhotoArray.h"
 #include "document/ToviPathTitles.h"
+#include "document/ToviPhotoArray.h"
 #include "document/ToviPhotoRef.h"
 #include "extraction/ToviExtractionConditions.h"
-#include "loading/ToviItemDef.h"
 #include "platform/MibPathResolver.h"
 
 #include <QString>

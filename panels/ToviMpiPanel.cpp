@@ -1,8 +1,8 @@
 #include "panels/ToviMpiPanel.h"
 
 #include "dialogs/ToviConfirmDlg.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 #include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
