@@ -168,12 +168,6 @@ public:
     // stylesheet for it, or no copy could be made.
     QString GetIndexPath();
 
-    // ---- reports (ToviDataReports.cpp) ---------------------------------------------------------
-    // The check report of the current view: asks the file name, writes the workbook and tells
-    // the outcome, with caption as the title of its progress window and messages. True when
-    // the report was written.
-    bool FileOutCheckStatus(const QString& caption);
-
     // ---- sort (ToviDataExtraction.cpp) ---------------------------------------------------------
     // Orders the current array by the sort condition's key and direction.
     virtual void Sort();
