@@ -6,8 +6,8 @@
 #include "platform/MibFile.h"
 #include "platform/MibSheet.h"
 #include "platform/ToviEnvironment.h"
+#include "platform/ToviProgressDlg.h"
 #include "platform/ToviUi.h"
-#include "reports/ToviProgressDlg.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 

@@ -2,9 +2,9 @@
 #include "dialogs/OpenNextDataDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
 #include "loading/OpenNextDataTexts.h"
+#include "platform/ToviProgressDlg.h"
 #include "platform/widgets/ToviQtUi.h"
 #include "platform/widgets/ToviWaitWindow.h"
-#include "reports/ToviProgressDlg.h"
 #include "review/LabelProcessSelectTexts.h"
 
 #include <QApplication>
