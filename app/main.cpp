@@ -4,10 +4,10 @@
 //               [--profile FILE]
 
 #include "app/ToviMainWindow.h"
+#include "dialogs/ToviQtUi.h"
 #include "document/ToviData.h"
 #include "panels/ToviMpiPanel.h"
 #include "platform/ToviProfile.h"
-#include "platform/widgets/ToviQtUi.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -1,9 +1,9 @@
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
+#include "dialogs/ToviQtUi.h"
 #include "loading/OpenNextDataTexts.h"
 #include "platform/ToviProgressDlg.h"
-#include "platform/widgets/ToviQtUi.h"
 #include "platform/widgets/ToviWaitWindow.h"
 #include "review/LabelProcessSelectTexts.h"
 
