@@ -395,8 +395,21 @@ private slots:
         ToviProfile::Instance().WriteProfileInt(ToviMpiPanel::ConfirmDialogSection_,
                                                 ToviMpiPanel::ConfirmDlgHEntry_, 600);
         Open();
+        // Without a maker from the host there is no window to open.
         panel->ShowConfirmDlg();
-        ToviConfirmDlg* dialog = panel->ConfirmDlg();
+        QCOMPARE(panel->ConfirmDlg(), nullptr);
+        struct Makers {
+            Makers() {
+                ToviPanelWindows windows;
+                windows.createConfirm = [](ToviMpiPanel* owner) {
+                    return new ToviConfirmDlg(owner);
+                };
+                SetPanelWindows(windows);
+            }
+            ~Makers() { SetPanelWindows({}); }
+        } makers;
+        panel->ShowConfirmDlg();
+        auto* dialog = dynamic_cast<ToviConfirmDlg*>(panel->ConfirmDlg());
         QVERIFY(dialog && dialog->isVisible());
         QCOMPARE(dialog->windowTitle(), QStringLiteral("写真格納位置の確認"));
         QCOMPARE(dialog->size(), QSize(200, 300));
