@@ -5,7 +5,7 @@
 #include "dialogs/ToviTabBaseWnd.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "panels/ToviSlideMode.h"
 #include "platform/LumImage.h"
 #include "platform/MibFile.h"

@@ -5,7 +5,7 @@
 #include "document/ToviTextPairArray.h"
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/MibFile.h"

@@ -1,8 +1,8 @@
 #include "reports/ToviPhotoExport.h"
 
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 #include "platform/LumImage.h"
 #include "platform/MibFile.h"
 #include "platform/ToviEnvironment.h"

@@ -4,7 +4,7 @@
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/ToviEnvironment.h"
