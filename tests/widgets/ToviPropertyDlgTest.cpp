@@ -571,6 +571,7 @@ private slots:
         QCOMPARE(next.filter(QRegularExpression(QStringLiteral("^写真タイトル="))),
                  QStringList{QStringLiteral("写真タイトル=") + nextTitle});
         QVERIFY(dialog.ItemList()->isVisible());
+        QCOMPARE(dialog.findChildren<ToviSpiListCtrl*>().size(), 1);
     }
 
     // Tabs by click and by call; Enter and Esc do not reach a dialog that holds the window.
@@ -597,6 +598,8 @@ private slots:
         dialog.ItemList()->setFocus();
         QTest::keyClick(dialog.ItemList(), Qt::Key_Escape);
         QTest::keyClick(dialog.ItemList(), Qt::Key_Return);
+        QCOMPARE(rejected.count(), 0);
+        QCOMPARE(accepted.count(), 0);
         ClickTab(*tabs, 1);
         QCOMPARE(dialog.Page(), 1);
         QVERIFY(!dialog.Splitter()->isVisible());
