@@ -29,6 +29,7 @@ class ToviMainWindow : public QMainWindow {
 public:
     static const QString FrameSection_;   // "MainFrame"
     static const QString RecentSection_;  // "RecentDelivery"
+    static const QString FamilyEntry_;    // "Family", in FrameSection_
     static constexpr int kRecentCount = 8;
     static constexpr int kSlideIntervalMs = 3000;
 
@@ -88,6 +89,8 @@ private:
     void LoadFrameSettings();
     void SaveFrameSettings();
     static QString DroppedFolder(const QMimeData* mime);
+    // A menu text without its accelerator and ellipsis, for buttons and tool tips.
+    static QString PlainText(const QAction* action);
 
     ToviViewerDocument* document;
     QStackedWidget* centre;
