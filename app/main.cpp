@@ -5,6 +5,7 @@
 
 #include "app/ToviMainWindow.h"
 #include "dialogs/ToviConfirmDlg.h"
+#include "dialogs/ToviMultiDlg.h"
 #include "dialogs/ToviQtUi.h"
 #include "document/ToviData.h"
 #include "panels/ToviMpiPanel.h"
@@ -164,6 +165,7 @@ int main(int argc, char* argv[]) {
     ToviUi::Install(ui.get());
     ToviPanelWindows windows;
     windows.createConfirm = [](ToviMpiPanel* owner) { return new ToviConfirmDlg(owner); };
+    windows.createZoom = &ToviMultiDlg::Make;
     SetPanelWindows(windows);
     int code = 0;
     {

@@ -3,6 +3,7 @@
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
+#include "dialogs/ToviSelectOutputPhotoDlg.h"
 #include "platform/widgets/ToviProgressWindow.h"
 #include "platform/widgets/ToviWaitWindow.h"
 
@@ -16,6 +17,7 @@ ToviQtUi::ToviQtUi() {
     RegisterDialog(LabelProcessSelectDlg::Name(), LabelProcessSelectDlg::Run);
     RegisterDialog(OpenNextDataDlg::Name(), OpenNextDataDlg::Run);
     RegisterDialog(ToviInputCommentDlg::Name(), ToviInputCommentDlg::Run);
+    RegisterDialog(ToviSelectOutputPhotoDlg::Name(), ToviSelectOutputPhotoDlg::Run);
 }
 
 ToviQtUi::~ToviQtUi() = default;

@@ -10,11 +10,15 @@
 #include "panels/ToviNamePlate.h"
 #include "panels/ToviPanelWindows.h"
 #include "panels/ToviSpiCtrl.h"
+#include "panels/ToviZoomDialogs.h"
 
 #include <QPainter>
 
 ToviMpiPanel::ToviMpiPanel(ToviHostDocument* document, QWidget* parent)
-    : ToviPanel(parent), document(document), loader(std::make_unique<ToviImageLoader>()) {
+    : ToviPanel(parent),
+      document(document),
+      loader(std::make_unique<ToviImageLoader>()),
+      zoomDialogs(std::make_unique<ToviZoomDialogs>(*this)) {
     setObjectName(QStringLiteral("ToviMpiPanel"));
     setFocusPolicy(Qt::NoFocus);
     Load();
@@ -22,6 +26,7 @@ ToviMpiPanel::ToviMpiPanel(ToviHostDocument* document, QWidget* parent)
 
 ToviMpiPanel::~ToviMpiPanel() {
     delete confirmDlg;  // hands its place and size back through EndConfirmDlg
+    zoomDialogs->DeleteAllDialog();  // the last one's size is kept for the next run
     DestroyCells();
     Save();
 }
@@ -266,6 +271,7 @@ void ToviMpiPanel::OnPreDetachData() {
         cell->SetPhoto(-1);
     }
     InitializeCommentWindow();  // no comment outlives its document on screen
+    zoomDialogs->DeleteAllDialog();
 }
 
 void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject* object) {

@@ -1,9 +1,10 @@
-// The windows the panel opens (the confirm dialog now, the zoom dialog later) and their
-// settings in the profile.
+// The windows the panel opens (the confirm dialog and the zoom windows) and their settings in
+// the profile.
 
 #include "panels/ToviMpiPanel.h"
 
 #include "panels/ToviPanelWindows.h"
+#include "panels/ToviZoomDialogs.h"
 #include "platform/ToviProfile.h"
 
 #include <algorithm>
@@ -113,4 +114,18 @@ void ToviMpiPanel::EndConfirmDlg() {
     confirmWidth = place.width();
     confirmHeight = place.height();
     confirmDlg = nullptr;
+}
+
+// ---- zoom windows ------------------------------------------------------------------------
+
+void ToviMpiPanel::ShowMultiDlg() {
+    zoomDialogs->ShowMultiDlg();
+}
+
+void ToviMpiPanel::UpdateMultiDlg() {
+    zoomDialogs->UpdateMultiDlg();
+}
+
+void ToviMpiPanel::DeleteAllDialog() {
+    zoomDialogs->DeleteAllDialog();
 }

@@ -129,7 +129,8 @@ void ToviMpiPanel::OnRemoveAllLabel() {
 }
 
 void ToviMpiPanel::OnShowProperty() {
-    ClearMessageState();  // the zoom dialog comes with the review windows
+    ClearMessageState();
+    ShowMultiDlg();
 }
 
 void ToviMpiPanel::ShowPopUpMenu() {
@@ -142,7 +143,6 @@ void ToviMpiPanel::ShowPopUpMenu() {
     menu.setObjectName(QStringLiteral("popUpMenu"));
     QAction* zoom = menu.addAction(QStringLiteral("写真拡大[情報](&Z)"));
     zoom->setObjectName(QStringLiteral("command%1").arg(kZoomCommand));
-    zoom->setEnabled(false);  // the zoom dialog comes with the review windows
     connect(zoom, &QAction::triggered, this, &ToviMpiPanel::OnShowProperty);
     QMenu* paste = menu.addMenu(QStringLiteral("付箋の貼り付け(&S)"));
     QMenu* remove = menu.addMenu(QStringLiteral("付箋の削除(&R)"));

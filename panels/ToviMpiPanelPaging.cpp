@@ -10,6 +10,7 @@
 #include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
+#include "panels/ToviZoomDialogs.h"
 #include "platform/ToviUi.h"
 #include "platform/widgets/LumImgWnd.h"
 
@@ -143,6 +144,7 @@ void ToviMpiPanel::OnChangePage() {
     if (!anySelected) {
         OnSelect(first);
     }
+    UpdateMultiDlg();
     InvalidateName();
     emit PageChanged(GetCurrentPage(), GetTotalPage());
     OnPictureShown();
@@ -153,6 +155,7 @@ bool ToviMpiPanel::OnSelect(int index) {
         return false;
     }
     const bool selected = data->PhotoSelectSetting(data->GetPhotoIndex(index));
+    zoomDialogs->FollowSelection();
     if (confirmDlg) {
         confirmDlg->OnSelect(data, data->GetPhoto(index));
     }
@@ -259,7 +262,8 @@ void ToviMpiPanel::OnSpiDblClicked(int id) {
     ToviSpiCtrl* cell = CellOfId(id);
     const ToviPhoto* photo = cell && data ? data->GetPhoto(cell->PhotoIndex()) : nullptr;
     if (photo && photo->IsSelected()) {
-        ClearMessageState();  // the zoom dialog comes with the review windows
+        ClearMessageState();
+        ShowMultiDlg();
     }
 }
 
@@ -303,6 +307,12 @@ void ToviMpiPanel::OnSpiKeyDown(int key) {
         }
     };
     switch (key) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            // Enter on a photograph looks at it closely, as a double click does.
+            ClearMessageState();
+            ShowMultiDlg();
+            return;
         case Qt::Key_PageUp:
             if (GetCurrentPage() != 1) {
                 OperatePrevPage();
