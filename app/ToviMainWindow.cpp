@@ -4,6 +4,7 @@
 
 #include "app/ToviMainWindow.h"
 
+#include "dialogs/ToviDetailPanel.h"
 #include "document/ToviData.h"
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviLabelTreePanel.h"
@@ -84,9 +85,30 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
     resizeDocks({treeDock}, {280}, Qt::Horizontal);
     connect(treeTabs, &QTabWidget::currentChanged, this, &ToviMainWindow::ShowTreeTab);
 
+    // The selected photograph large, with its facts: on the right, shown by F9 and kept so
+    // in the document's settings.
+    detailDock = new QDockWidget(QStringLiteral("詳細"), this);
+    detailDock->setObjectName(QStringLiteral("detailDock"));
+    detailDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    detailPanel = new ToviDetailPanel(document);
+    detailPanel->Create(detailDock, 4);
+    detailDock->setWidget(detailPanel);
+    detailDock->setMinimumWidth(2 * ToviDetailPanel::kMinPane + 20);
+    addDockWidget(Qt::RightDockWidgetArea, detailDock);
+    resizeDocks({detailDock}, {520}, Qt::Horizontal);
+    detailDock->hide();
+    connect(detailPanel, &ToviDetailPanel::VisibleChanged, this, [this](bool visible) {
+        detailDock->setVisible(visible);
+        detailAction->setChecked(visible);
+        if (visible) {
+            detailPanel->AdjustSplitter();
+        }
+    });
+
     document->AddPanel(mpiPanel);
     document->AddPanel(folderTree);
     document->AddPanel(labelTree);
+    document->AddPanel(detailPanel);
     connect(mpiPanel, &ToviMpiPanel::PageChanged, this, &ToviMainWindow::OnPageChanged);
     connect(document, &ToviViewerDocument::DeliveryOpened, this, [this] {
         centre->setCurrentWidget(mpiPanel);
@@ -320,6 +342,8 @@ void ToviMainWindow::LoadFrameSettings() {
     }
     restoreState(QByteArray::fromBase64(
         profile.GetProfileString(FrameSection_, kStateEntry, kUnset).toLatin1()));
+    // The kept layout places the detail dock; whether it shows is the document's setting.
+    detailDock->setVisible(detailPanel->Visible());
     const int tab = std::clamp(ReadInt(FrameSection_, kTabEntry, 0), 0, 1);
     const QSignalBlocker blocker(treeTabs);
     treeTabs->setCurrentIndex(tab);
@@ -334,4 +358,15 @@ void ToviMainWindow::SaveFrameSettings() {
                                QString::fromLatin1(saveState().toBase64()));
     profile.WriteProfileInt(FrameSection_, kTabEntry, treeTabs->currentIndex() + 100);
     profile.WriteProfileInt(FrameSection_, FamilyEntry_, family + 100);
+}
+
+void ToviMainWindow::ToggleDetailPanel() {
+    ToviData* data = document->Data();
+    if (!data) {
+        return;
+    }
+    ToviPhotoCtrlVisualSetting setting = data->GetVisualSetting();
+    setting.SetVisibleDetail(!setting.GetVisibleDetail());
+    data->SetVisualSetting(setting, false);
+    document->UpdateAllViews(nullptr, ToviData::HintSettingsChanged, nullptr);
 }

@@ -15,6 +15,7 @@ class QMenu;
 class QMimeData;
 class QStackedWidget;
 class QTabWidget;
+class ToviDetailPanel;
 class ToviFolderTreePanel;
 class ToviLabelTreePanel;
 class ToviMpiPanel;
@@ -60,6 +61,10 @@ public:
     ToviMpiPanel* MpiPanel() const { return mpiPanel; }
     ToviFolderTreePanel* FolderTree() const { return folderTree; }
     ToviLabelTreePanel* LabelTree() const { return labelTree; }
+    ToviDetailPanel* DetailPanel() const { return detailPanel; }
+    QDockWidget* DetailDock() const { return detailDock; }
+    // Shows or hides the detail panel, kept in the document's settings (F9).
+    void ToggleDetailPanel();
     QTabWidget* TreeTabs() const { return treeTabs; }
     QString PageIndicatorText() const;
     // The node or label whose photographs are shown, with their number.
@@ -99,6 +104,8 @@ private:
     QTabWidget* treeTabs;
     ToviFolderTreePanel* folderTree;
     ToviLabelTreePanel* labelTree;
+    QDockWidget* detailDock;
+    ToviDetailPanel* detailPanel;
     int shownTab = 0;
     QLabel* pageLabel;
     QLabel* placeLabel;
@@ -130,6 +137,8 @@ private:
     QAction* fullScreenAction;
     QAction* focusAction;
     QAction* confirmAction;
+    QAction* detailAction;
+    QAction* zoomAction;
     QList<QAction*> labelActions;
     QAction* removeAllLabelsAction;
     QAction* aboutAction;

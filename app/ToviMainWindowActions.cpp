@@ -202,6 +202,18 @@ void ToviMainWindow::CreateActions() {
         }
     });
 
+    zoomAction = new QAction(QStringLiteral("写真拡大[情報](&Z)"), this);
+    zoomAction->setToolTip(QStringLiteral("選択した写真を拡大ウィンドウで開く (Enter)"));
+    connect(zoomAction, &QAction::triggered, mpiPanel, &ToviMpiPanel::OnShowProperty);
+    detailAction = new QAction(QStringLiteral("詳細パネル(&I)"), this);
+    detailAction->setShortcut(QKeySequence(Qt::Key_F9));
+    detailAction->setCheckable(true);
+    connect(detailAction, &QAction::triggered, this, [this] {
+        // The setting decides; the check follows the panel's answer.
+        detailAction->setChecked(!detailDock->isHidden());
+        ToggleDetailPanel();
+    });
+
     confirmAction = new QAction(QStringLiteral("写真格納位置の確認(&C)"), this);
     confirmAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_K));
     connect(confirmAction, &QAction::triggered, mpiPanel, &ToviMpiPanel::ShowConfirmDlg);
@@ -277,7 +289,10 @@ void ToviMainWindow::CreateMenus() {
     dockToggle->setText(QStringLiteral("ツリーパネル(&P)"));
     dockToggle->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
     view->addAction(dockToggle);
+    view->addAction(detailAction);
     view->addAction(focusAction);
+    view->addSeparator();
+    view->addAction(zoomAction);
     view->addAction(confirmAction);
     view->addSeparator();
     view->addAction(slideAction);
@@ -339,7 +354,7 @@ void ToviMainWindow::CreateToolBar() {
 void ToviMainWindow::UpdateActions() {
     const bool open = document->IsOpen();
     for (QAction* a : {closeAction, saveRecordAction, loadRecordAction, reportAction, exportAction,
-                       slideAction, confirmAction}) {
+                       slideAction, confirmAction, detailAction, zoomAction}) {
         a->setEnabled(open);
     }
     familyGroup->actions().value(family)->setChecked(true);

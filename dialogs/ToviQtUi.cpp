@@ -10,7 +10,9 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QMainWindow>
 #include <QMessageBox>
+#include <QStatusBar>
 #include <QUrl>
 
 ToviQtUi::ToviQtUi() {
@@ -131,4 +133,11 @@ void ToviQtUi::EndWait() {
 
 void ToviQtUi::OpenWithDefaultApplication(const QString& path) {
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+void ToviQtUi::ShowStatus(QWidget* parent, const QString& text, int ms) {
+    QWidget* window = parent ? parent->window() : QApplication::activeWindow();
+    if (auto* main = qobject_cast<QMainWindow*>(window)) {
+        main->statusBar()->showMessage(text, ms);
+    }
 }
