@@ -16,11 +16,11 @@ LabelProcessSelectDlg::LabelProcessSelectDlg(QWidget* parent, const QVariantMap&
     setObjectName(Texts::DialogName());
     setWindowTitle(values.value(QStringLiteral("title"), Texts::Title()).toString());
     auto* layout = new QVBoxLayout(this);
-    for (const QString& line :
-         values.value(QStringLiteral("lead"), Texts::Lead()).toStringList()) {
+    for (const QString& line : values.value(QStringLiteral("lead"), Texts::Lead()).toStringList()) {
         layout->addWidget(new QLabel(line, this));
     }
-    const QStringList labels = values.value(QStringLiteral("choices"), Texts::Choices()).toStringList();
+    const QStringList labels =
+        values.value(QStringLiteral("choices"), Texts::Choices()).toStringList();
     const QStringList explanations =
         values.value(QStringLiteral("explanations"), Texts::Explanations()).toStringList();
     const int chosen = values.value(QStringLiteral("action"), 0).toInt();

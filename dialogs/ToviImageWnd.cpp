@@ -20,12 +20,14 @@ namespace {
 
 constexpr int kSliderUnit = 200;  // brightness per slider step
 constexpr int kSliderWidth = 150;
+constexpr int kSliderMinWidth = 80;
 
 }  // namespace
 
 ToviImageWnd::ToviImageWnd(ToviHostDocument*, QWidget* parent)
     : QWidget(parent),
       toolBar(new QToolBar(this)),
+      zoomBar(new QToolBar(this)),
       slider(new QSlider(Qt::Horizontal, this)),
       zoomText(new QLabel(this)),
       imageWnd(new LumImgWnd(this)),
@@ -35,35 +37,46 @@ ToviImageWnd::ToviImageWnd(ToviHostDocument*, QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
 
+    // Two rows of pictures with their names as tips, so that the tools fit the narrow left
+    // pane of the panel: the corrections and the save, then the brightness and the zoom.
     toolBar->setObjectName(QStringLiteral("imageToolBar"));
-    toolBar->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    toolBar->setIconSize(QSize(16, 16));
-    AddTool(kRotateLeft, QStringLiteral("左回転"), QStringLiteral("左回転"));
-    AddTool(kRotateRight, QStringLiteral("右回転"), QStringLiteral("右回転"));
-    AddTool(kReset, QStringLiteral("元に戻す"), QStringLiteral("元に戻す"));
+    zoomBar->setObjectName(QStringLiteral("zoomToolBar"));
+    for (QToolBar* bar : {toolBar, zoomBar}) {
+        bar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+        bar->setIconSize(QSize(20, 20));
+    }
+    AddTool(kRotateLeft, QStringLiteral("左回転"), QStringLiteral("左回転"), u"rotate-left");
+    AddTool(kRotateRight, QStringLiteral("右回転"), QStringLiteral("右回転"), u"rotate-right");
+    AddTool(kReset, QStringLiteral("元に戻す"), QStringLiteral("元に戻す"), u"restore");
     toolBar->addSeparator();
-    QAction* information =
-        AddTool(kInformation, QStringLiteral("詳細情報"), QStringLiteral("詳細情報"));
+    QAction* information = AddTool(kInformation, QStringLiteral("詳細情報"),
+                                   QStringLiteral("詳細情報"), u"information");
     information->setCheckable(true);
     information->setChecked(true);
     toolBar->addSeparator();
+    AddTool(kSave, QStringLiteral("写真を保存"), QStringLiteral("写真を保存"), u"save");
+
     slider->setObjectName(QStringLiteral("brightness"));
     slider->setRange(-10, 10);
     slider->setPageStep(5);
-    slider->setFixedWidth(kSliderWidth);
+    slider->setMinimumWidth(kSliderMinWidth);
+    slider->setMaximumWidth(kSliderWidth);
+    slider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     slider->setToolTip(QStringLiteral("明るさ補正"));
     slider->setAccessibleName(QStringLiteral("明るさ補正"));
     SetSliderTicks(true);
-    QAction* sliderAction = toolBar->addWidget(slider);
+    QAction* sliderAction = zoomBar->addWidget(slider);
     sliderAction->setObjectName(QStringLiteral("cmd%1").arg(kBrightness));
     actions.insert(kBrightness, sliderAction);
-    toolBar->addSeparator();
-    AddTool(kSave, QStringLiteral("写真を保存"), QStringLiteral("写真を保存"));
-    toolBar->addSeparator();
-    QAction* fit = AddTool(kZoomFit, QStringLiteral("全体"), QStringLiteral("全体を表示 (Ctrl+0)"));
-    QAction* actual = AddTool(kZoomActual, QStringLiteral("100%"), QStringLiteral("実寸で表示"));
-    QAction* in = AddTool(kZoomIn, QStringLiteral("拡大"), QStringLiteral("拡大 (Ctrl++)"));
-    QAction* out = AddTool(kZoomOut, QStringLiteral("縮小"), QStringLiteral("縮小 (Ctrl+-)"));
+    zoomBar->addSeparator();
+    QAction* fit = AddTool(kZoomFit, QStringLiteral("全体"), QStringLiteral("全体を表示 (Ctrl+0)"),
+                           u"zoom-fit");
+    QAction* actual = AddTool(kZoomActual, QStringLiteral("100%"),
+                              QStringLiteral("実寸で表示 (100%)"), u"zoom-actual");
+    QAction* in =
+        AddTool(kZoomIn, QStringLiteral("拡大"), QStringLiteral("拡大 (Ctrl++)"), u"zoom-in");
+    QAction* out =
+        AddTool(kZoomOut, QStringLiteral("縮小"), QStringLiteral("縮小 (Ctrl+-)"), u"zoom-out");
     // The zoom keys work wherever the keyboard is inside this window.
     fit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
     in->setShortcuts(
@@ -76,8 +89,9 @@ ToviImageWnd::ToviImageWnd(ToviHostDocument*, QWidget* parent)
     zoomText->setObjectName(QStringLiteral("zoomText"));
     zoomText->setMinimumWidth(zoomText->fontMetrics().horizontalAdvance(QStringLiteral("8888%")));
     zoomText->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    toolBar->addWidget(zoomText);
+    zoomBar->addWidget(zoomText);
     layout->addWidget(toolBar);
+    layout->addWidget(zoomBar);
 
     auto* stackHolder = new QWidget(this);
     views = new QStackedLayout(stackHolder);
@@ -111,8 +125,11 @@ ToviImageWnd::ToviImageWnd(ToviHostDocument*, QWidget* parent)
 
 ToviImageWnd::~ToviImageWnd() = default;
 
-QAction* ToviImageWnd::AddTool(int command, const QString& text, const QString& tip) {
-    QAction* action = toolBar->addAction(text);
+QAction* ToviImageWnd::AddTool(int command, const QString& text, const QString& tip,
+                               QStringView icon) {
+    QToolBar* bar = command >= kZoomFit ? zoomBar : toolBar;
+    QAction* action =
+        bar->addAction(QIcon(QStringLiteral(":/dialogs/icons/%1.svg").arg(icon)), text);
     action->setObjectName(QStringLiteral("cmd%1").arg(command));
     action->setToolTip(tip);
     actions.insert(command, action);

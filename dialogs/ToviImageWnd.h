@@ -59,6 +59,7 @@ public:
     ToviSvgView* SvgView() const { return svgView; }
     QSlider* Slider() const { return slider; }
     QToolBar* ToolBar() const { return toolBar; }
+    QToolBar* ZoomBar() const { return zoomBar; }
     QAction* Action(int command) const { return actions.value(command); }
     // The photograph at full size with the turn and the brightness applied, for saving; empty
     // when the file cannot be decoded whole.
@@ -81,7 +82,7 @@ signals:
     void Loaded(bool ok);
 
 private:
-    QAction* AddTool(int command, const QString& text, const QString& tip);
+    QAction* AddTool(int command, const QString& text, const QString& tip, QStringView icon);
     void Rotate(int angle);
     void OnSliderMoved(int position);
     void ApplyCorrection();
@@ -95,6 +96,7 @@ private:
     ToviPhoto* photo = nullptr;
     QString path;
     QToolBar* toolBar;
+    QToolBar* zoomBar;
     QSlider* slider;
     QLabel* zoomText;
     QStackedLayout* views;

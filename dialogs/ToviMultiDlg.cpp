@@ -62,20 +62,21 @@ ToviMultiDlg::ToviMultiDlg(ToviZoomOwner* owner, QWidget* parent, ToviPhoto* pho
     imageToolBar->setObjectName(QStringLiteral("imageToolBar"));
     windowToolBar->setObjectName(QStringLiteral("windowToolBar"));
     for (QToolBar* bar : {imageToolBar, windowToolBar}) {
-        bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+        bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        bar->setIconSize(QSize(18, 18));
         bar->setMovable(false);
     }
-    AddTool(imageToolBar, kRotateLeft, QStringLiteral("左回転"));
-    AddTool(imageToolBar, kRotateRight, QStringLiteral("右回転"));
-    AddTool(imageToolBar, kRestore, QStringLiteral("戻す"));
+    AddTool(imageToolBar, kRotateLeft, QStringLiteral("左回転"), u"rotate-left");
+    AddTool(imageToolBar, kRotateRight, QStringLiteral("右回転"), u"rotate-right");
+    AddTool(imageToolBar, kRestore, QStringLiteral("戻す"), u"restore");
     imageToolBar->addSeparator();
-    AddTool(imageToolBar, kInformation, QStringLiteral("情報"))->setCheckable(true);
+    AddTool(imageToolBar, kInformation, QStringLiteral("情報"), u"information")->setCheckable(true);
     imageToolBar->addSeparator();
-    AddTool(imageToolBar, kSave, QStringLiteral("写真保存"));
-    AddTool(windowToolBar, kArrange, QStringLiteral("整列"));
-    AddTool(windowToolBar, kClose, QStringLiteral("閉じる"));
-    AddTool(windowToolBar, kCloseAll, QStringLiteral("全閉"));
-    AddTool(windowToolBar, kFix, QStringLiteral("固定"))->setCheckable(true);
+    AddTool(imageToolBar, kSave, QStringLiteral("写真保存"), u"save");
+    AddTool(windowToolBar, kArrange, QStringLiteral("整列"), u"arrange");
+    AddTool(windowToolBar, kClose, QStringLiteral("閉じる"), u"close");
+    AddTool(windowToolBar, kCloseAll, QStringLiteral("全閉"), u"close-all");
+    AddTool(windowToolBar, kFix, QStringLiteral("固定"), u"fix")->setCheckable(true);
 
     // Lighter at the top: the slider's top end is its largest value here.
     sliderBox->setObjectName(QStringLiteral("sliderBox"));
@@ -153,8 +154,9 @@ ToviZoomView* ToviMultiDlg::Make(ToviZoomOwner* owner, QWidget* parent, ToviPhot
     return new ToviMultiDlg(owner, parent, photo, itemDef, data, infoVisible);
 }
 
-QAction* ToviMultiDlg::AddTool(QToolBar* bar, int command, const QString& text) {
-    QAction* action = bar->addAction(text);
+QAction* ToviMultiDlg::AddTool(QToolBar* bar, int command, const QString& text, QStringView icon) {
+    QAction* action =
+        bar->addAction(QIcon(QStringLiteral(":/dialogs/icons/%1.svg").arg(icon)), text);
     action->setObjectName(QStringLiteral("cmd%1").arg(command));
     actions.insert(command, action);
     return action;

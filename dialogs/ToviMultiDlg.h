@@ -86,7 +86,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    QAction* AddTool(QToolBar* bar, int command, const QString& text);
+    QAction* AddTool(QToolBar* bar, int command, const QString& text, QStringView icon);
     void LoadPhoto();
     void ApplyBrightness(int value);
     void ApplyCorrection();

@@ -334,13 +334,13 @@ private slots:
         // 閉じる takes one away; 全閉 all, keeping the last one's size.
         ClickTool(last, last->Action(ToviMultiDlg::kClose));
         QCOMPARE(zoom->Count(), 5);
-        zoom->Dialog(4)->Window()->resize(640, 480);
+        zoom->Dialog(4)->Window()->resize(820, 640);
         auto* any = dynamic_cast<ToviMultiDlg*>(zoom->Dialog(0));
         ClickTool(any, any->Action(ToviMultiDlg::kCloseAll));
         QCOMPARE(zoom->Count(), 0);
-        QCOMPARE(panel->DialogWidth(), 640);
-        QCOMPARE(panel->DialogHeight(), 480);
-        QCOMPARE(zoom->GetDlgSize(), QSize(640, 480));
+        QCOMPARE(panel->DialogWidth(), 820);
+        QCOMPARE(panel->DialogHeight(), 640);
+        QCOMPARE(zoom->GetDlgSize(), QSize(820, 640));
         zoomHost.panel = nullptr;
         panel->Detach();
     }
