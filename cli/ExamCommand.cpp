@@ -7,6 +7,7 @@
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "document/ToviPhotoArray.h"
+#include "platform/Cp932.h"
 #include "review/ToviXmlManager.h"
 
 #include <QFileInfo>
@@ -161,6 +162,14 @@ int RunLabel(QStringList args) {
                 return ExitUsage;
             }
             if (!ParseIntOption(command, a, pair.left(eq), 0, INT_MAX, change.index)) {
+                return ExitUsage;
+            }
+            // The record is Shift_JIS: a comment it cannot hold is refused before anything
+            // changes, rather than failing the save of every other label and comment.
+            if (const QString bad = Cp932::Unencodable(change.text); !bad.isEmpty()) {
+                PrintError(
+                    QStringLiteral("tovi label: コメントに Shift_JIS で表せない文字があります: %1")
+                        .arg(bad));
                 return ExitUsage;
             }
             comments.append(change);

@@ -1,5 +1,8 @@
 #include "dialogs/ToviInputCommentDlg.h"
 
+#include "platform/Cp932.h"
+#include "platform/ToviUi.h"
+
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -60,7 +63,20 @@ bool ToviInputCommentDlg::Run(QWidget* parent, QVariantMap& values) {
 
 void ToviInputCommentDlg::accept() {
     // Half-width blanks alone make no comment; the caller tests the full-width ones itself.
-    comment = edit->toPlainText();
+    const QString text = edit->toPlainText();
+    // The inspection record is Shift_JIS: a character it cannot hold is shown to the user, who
+    // replaces it; the dialog stays open with everything typed.
+    if (const QString bad = Cp932::Unencodable(text); !bad.isEmpty()) {
+        ToviUi::Instance().MessageBox(
+            this,
+            QStringLiteral("コメントに Shift_JIS で表せない文字があります（%1）。\n"
+                           "検査状況ファイルに保存できないため、別の文字に置き換えてください。")
+                .arg(bad),
+            QString(), ToviUi::ButtonsOk, ToviUi::IconWarning);
+        edit->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    comment = text;
     if (QString(comment).remove(QLatin1Char(' ')).isEmpty()) {
         comment.clear();
     }

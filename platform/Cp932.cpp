@@ -1,5 +1,6 @@
 #include "platform/Cp932.h"
 
+#include <QList>
 #include <QtEndian>
 
 #include <iconv.h>
@@ -411,6 +412,26 @@ QByteArray Cp932::FromUnicode(const QString& text, bool* ok) {
 
 int Cp932::ByteLength(const QString& text) {
     return static_cast<int>(FromUnicode(text).size());
+}
+
+QString Cp932::Unencodable(const QString& text) {
+    bool ok = true;
+    FromUnicode(text, &ok);
+    if (ok) {
+        return QString();
+    }
+    QString found;
+    const QList<uint> points = text.toUcs4();
+    for (const uint point : points) {
+        const char32_t c = point;
+        const QString one = QString::fromUcs4(&c, 1);
+        bool single = true;
+        FromUnicode(one, &single);
+        if (!single && !found.contains(one)) {
+            found += one;
+        }
+    }
+    return found;
 }
 
 int Cp932::Compare(const QString& a, const QString& b) {

@@ -15,6 +15,9 @@ public:
     // Text to CP932 bytes. Characters without a CP932 form become '?'; ok tells whether
     // every character had one.
     static QByteArray FromUnicode(const QString& text, bool* ok = nullptr);
+    // The characters of text that have no CP932 form, each once, in order of appearance; empty
+    // when the whole text can be written in CP932.
+    static QString Unencodable(const QString& text);
     // Length of the text in CP932 bytes: a full-width character counts 2.
     static int ByteLength(const QString& text);
     // Compares two texts by their CP932 bytes (the "Shift_JIS code order"): <0, 0 or >0.

@@ -166,6 +166,9 @@ private slots:
             "--item");
         row("list, label out of range", {"list", "{w}", "--label", "6"}, 2, "--label");
         row("list, no such node", {"list", "{w}", "--node", "99/0"}, 2, "99/0");
+        // A comment the Shift_JIS record cannot hold is refused before the record is touched.
+        row("label, comment outside Shift_JIS",
+            {"label", "{w}", "--record", "{t}/outside.xml", "--comment", "0=黒板😀"}, 2, "😀");
         row("exif, not a picture", {"exif", "{t}/notes.txt", "--json"}, 0, "\"hasExif\": false");
         row("exif, missing file", {"exif", "{t}/none.JPG"}, 1);
         row("exif, a folder", {"exif", "{t}"}, 1);

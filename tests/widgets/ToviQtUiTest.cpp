@@ -6,6 +6,7 @@
 #include "platform/ToviProgressDlg.h"
 #include "platform/widgets/ToviWaitWindow.h"
 #include "review/LabelProcessSelectTexts.h"
+#include "tests/support/ScriptedUi.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -240,6 +241,29 @@ private slots:
         QCOMPARE(title, QStringLiteral("コメントの記入"));
         QCOMPARE(shown, QStringLiteral("前の"));
         QCOMPARE(values.value(QStringLiteral("comment")).toString(), comment);
+    }
+
+    // A comment the Shift_JIS record cannot hold is not taken: the user is told which
+    // characters, and the dialog stays open with everything typed until they are replaced.
+    void inputCommentOutsideShiftJis() {
+        ScriptedUi scripted;
+        ScopedUi scope(scripted);
+        ToviInputCommentDlg dialog(nullptr, {});
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        auto* edit = dialog.Edit();
+        edit->setPlainText(QStringLiteral("黒板😀不鮮明\n①番 ㈱"));
+        QTest::mouseClick(ButtonOf(&dialog, QStringLiteral("OK")), Qt::LeftButton);
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(scripted.Questions().size(), 1);
+        QVERIFY(scripted.Questions().first().text.contains(QStringLiteral("😀")));
+        QVERIFY(!scripted.Questions().first().text.contains(QStringLiteral("①")));
+        QCOMPARE(edit->toPlainText(), QStringLiteral("黒板😀不鮮明\n①番 ㈱"));
+        edit->setPlainText(QStringLiteral("黒板不鮮明\n①番 ㈱"));
+        QTest::mouseClick(ButtonOf(&dialog, QStringLiteral("OK")), Qt::LeftButton);
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QCOMPARE(dialog.Comment(), QStringLiteral("黒板不鮮明\n①番 ㈱"));
     }
 
     // The wait window is up with its text until the work ends, and Escape does not close it.
