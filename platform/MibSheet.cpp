@@ -234,9 +234,18 @@ bool MibSheetWriter::WriteString(int row, int column, const QString& text, Style
     if (text.isEmpty()) {
         return WriteBlank(row, column, style);
     }
+    // A cell holds at most 32,767 characters: a longer text (a comment of pages) is cut to
+    // that with an ellipsis at the end rather than left out of the sheet.
+    QString shown = text;
+    const QList<uint> points = text.toUcs4();
+    if (points.size() > kMaxCellCharacters) {
+        shown = QString::fromUcs4(reinterpret_cast<const char32_t*>(points.constData()),
+                                  kMaxCellCharacters - 1) +
+                QChar(0x2026);
+    }
     return IsOpen() && worksheet_write_string(book->sheet, static_cast<lxw_row_t>(row),
                                               static_cast<lxw_col_t>(column),
-                                              text.toUtf8().constData(),
+                                              shown.toUtf8().constData(),
                                               book->formats[style]) == LXW_NO_ERROR;
 }
 

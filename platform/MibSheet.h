@@ -43,6 +43,8 @@ public:
     // Opens the sheet in page-break view.
     void SetPageBreakView(bool on) { pageBreakView = on; }
     // Rows are 0-based and must not go back to a row before the last one written.
+    // The most characters a cell holds; WriteString cuts a longer text to it.
+    static constexpr int kMaxCellCharacters = 32767;
     bool WriteString(int row, int column, const QString& text, Style style);
     bool WriteBlank(int row, int column, Style style);
     // Writes the file. False (with a reason in error) when it could not be written whole; the

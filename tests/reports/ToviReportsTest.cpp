@@ -240,6 +240,11 @@ private slots:
         QTest::newRow("nothing pasted") << "" << "" << 2 << "未検査" << "" << "写真タイトル";
         QTest::newRow("comment to escape") << "4" << "<a & b>\"" << 7 << "未検査" << "<a & b>\""
                                            << "";
+        // A cell holds 32,767 characters: a longer comment is cut with an ellipsis, not lost.
+        QTest::newRow("comment past a cell's limit")
+            << "1" << QString(40000, QChar(0x9577)) << 2 << "ＮＧ"
+            << QStringLiteral("ぼけ、") + QString(32767 - 4, QChar(0x9577)) + QChar(0x2026)
+            << "写真タイトル";
     }
     void columns() {
         QFETCH(QString, labels);
