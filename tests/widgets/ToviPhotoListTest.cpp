@@ -154,6 +154,10 @@ private slots:
         } else {
             list->MngModel()->SetRowProbe(probe);
         }
+        // A refill reads nothing beyond the rows on screen either.
+        list->Refill();
+        list->SelectItem(0);
+        QCoreApplication::processEvents();
         const QPair<int, int> before = VisibleRows(*list);
         const int perScreen = before.second - before.first + 1;
         QVERIFY(perScreen > 1);
