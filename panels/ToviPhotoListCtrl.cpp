@@ -37,22 +37,22 @@ QIcon LabelIcon(int label, bool on) {
     return QIcon(pixmap);
 }
 
-// The parts of an item of the thumbnail list: the tile at the top, the comment strip under
-// it when comments are shown, the title at the bottom.
+// The parts of an item of the thumbnail list: the tile at the top, the title under it, and
+// under that the comment strip when comments are shown.
 QRect TileRect(const QRect& item) {
     return QRect(item.x() + (item.width() - ToviThumbListModel::kTileWidth) / 2,
                  item.y() + kTileTop, ToviThumbListModel::kTileWidth,
                  ToviThumbListModel::kTileHeight);
 }
 
-QRect StripIn(const QRect& item) {
-    const QRect tile = TileRect(item);
-    return QRect(item.x() + (item.width() - ToviPhotoListCtrl::kStripWidth) / 2, tile.bottom() + 3,
-                 ToviPhotoListCtrl::kStripWidth, ToviPhotoListCtrl::kStripHeight);
+QRect TitleRect(const QRect& item) {
+    return QRect(item.x() + 2, TileRect(item).bottom() + 3, item.width() - 4, kTitleHeight);
 }
 
-QRect TitleRect(const QRect& item) {
-    return QRect(item.x() + 2, item.bottom() - kTitleHeight - 3, item.width() - 4, kTitleHeight);
+QRect StripIn(const QRect& item) {
+    return QRect(item.x() + (item.width() - ToviPhotoListCtrl::kStripWidth) / 2,
+                 TitleRect(item).bottom() + 3, ToviPhotoListCtrl::kStripWidth,
+                 ToviPhotoListCtrl::kStripHeight);
 }
 
 // Paints an item of the thumbnail list.
@@ -342,7 +342,8 @@ void ToviPhotoListCtrl::CreateFloaty() {
     floaty->setIconSize(QSize(32, 20));
     floaty->setToolButtonStyle(Qt::ToolButtonIconOnly);
     floaty->setAutoFillBackground(true);
-    floaty->setStyleSheet(QStringLiteral("QToolBar#floaty { border: 1px solid #8c8c8c; }"));
+    floaty->setStyleSheet(
+        QStringLiteral("QToolBar#floaty { border: 1px solid #8c8c8c; background: #f4f4f4; }"));
     floaty->addSeparator();
     for (int label = 0; label < 6; ++label) {
         QAction* button = floaty->addAction(LabelIcon(label, false), kFusenNames[label]);
