@@ -2,11 +2,15 @@
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "panels/ToviImageLoader.h"
+#include "panels/ToviLabelTreePanel.h"
+#include "panels/ToviMpiPanel.h"
 #include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviPhotoListModels.h"
 #include "platform/ToviProfile.h"
+#include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/support/DeliveryWriter.h"
+#include "tests/support/ScriptedUi.h"
 
 #include <QApplication>
 #include <QFile>
@@ -17,6 +21,7 @@
 #include <QTemporaryDir>
 #include <QToolBar>
 #include <QToolButton>
+#include <QTreeWidget>
 #include <QtTest>
 
 #include <memory>
@@ -429,6 +434,50 @@ private slots:
         // Far rows were never read, so their facts are not in.
         QVERIFY(!model->index(kRows - 1, 0).data(ToviMngListModel::FactsReadRole).toBool());
         document->GetPhoto(0)->SetComment(QString());
+    }
+
+    // Pictures whose every request was cancelled before their turn are not decoded, so a
+    // list scrolled fast leaves no backlog; one asked for again is decoded after all.
+    void loaderDropsCancelled() {
+        QTemporaryDir pictures;
+        QStringList paths;
+        for (int i = 0; i < 40; ++i) {
+            QImage picture(1200, 900, QImage::Format_RGB32);
+            picture.fill(QColor(i * 6, 100, 160));
+            paths.append(pictures.filePath(QStringLiteral("p%1.jpg").arg(i)));
+            QVERIFY(picture.save(paths.last(), "JPG"));
+        }
+        ToviImageLoader fresh;
+        QSignalSpy ready(&fresh, &ToviImageLoader::Ready);
+        QList<quint64> tickets;
+        for (const QString& path : paths) {
+            tickets.append(fresh.Request(path, ToviImageLoader::Thumb, nullptr));
+        }
+        for (int i = 0; i < 38; ++i) {
+            fresh.Cancel(tickets[i]);
+        }
+        // Wanted again before its turn: it comes.
+        const quint64 again = fresh.Request(paths[20], ToviImageLoader::Thumb, nullptr);
+        QTRY_COMPARE(ready.size(), 3);
+        fresh.WaitForDone();
+        QCoreApplication::processEvents();
+        QList<quint64> answered;
+        for (const QList<QVariant>& signal : ready) {
+            answered.append(signal.at(0).toULongLong());
+            QVERIFY(!signal.at(3).value<QImage>().isNull());
+        }
+        QVERIFY(answered.contains(again) && answered.contains(tickets[38]) &&
+                answered.contains(tickets[39]));
+        int decoded = 0;
+        for (int i = 0; i < 38; ++i) {
+            QImage cached;
+            const quint64 ticket = fresh.Request(paths[i], ToviImageLoader::Thumb, &cached);
+            decoded += ticket == 0 ? 1 : 0;
+            fresh.Cancel(ticket);
+        }
+        // Only those a worker had already begun, and the one asked for again.
+        QVERIFY2(decoded <= QThread::idealThreadCount() + 1, qPrintable(QString::number(decoded)));
+        fresh.WaitForDone();
     }
 
     // An empty set: no items, and the floaty does not come.
