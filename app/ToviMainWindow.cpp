@@ -10,6 +10,7 @@
 #include "panels/ToviSpiCtrl.h"
 #include "platform/ToviProfile.h"
 #include "platform/ToviUi.h"
+#include "reports/ToviCheckStatusFileOut.h"
 #include "reports/ToviPhotoExport.h"
 #include "review/ToviLabelManager.h"
 #include "review/ToviXmlManager.h"
@@ -732,7 +733,8 @@ bool ToviMainWindow::LoadRecord(const QString& given) {
 
 void ToviMainWindow::OnCheckReport() {
     if (ToviData* data = document->Data()) {
-        data->FileOutCheckStatus(QStringLiteral("検査状況表の出力"));
+        ToviCheckStatusFileOut(*data, *data->GetLabelManager())
+            .FileOut(QStringLiteral("検査状況表の出力"));
     }
 }
 

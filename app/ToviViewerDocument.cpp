@@ -5,8 +5,8 @@
 #include "panels/ToviPanel.h"
 #include "platform/Cp932.h"
 #include "platform/MibFile.h"
+#include "platform/ToviProgressDlg.h"
 #include "platform/ToviUi.h"
-#include "reports/ToviProgressDlg.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 
 #include <QByteArrayMatcher>

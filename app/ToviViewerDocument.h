@@ -1,7 +1,7 @@
 #pragma once
 
 #include "document/ToviHostDocument.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "panels/ToviPanel.h"
 
 #include <QObject>

@@ -4,10 +4,11 @@
 //               [--profile FILE]
 
 #include "app/ToviMainWindow.h"
+#include "dialogs/ToviConfirmDlg.h"
+#include "dialogs/ToviQtUi.h"
 #include "document/ToviData.h"
 #include "panels/ToviMpiPanel.h"
 #include "platform/ToviProfile.h"
-#include "platform/widgets/ToviQtUi.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -146,6 +147,9 @@ int main(int argc, char* argv[]) {
     std::unique_ptr<ToviQtUi> ui =
         unattended ? std::make_unique<ToviUnattendedUi>() : std::make_unique<ToviQtUi>();
     ToviUi::Install(ui.get());
+    ToviPanelWindows windows;
+    windows.createConfirm = [](ToviMpiPanel* owner) { return new ToviConfirmDlg(owner); };
+    SetPanelWindows(windows);
     int code = 0;
     {
         ToviMainWindow window;
@@ -167,6 +171,7 @@ int main(int argc, char* argv[]) {
         });
         code = QApplication::exec();
     }
+    SetPanelWindows({});
     ToviUi::Install(nullptr);
     return code;
 }

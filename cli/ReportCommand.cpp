@@ -4,6 +4,7 @@
 #include "cli/CliSelection.h"
 
 #include "document/ToviData.h"
+#include "reports/ToviCheckStatusFileOut.h"
 
 int RunReport(QStringList args) {
     QString output;
@@ -34,5 +35,6 @@ int RunReport(QStringList args) {
     }
     // The message of the outcome goes to standard error, as a message box would show it.
     CliUi ui(output);
-    return document->FileOutCheckStatus(QStringLiteral("検査結果出力")) ? ExitOk : ExitNotLoaded;
+    ToviCheckStatusFileOut report(*document, *document->GetLabelManager());
+    return report.FileOut(QStringLiteral("検査結果出力")) ? ExitOk : ExitNotLoaded;
 }

@@ -2,9 +2,9 @@
 
 #include "dialogs/ToviConfirmTreeCtrl.h"
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviNode.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviTreeImages.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "panels/ToviPanelWindows.h"
+
 #include <QDialog>
 #include <QList>
 #include <QPixmap>
@@ -15,25 +17,22 @@ class ToviPhoto;
 // 写真格納位置の確認: the classification tree of the whole delivery, wide open, with the
 // selected photograph's place marked. Modeless and read-only; the multi-photo panel owns it,
 // moves the mark as its selection moves, and keeps its place and size between openings.
-class ToviConfirmDlg : public QDialog {
+class ToviConfirmDlg : public QDialog, public ToviConfirmView {
     Q_OBJECT
 public:
-    static constexpr int kMinimumWidth = 200;
-    static constexpr int kMinimumHeight = 300;
     static constexpr int kNoTreeType = 3;
 
     // A dialog with an owner tells it when it goes (EndConfirmDlg).
     explicit ToviConfirmDlg(ToviMpiPanel* owner, QWidget* parent = nullptr);
     ~ToviConfirmDlg() override;
 
-    bool IsTreeType(int type) const { return treeType == type; }
-    void SetTreeType(int type) { treeType = type; }
-    // Fills the tree from the document's tree and marks the selected photograph.
-    void BuildTree(ToviData* data);
-    // Marks the photograph's place; a photograph with no place leaves the mark where it is.
-    bool OnSelect(ToviData* data, ToviPhoto* photo);
+    bool IsTreeType(int type) const override { return treeType == type; }
+    void SetTreeType(int type) override { treeType = type; }
+    void BuildTree(ToviData* data) override;
+    bool OnSelect(ToviData* data, ToviPhoto* photo) override;
     // The place and size kept at the last close (position of the frame, size of the client).
-    QRect StoredRect() const { return QRect(x, y, width, height); }
+    QRect StoredRect() const override { return QRect(x, y, width, height); }
+    QWidget* Window() override { return this; }
     ToviConfirmTreeCtrl* Tree() const { return tree; }
 
 protected:

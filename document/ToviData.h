@@ -1,12 +1,12 @@
 #pragma once
 
 #include "document/ToviItemArray.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviNode.h"
-#include "document/ToviPhotoArray.h"
 #include "document/ToviPathTitles.h"
+#include "document/ToviPhotoArray.h"
 #include "document/ToviPhotoRef.h"
 #include "extraction/ToviExtractionConditions.h"
-#include "loading/ToviItemDef.h"
 #include "platform/MibPathResolver.h"
 
 #include <QString>
@@ -167,12 +167,6 @@ public:
     // call and kept; empty (and tried again next time) when there is no index file, no
     // stylesheet for it, or no copy could be made.
     QString GetIndexPath();
-
-    // ---- reports (ToviDataReports.cpp) ---------------------------------------------------------
-    // The check report of the current view: asks the file name, writes the workbook and tells
-    // the outcome, with caption as the title of its progress window and messages. True when
-    // the report was written.
-    bool FileOutCheckStatus(const QString& caption);
 
     // ---- sort (ToviDataExtraction.cpp) ---------------------------------------------------------
     // Orders the current array by the sort condition's key and direction.

@@ -6,7 +6,7 @@
 #include "extraction/ToviExtractionJudge.h"
 #include "extraction/ToviSortCondition.h"
 #include "extraction/ToviSorter.h"
-#include "reports/ToviProgressDlg.h"
+#include "platform/ToviProgressDlg.h"
 
 void ToviData::Sort() {
     ToviSorter sorter(this);

@@ -1,9 +1,7 @@
-// The delivery's index file: the tables in loading/ find it and its stylesheet, the factory
-// makes the copy.
+// The delivery's index file: the item definitions' tables find it and its stylesheet and
+// make the copy that points at it.
 
 #include "document/ToviData.h"
-
-#include "loading/ToviEnouDataFactory.h"
 
 QString ToviData::GetIndexPath() {
     if (!indexPath.isEmpty()) {
@@ -15,7 +13,6 @@ QString ToviData::GetIndexPath() {
     if (index.isEmpty() || stylesheet.isEmpty()) {
         return QString();
     }
-    ToviEnouDataFactory factory;
-    indexPath = factory.GetNewIndexPath(index, stylesheet);
+    indexPath = ToviItemDef::MakeIndexCopy(index, stylesheet);
     return indexPath;
 }

@@ -1,7 +1,7 @@
 #include "document/ToviPhoto.h"
 
 #include "document/ToviData.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "platform/MibFile.h"
 #include "platform/MibPathResolver.h"
 #include "platform/ToviCheck.h"

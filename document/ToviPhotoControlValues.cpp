@@ -1,9 +1,9 @@
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "imagefacts/ToviControlValueArray.h"
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
-#include "loading/ToviItemDef.h"
 
 bool ToviPhoto::GetControlValueArray(ToviControlValueArray& out) const {
     out.clear();

@@ -1,6 +1,6 @@
 #include "document/ToviPhoto.h"
 
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "settings/ToviItemShowSettings.h"
 
 namespace {

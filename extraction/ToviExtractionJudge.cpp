@@ -1,8 +1,8 @@
 #include "extraction/ToviExtractionJudge.h"
 
+#include "document/ToviItemDef.h"
 #include "document/ToviNode.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 
 ToviExtractionJudge::ToviExtractionJudge(const ToviItemDef& def,
                                          const ToviExtractionConditions& conditions)

@@ -5,6 +5,7 @@
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ExifJpegWriter.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -37,6 +38,13 @@ QImage SmallImage(int width, int height, int seed) {
         }
     }
     return image;
+}
+
+QByteArray Encoded(const QImage& image, const char* format) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    return image.save(&buffer, format) ? bytes : QByteArray();
 }
 
 // The seeds of fuzz_photoxml and fuzz_readitem start with the family byte.
@@ -148,6 +156,23 @@ int main(int argc, char** argv) {
     for (const auto& [name, bytes] : jpegs) {
         ok = !bytes.isEmpty() &&
              Write(corpus.filePath(QStringLiteral("exif/") + QLatin1String(name)), bytes) && ok;
+    }
+
+    // Display decode: the first byte picks the file's ending (0 .jpg, 1 .png, 2 .bmp, 3 .tif),
+    // the rest is the file: JPEGs turned by their Exif, with and without a thumbnail, and one
+    // picture in each other format the viewer reads.
+    ExifFacts turned = full;
+    turned.orientation = 8;
+    const std::initializer_list<std::pair<const char*, QByteArray>> pictures = {
+        {"turned.jpg", QByteArray(1, '\0') + MakeExifJpeg(SmallImage(40, 24, 5), turned)},
+        {"bare.jpg", QByteArray(1, '\0') + MakeExifJpeg(SmallImage(24, 40, 6), bare)},
+        {"plain.png", QByteArray(1, '\1') + Encoded(SmallImage(20, 12, 7), "PNG")},
+        {"plain.bmp", QByteArray(1, '\2') + Encoded(SmallImage(12, 20, 8), "BMP")},
+        {"plain.tif", QByteArray(1, '\3') + Encoded(SmallImage(16, 16, 9), "TIFF")},
+    };
+    for (const auto& [name, bytes] : pictures) {
+        ok = bytes.size() > 1 &&
+             Write(corpus.filePath(QStringLiteral("image/") + QLatin1String(name)), bytes) && ok;
     }
 
     // SVG: a drawing carrying a JPEG photograph in a data URI, with xlink and plain href.

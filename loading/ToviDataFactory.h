@@ -1,6 +1,6 @@
 #pragma once
 
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 
 #include <QString>
 

@@ -27,10 +27,10 @@ public:
     // naming the folder or file at fault; empty for no error and for "no photographs".
     QString GetErrorTypeText(const ToviData& document) const;
 
-    // Copies the index file into the suite folder's "IndexCopy" with its stylesheet line
-    // pointing at stylesheetPath's file name, beside which the stylesheet and the index's DTD
-    // are copied too. Answers the copy's path, or empty when it could not be made.
-    QString GetNewIndexPath(const QString& indexPath, const QString& stylesheetPath);
+    // The copy of the index file that points at its stylesheet (ToviItemDef::MakeIndexCopy).
+    QString GetNewIndexPath(const QString& indexPath, const QString& stylesheetPath) {
+        return ToviItemDef::MakeIndexCopy(indexPath, stylesheetPath);
+    }
 
     // ---- media combine (ToviEnouDataFactoryCombine.cpp) ----
     // Gathers a delivery spread over several discs. A folder on optical or removable media is

@@ -1,10 +1,10 @@
 // The media combine: a delivery spread over several discs gathered into one work area.
 
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "loading/OpenNextDataTexts.h"
 #include "loading/ToviEnouDataFactory.h"
-#include "loading/ToviItemDef.h"
 #include "platform/MibFile.h"
 #include "platform/ToviEnvironment.h"
 #include "platform/ToviUi.h"

@@ -22,13 +22,38 @@ ToviControlValueTable::ToviControlValueTable(QWidget* parent) : QTreeWidget(pare
     }
 }
 
+void ToviControlValueTable::AdjustColumns() {
+    const int quarter = viewport()->width() / 4;
+    if (quarter <= 0) {
+        return;
+    }
+    for (int column = 0; column < 4; ++column) {
+        setColumnWidth(column, quarter);
+    }
+}
+
+void ToviControlValueTable::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    AdjustColumns();
+}
+
 void ToviControlValueTable::SetValues(const ToviControlValues& values) {
+    setUpdatesEnabled(false);
     clear();
-    for (const auto& value : values) {
-        auto* row = new QTreeWidgetItem(
-            this, {value->Name(), value->Design(), value->Actual(), value->Difference()});
-        for (int column = 1; column < 4; ++column) {
-            row->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+    // A lone name is a remark, not a table; and a table is shown only when every part of the
+    // text was read, so that nothing the text says is left out of it.
+    const bool loneName = values.size() == 1 && values.front()->IsNameOnly();
+    if (!loneName && values.IsValid()) {
+        for (const auto& value : values) {
+            if (value->IsBlank()) {
+                continue;
+            }
+            auto* row = new QTreeWidgetItem(
+                this, {value->Name(), value->Design(), value->Actual(), value->Difference()});
+            for (int column = 1; column < 4; ++column) {
+                row->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+            }
         }
     }
+    setUpdatesEnabled(true);
 }

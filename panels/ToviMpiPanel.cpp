@@ -1,19 +1,19 @@
 #include "panels/ToviMpiPanel.h"
 
-#include "dialogs/ToviConfirmDlg.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 #include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviPanelWindows.h"
 #include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
-#include "platform/widgets/LumImgWnd.h"
 #include "platform/ToviCheck.h"
 #include "platform/ToviProfile.h"
 #include "platform/ToviUi.h"
+#include "platform/widgets/LumImgWnd.h"
 #include "review/ToviLabelManager.h"
 
 #include <QApplication>
@@ -1024,25 +1024,30 @@ void ToviMpiPanel::RenewCommentWindows() {
 // ---- the confirm dialog ------------------------------------------------------------------
 
 void ToviMpiPanel::ShowConfirmDlg() {
-    if (!data) {
+    const ToviPanelWindows& makers = PanelWindows();
+    if (!data || !makers.createConfirm) {
         return;
     }
     const int type = data->GetVisualSetting().GetTreeType();
     if (confirmDlg && confirmDlg->IsTreeType(type)) {
-        confirmDlg->raise();
+        confirmDlg->Window()->raise();
         return;
     }
     delete confirmDlg;  // another tree type: a new dialog; EndConfirmDlg clears the pointer
-    confirmDlg = new ToviConfirmDlg(this);
+    confirmDlg = makers.createConfirm(this);
+    if (!confirmDlg) {
+        return;
+    }
     int width = confirmWidth;
     int height = confirmHeight;
-    if (width < ToviConfirmDlg::kMinimumWidth || height < ToviConfirmDlg::kMinimumHeight) {
-        width = ToviConfirmDlg::kMinimumWidth;
-        height = ToviConfirmDlg::kMinimumHeight;
+    if (width < ToviConfirmView::kMinimumWidth || height < ToviConfirmView::kMinimumHeight) {
+        width = ToviConfirmView::kMinimumWidth;
+        height = ToviConfirmView::kMinimumHeight;
     }
-    confirmDlg->resize(width, height);
-    confirmDlg->move(std::max(0, confirmPosX), std::max(0, confirmPosY));
-    confirmDlg->show();
+    QWidget* window = confirmDlg->Window();
+    window->resize(width, height);
+    window->move(std::max(0, confirmPosX), std::max(0, confirmPosY));
+    window->show();
     if (!confirmDlg->IsTreeType(type)) {
         confirmDlg->SetTreeType(type);
         confirmDlg->BuildTree(data);

@@ -9,7 +9,7 @@
 #include <vector>
 
 class ToviCommentWindow;
-class ToviConfirmDlg;
+class ToviConfirmView;
 class ToviHostDocument;
 class ToviImageLoader;
 class ToviItemDef;
@@ -109,11 +109,12 @@ public:
         return commentWindows;
     }
 
-    // The floating window that marks where the selected photograph sits in the tree.
+    // The floating window that marks where the selected photograph sits in the tree, made by
+    // the maker the host installed (SetPanelWindows); nothing without one.
     void ShowConfirmDlg();
-    // Called by the confirm dialog as it goes: its place and size are kept for the next one.
+    // Called by the confirm window as it goes: its place and size are kept for the next one.
     void EndConfirmDlg();
-    ToviConfirmDlg* ConfirmDlg() const { return confirmDlg; }
+    ToviConfirmView* ConfirmDlg() const { return confirmDlg; }
 
     // ---- the list modes 5 and 6 (ToviMpiPanelLists.cpp)
     // The list of the mode, made anew; the previous one goes.
@@ -203,5 +204,5 @@ private:
     std::unique_ptr<ToviImageLoader> loader;
     // Children of the cells; a strip goes with its cell, hence the guarded pointers.
     std::vector<QPointer<ToviCommentWindow>> commentWindows;
-    ToviConfirmDlg* confirmDlg = nullptr;
+    ToviConfirmView* confirmDlg = nullptr;
 };

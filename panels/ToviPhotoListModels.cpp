@@ -2,7 +2,7 @@
 
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "panels/ToviImageLoader.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 

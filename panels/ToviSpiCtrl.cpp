@@ -1,11 +1,11 @@
 #include "panels/ToviSpiCtrl.h"
 
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "document/ToviTextPairArray.h"
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
-#include "loading/ToviItemDef.h"
 #include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"

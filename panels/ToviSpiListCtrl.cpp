@@ -1,7 +1,7 @@
 #include "panels/ToviSpiListCtrl.h"
 
+#include "document/ToviItemDef.h"
 #include "document/ToviTextPairArray.h"
-#include "loading/ToviItemDef.h"
 #include "settings/ToviItemShowSettings.h"
 
 #include <QHeaderView>

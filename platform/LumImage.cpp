@@ -1,5 +1,6 @@
 #include "platform/LumImage.h"
 #include "platform/LumExiv2Setup.h"
+#include "platform/LumJpegFacts.h"
 #include "platform/MibFile.h"
 
 #include <QBuffer>
@@ -349,6 +350,44 @@ QImage DecodeOther(QFile& file, bool thumb) {
 }
 
 }  // namespace
+
+bool LumReadJpegFacts(const QString& path, LumJpegFacts* facts) {
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
+        return false;
+    }
+    QByteArray data = file.read(kHeadBytes);
+    bool whole = file.atEnd();
+    JpegHead head;
+    Walk walk = WalkToFirstScan(data, &head);
+    if (walk == Walk::NeedMore && !whole) {
+        data += file.readAll();
+        whole = true;
+        walk = WalkToFirstScan(data, &head);
+    }
+    if (walk != Walk::Found) {
+        return false;
+    }
+    // The usual ending, EOI as the last two bytes, spares reading the scans of a large file.
+    bool complete = file.seek(file.size() - 2) && file.read(2) == QByteArrayLiteral("\xFF\xD9");
+    if (!complete) {
+        if (!whole && file.seek(data.size())) {
+            data += file.readAll();
+        }
+        complete = HasEndOfImage(data, head.scanData);
+    }
+    if (!complete) {
+        return false;
+    }
+    facts->width = head.width;
+    facts->height = head.height;
+    facts->orientation = ReadExif(data.left(head.scanData)).orientation;
+    return true;
+}
+
+QImage LumOrient(const QImage& stored, int orientation) {
+    return Orient(stored, orientation);
+}
 
 bool LumImage::Load(const QString& path) {
     return LoadForDisplay(path, 0);

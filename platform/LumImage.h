@@ -57,6 +57,8 @@ public:
     // Exif orientation says. SVG drawings are rendered to fit the tile.
     bool LoadThumb(const QString& path);
     void Clear();
+    // Takes picture as it stands (a decoded buffer to correct).
+    void SetImage(const QImage& picture);
 
     bool IsValid() const;
     const QImage& Image() const;
@@ -72,6 +74,17 @@ public:
     // read or the file not written.
     static bool SaveSvgAsJpeg(const QString& svgPath, const QString& outPath, int width,
                               int height);
+
+    // ---- Corrections for viewing (platform/LumImageEdit.cpp) ----
+    // Turns the picture by angle degrees, clockwise for a positive angle. Quarter turns are
+    // exact; any other angle widens the picture and fills the corners with backColor
+    // (0xRRGGBB). The two flags are kept for the callers' sake and change nothing here.
+    bool Rotate(int angle, unsigned long backColor, bool smooth, bool keepSize);
+    // Lightens (amount > 0) or darkens (amount < 0) the picture by a tone curve: 1000 lifts
+    // the mid tones as a gamma of 1/2 does, -1000 lowers them as a gamma of 2; black and
+    // white stay where they are, so repeated steps never clip. Amounts are bounded to
+    // -1000..1000. False when there is no picture.
+    bool SetContrast(int amount);
 
     // A 1-bit picture becomes 8-bit grey, so that it can be smoothed when scaled; false when
     // there is no picture or it is not 1-bit.

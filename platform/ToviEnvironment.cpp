@@ -180,8 +180,16 @@ std::optional<QString> WorkLocation() {
     }
     QString fallback = ProductLocation();
     if (fallback.isEmpty()) {
-        fallback = WithoutTrailingSeparator(
-            QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+        // Work files are a cache: they go where the desktop keeps caches, one folder shared by
+        // the viewer and the command line, and never among the user's own documents.
+        const QString cache = WithoutTrailingSeparator(
+            QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
+        if (!cache.isEmpty()) {
+            fallback = cache + QStringLiteral("/tovicore");
+            if (!QDir().mkpath(fallback)) {
+                fallback.clear();
+            }
+        }
     }
     if (fallback.isEmpty()) {
         return std::nullopt;

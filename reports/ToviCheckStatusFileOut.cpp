@@ -1,13 +1,13 @@
 #include "reports/ToviCheckStatusFileOut.h"
 
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 #include "platform/MibFile.h"
 #include "platform/MibSheet.h"
 #include "platform/ToviEnvironment.h"
+#include "platform/ToviProgressDlg.h"
 #include "platform/ToviUi.h"
-#include "reports/ToviProgressDlg.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 

@@ -1,8 +1,8 @@
 #include "reports/ToviPhotoExport.h"
 
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
-#include "loading/ToviItemDef.h"
 #include "platform/LumImage.h"
 #include "platform/MibFile.h"
 #include "platform/ToviEnvironment.h"
@@ -76,7 +76,8 @@ ToviPhotoExport::ToviPhotoExport(ToviData& document, QWidget* parent)
     : document(document), parent(parent) {}
 
 QString ToviPhotoExport::FileNameOf(const ToviPhoto& photo) const {
-    return photo.GetTitle(document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真ファイル名")));
+    return photo.GetTitle(
+        document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真ファイル名")));
 }
 
 void ToviPhotoExport::OutputPhotos(bool slideMode) {
@@ -157,7 +158,8 @@ ToviPhotoExport::Counts ToviPhotoExport::OutputAllPhoto() {
 QString ToviPhotoExport::AskFileName(const ToviPhoto& photo) const {
     const QString name = FileNameOf(photo);
     const bool svg = name.endsWith(QLatin1String(".SVG"));
-    const QString filter = svg ? QStringLiteral("SVG(*.SVG *.svg)") : QStringLiteral("JPEG(*.JPG *.jpg)");
+    const QString filter =
+        svg ? QStringLiteral("SVG(*.SVG *.svg)") : QStringLiteral("JPEG(*.JPG *.jpg)");
     const QString folder = GetOutputPhotoFolder();
     const QString proposed = folder.isEmpty() ? name : MibNormalDir(folder) + name;
     return ToviUi::Instance().GetSaveFileName(parent, QString(), proposed, filter);
@@ -185,9 +187,15 @@ bool ToviPhotoExport::OutputOnePhoto() {
     return Finish(path, MibCopyFileKeepStatus(photo->GetImagePath(), path));
 }
 
-bool ToviPhotoExport::SaveFromCorrection(ToviPhoto* photo, const LumImage& corrected,
-                                         bool changed, bool shown, bool slideMode,
-                                         bool checkPhoto) {
+bool ToviPhotoExport::SaveFromCorrection(ToviPhoto* photo, const LumImage& corrected, bool changed,
+                                         bool shown, bool slideMode, bool checkPhoto) {
+    return SaveFromCorrection(
+        photo, [&corrected] { return corrected; }, changed, shown, slideMode, checkPhoto);
+}
+
+bool ToviPhotoExport::SaveFromCorrection(ToviPhoto* photo,
+                                         const std::function<LumImage()>& corrected, bool changed,
+                                         bool shown, bool slideMode, bool checkPhoto) {
     ToviUi& ui = ToviUi::Instance();
     if (slideMode) {
         ui.MessageBox(parent, SlideModeMessage_, QString(), ToviUi::ButtonsOk,
@@ -213,7 +221,7 @@ bool ToviPhotoExport::SaveFromCorrection(ToviPhoto* photo, const LumImage& corre
     if (path.isEmpty()) {
         return false;
     }
-    const bool saved = worked ? corrected.Save(path, LumImageJpeg, 2)
+    const bool saved = worked ? corrected().Save(path, LumImageJpeg, 2)
                               : MibCopyFileKeepStatus(photo->GetImagePath(), path);
     return Finish(path, saved);
 }
@@ -247,8 +255,8 @@ bool ToviSvgToHtml(const QString& svgPath, QString& htmlPath) {
     if (!MibIsFileExist(svgPath)) {
         return false;
     }
-    const QString source = QUrl::fromLocalFile(QFileInfo(svgPath).absoluteFilePath())
-                               .toString(QUrl::FullyEncoded);
+    const QString source =
+        QUrl::fromLocalFile(QFileInfo(svgPath).absoluteFilePath()).toString(QUrl::FullyEncoded);
     const QString page =
         QStringLiteral(
             "<!DOCTYPE html>\n<html lang=\"ja\">\n<head>\n<meta charset=\"UTF-8\">\n"

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class LumImage;
 class QWidget;
 class ToviData;
@@ -26,15 +28,15 @@ public:
         int failed = 0;
     };
 
-    static const QString SlideModeMessage_;     // "スライドモード中は写真の保存ができません。"
-    static const QString NoPhotoMessage_;       // "出力可能な写真がありませんでした。"
-    static const QString NothingToSaveMessage_; // "保存可能な写真がありません。"
-    static const QString SavedMessage_;         // "保存に成功しました。"
-    static const QString SaveFailedMessage_;    // "保存に失敗しました。"
-    static const QString ConflictMessage_;      // a file of an output name is in the folder
-    static const QString FolderTitle_;          // "フォルダの選択"
-    static const QString ChoiceDialogName_;     // "ToviSelectOutputPhotoDlg"
-    static const QString WorkedModeField_;      // its bool: save the corrected picture
+    static const QString SlideModeMessage_;  // "スライドモード中は写真の保存ができません。"
+    static const QString NoPhotoMessage_;  // "出力可能な写真がありませんでした。"
+    static const QString NothingToSaveMessage_;  // "保存可能な写真がありません。"
+    static const QString SavedMessage_;          // "保存に成功しました。"
+    static const QString SaveFailedMessage_;     // "保存に失敗しました。"
+    static const QString ConflictMessage_;       // a file of an output name is in the folder
+    static const QString FolderTitle_;           // "フォルダの選択"
+    static const QString ChoiceDialogName_;      // "ToviSelectOutputPhotoDlg"
+    static const QString WorkedModeField_;       // its bool: save the corrected picture
     // The final message of OutputAllPhoto for count, copied and failed.
     static QString DoneMessage(int count, int copied, int failed);
 
@@ -53,8 +55,12 @@ public:
     // makes that an error to tell): when the picture was changed (turned or brightened) and
     // is shown, the user chooses between saving the corrected picture as a JPEG, which loses
     // the Exif, and copying the delivered file. True when something was saved.
-    bool SaveFromCorrection(ToviPhoto* photo, const LumImage& corrected, bool changed,
-                            bool shown, bool slideMode, bool checkPhoto);
+    bool SaveFromCorrection(ToviPhoto* photo, const LumImage& corrected, bool changed, bool shown,
+                            bool slideMode, bool checkPhoto);
+    // The same, with the corrected picture made only when the user chose to save it (a
+    // correction window decodes the whole photograph for it).
+    bool SaveFromCorrection(ToviPhoto* photo, const std::function<LumImage()>& corrected,
+                            bool changed, bool shown, bool slideMode, bool checkPhoto);
 
 private:
     // The save-file dialog for photo proposing its name in the output folder; empty when

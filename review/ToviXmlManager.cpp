@@ -3,7 +3,7 @@
 #include "document/ToviPhoto.h"
 #include "document/ToviPhotoArray.h"
 #include "platform/Cp932.h"
-#include "reports/ToviProgressDlg.h"
+#include "platform/ToviProgressDlg.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>

@@ -12,7 +12,7 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 build=${ASAN_BUILD_DIR:-$here/build-asan}
 seconds=${1:-30}
 jobs=${JOBS:-2}
-targets=(photoxml readitem exif svg controlvalue)
+targets=(photoxml readitem exif svg controlvalue image)
 
 "$here/scripts/setup.sh" --packages-only
 

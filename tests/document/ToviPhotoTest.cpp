@@ -1,8 +1,8 @@
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "document/ToviPhotoRef.h"
 #include "document/ToviTextPairArray.h"
-#include "loading/ToviItemDef.h"
 #include "platform/ToviProfile.h"
 
 #include <QTemporaryDir>

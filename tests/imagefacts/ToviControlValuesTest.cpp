@@ -1,10 +1,10 @@
 #include "document/ToviData.h"
 #include "document/ToviItemArray.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "imagefacts/ToviControlValueArray.h"
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
-#include "loading/ToviItemDef.h"
 #include "platform/ToviProfile.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
-#include "loading/ToviItemDef.h"
 #include "platform/Cp932.h"
 #include "platform/DoxDocument.h"
 #include "platform/ToviProfile.h"

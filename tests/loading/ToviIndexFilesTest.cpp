@@ -1,6 +1,6 @@
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "loading/ToviEnouDataFactory.h"
-#include "loading/ToviItemDef.h"
 #include "platform/Cp932.h"
 #include "platform/MibFile.h"
 #include "platform/MibXslt.h"

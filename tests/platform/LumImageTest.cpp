@@ -1,4 +1,5 @@
 #include "platform/LumImage.h"
+#include "platform/LumImageSource.h"
 #include "tests/support/ExifJpegWriter.h"
 
 #include <QFile>
@@ -21,6 +22,22 @@ QImage Quadrants(QSize size) {
     painter.fillRect(w, 0, size.width() - w, h, Qt::green);
     painter.fillRect(0, h, w, size.height() - h, Qt::blue);
     painter.fillRect(w, h, size.width() - w, size.height() - h, Qt::yellow);
+    return image;
+}
+
+// A grid of cells in colours that differ from each neighbour, so that a part cut from the
+// wrong place, turned or mirrored, shows other colours than the whole picture has there.
+QImage Cells(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    QPainter painter(&image);
+    const int cell = 80;
+    for (int y = 0; y < size.height(); y += cell) {
+        for (int x = 0; x < size.width(); x += cell) {
+            const int i = x / cell + 7 * (y / cell);
+            painter.fillRect(x, y, cell, cell,
+                             QColor((i * 97) % 256, (i * 57 + 80) % 256, (i * 151 + 30) % 256));
+        }
+    }
     return image;
 }
 
@@ -197,6 +214,116 @@ private slots:
         QCOMPARE(qGray(image.Image().pixel(0, 5)), qGray(mono.pixel(0, 5)));
         QCOMPARE(qGray(image.Image().pixel(1, 5)), qGray(mono.pixel(1, 5)));
         QVERIFY(!image.ConvGrayScaleFromMono());  // already grey
+    }
+
+    // A part of the picture as seen, at every reduction and orientation, holds what the whole
+    // picture holds at that place: the part is found in the stored picture through the
+    // orientation, cut and reduced by the decoder, and turned back.
+    void sourceParts_data() {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<int>("level");
+        for (int orientation = 1; orientation <= 8; ++orientation) {
+            for (int level : {0, 1, 2}) {
+                QTest::addRow("orientation %d level %d", orientation, level)
+                    << orientation << level;
+            }
+        }
+    }
+    void sourceParts() {
+        QFETCH(int, orientation);
+        QFETCH(int, level);
+        ExifFacts facts;
+        facts.orientation = orientation;
+        facts.embedThumbnail = false;
+        const QString path = dir->filePath(u"cells.jpg"_s);
+        QVERIFY(WriteExifJpeg(path, Cells(QSize(1280, 960)), facts, 95));
+
+        LumImageSource source;
+        QVERIFY(source.Open(path));
+        QVERIFY(source.IsJpeg());
+        const QSize seen = orientation < 5 ? QSize(1280, 960) : QSize(960, 1280);
+        QCOMPARE(source.Size(), seen);
+        const QImage whole = source.Decode(level);
+        QCOMPARE(whole.size(), source.LevelSize(level));
+        const QRect part(328, 168, 400, 320);  // across cell borders, off the centre
+        const QImage cut = source.Decode(level, part);
+        const int scale = 1 << level;
+        QCOMPARE(cut.size(), QSize(part.width() / scale, part.height() / scale));
+        for (int y = 20; y < part.height(); y += 40) {
+            for (int x = 20; x < part.width(); x += 40) {
+                const QRgb inCut = cut.pixel(x / scale, y / scale);
+                const QRgb inWhole = whole.pixel((part.x() + x) / scale, (part.y() + y) / scale);
+                QVERIFY2(Near(inCut, QColor(inWhole)),
+                         qPrintable(u"at %1,%2"_s.arg(part.x() + x).arg(part.y() + y)));
+            }
+        }
+    }
+    // The reduction a zoom needs, and what one buffer may hold: a picture whose header claims
+    // 65,535 pixels a side gives no buffer at all rather than gigabytes.
+    void sourceLimits() {
+        QCOMPARE(LumImageSource::LevelFor(1.0), 0);
+        QCOMPARE(LumImageSource::LevelFor(0.6), 0);
+        QCOMPARE(LumImageSource::LevelFor(0.5), 1);
+        QCOMPARE(LumImageSource::LevelFor(0.3), 1);
+        QCOMPARE(LumImageSource::LevelFor(0.2), 2);
+        QCOMPARE(LumImageSource::LevelFor(0.01), 3);
+
+        ExifFacts plain;
+        plain.embedThumbnail = false;
+        QByteArray bytes = MakeExifJpeg(Cells(QSize(64, 48)), plain);
+        const int sof = bytes.indexOf("\xFF\xC0");
+        QVERIFY(sof > 0);
+        bytes[sof + 5] = bytes[sof + 6] = bytes[sof + 7] = bytes[sof + 8] = char(0xFF);
+        const QString huge = dir->filePath(u"HUGE.JPG"_s);
+        WriteBytes(huge, bytes);
+        LumImageSource source;
+        QVERIFY(source.Open(huge));
+        QCOMPARE(source.Size(), QSize(65535, 65535));
+        for (int level = 0; level <= LumImageSource::kMaxLevel; ++level) {
+            QVERIFY(!source.FitsWhole(level));
+            QVERIFY(source.Decode(level).isNull());
+        }
+        // A cut file and an SVG drawing are not sources.
+        WriteBytes(huge, MakeExifJpeg(Cells(QSize(64, 48)), ExifFacts{}).left(300));
+        QVERIFY(!source.Open(huge));
+        QVERIFY(!source.Open(dir->filePath(u"drawing.svg"_s)));
+    }
+    // Turns and tone steps of the corrections: quarter turns are exact, the tone keeps black
+    // and white and moves the mid tones the way its sign says, and steps of one sign add up.
+    void corrections() {
+        LumImage image;
+        QVERIFY(!image.Rotate(90, 0xFFFFFF, false, true));
+        QVERIFY(!image.SetContrast(500));
+        image.SetImage(Quadrants(QSize(200, 100)));
+        QVERIFY(image.Rotate(90, 0xFFFFFF, false, true));
+        QCOMPARE(image.Image().size(), QSize(100, 200));
+        QVERIFY(Near(image.Image().pixel(97, 2), Qt::red));  // top left went top right
+        QVERIFY(image.Rotate(-90, 0xFFFFFF, false, true));
+        QVERIFY(Near(image.Image().pixel(2, 2), Qt::red));
+        QVERIFY(image.Rotate(45, 0xFFFFFF, false, true));
+        QVERIFY(image.Image().width() > 200);
+        QCOMPARE(QColor(image.Image().pixel(0, 0)), QColor(Qt::white));
+
+        QImage grey(3, 1, QImage::Format_RGB32);
+        grey.setPixel(0, 0, qRgb(0, 0, 0));
+        grey.setPixel(1, 0, qRgb(128, 128, 128));
+        grey.setPixel(2, 0, qRgb(255, 255, 255));
+        const auto mid = [](const LumImage& picture) { return qGray(picture.Image().pixel(1, 0)); };
+        LumImage lighter;
+        lighter.SetImage(grey);
+        QVERIFY(lighter.SetContrast(1000));
+        QVERIFY(mid(lighter) > 170 && mid(lighter) < 190);
+        QCOMPARE(qGray(lighter.Image().pixel(0, 0)), 0);
+        QCOMPARE(qGray(lighter.Image().pixel(2, 0)), 255);
+        const int once = mid(lighter);
+        QVERIFY(lighter.SetContrast(400));
+        QVERIFY(mid(lighter) > once);
+        LumImage darker;
+        darker.SetImage(grey.convertToFormat(QImage::Format_Grayscale8));
+        QVERIFY(darker.SetContrast(-1000));
+        QVERIFY(mid(darker) > 55 && mid(darker) < 75);
+        QVERIFY(darker.SetContrast(-5000));  // bounded to one step
+        QVERIFY(mid(darker) > 10 && mid(darker) < 25);
     }
 
 private:

@@ -49,6 +49,7 @@ private slots:
         // fixture, so nothing of the real account is read or written.
         qputenv("HOME", QFile::encodeName(Path(u"home"_s)));
         qunsetenv("XDG_CONFIG_HOME");
+        qunsetenv("XDG_CACHE_HOME");
         qputenv("TMPDIR", QFile::encodeName(Path(u"tmp"_s)));
         for (const char* folder : {"home/Documents", "tmp"}) {
             QVERIFY(QDir().mkpath(Path(QLatin1String(folder))));
@@ -60,14 +61,14 @@ private slots:
         ToviEnvironment::SetMountTableForTesting(QString());
         ToviEnvironment::SetBlockDevicesForTesting(QString());
     }
-    // The work folder from the user's value, else the documents folder, else the newest
-    // installed product's folder two levels above its program folder. %1 stands for the
+    // The work folder from the user's value, else the newest installed product's folder two
+    // levels above its program folder, else the user's cache folder. %1 stands for the
     // fixture folder; products are "product/version=program folder".
     void workFolder_data() {
         QTest::addColumn<QString>("value");       // null: nothing written
         QTest::addColumn<QStringList>("system");  // "key=value"; a product's key has a '/'
         QTest::addColumn<QString>("expected");
-        const QString documents = u"%1/home/Documents/QVScratch"_s;
+        const QString documents = u"%1/home/.cache/tovicore/QVScratch"_s;
         QTest::newRow("temporary folder")
             << "$(PersonalTemp)" << QStringList{} << "%1/tmp/QVScratch";
         QTest::newRow("documents, one new level")

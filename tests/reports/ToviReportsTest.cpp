@@ -336,7 +336,9 @@ private slots:
             QVERIFY(stale.open(QIODevice::WriteOnly));
         }
 
-        QCOMPARE(document->FileOutCheckStatus(QStringLiteral("検査結果出力")), written);
+        QCOMPARE(
+            Report(*document, *document->GetLabelManager()).FileOut(QStringLiteral("検査結果出力")),
+            written);
         QCOMPARE(ui.Questions().size(), message.isEmpty() ? 0 : 1);
         if (!message.isEmpty()) {
             QCOMPARE(ui.Questions()[0].text, message);

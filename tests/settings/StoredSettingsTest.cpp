@@ -1,7 +1,7 @@
 #include "document/ToviData.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "extraction/ToviSortCondition.h"
-#include "loading/ToviItemDef.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviItemManager.h"

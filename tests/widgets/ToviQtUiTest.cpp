@@ -1,10 +1,10 @@
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
+#include "dialogs/ToviQtUi.h"
 #include "loading/OpenNextDataTexts.h"
-#include "platform/widgets/ToviQtUi.h"
+#include "platform/ToviProgressDlg.h"
 #include "platform/widgets/ToviWaitWindow.h"
-#include "reports/ToviProgressDlg.h"
 #include "review/LabelProcessSelectTexts.h"
 
 #include <QApplication>

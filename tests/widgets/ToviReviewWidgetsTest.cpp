@@ -1,9 +1,9 @@
 #include "dialogs/ToviConfirmDlg.h"
 #include "dialogs/ToviConfirmTreeCtrl.h"
 #include "document/ToviHostDocument.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
-#include "loading/ToviItemDef.h"
 #include "panels/ToviCommentWindow.h"
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviNamePlate.h"
@@ -395,8 +395,21 @@ private slots:
         ToviProfile::Instance().WriteProfileInt(ToviMpiPanel::ConfirmDialogSection_,
                                                 ToviMpiPanel::ConfirmDlgHEntry_, 600);
         Open();
+        // Without a maker from the host there is no window to open.
         panel->ShowConfirmDlg();
-        ToviConfirmDlg* dialog = panel->ConfirmDlg();
+        QCOMPARE(panel->ConfirmDlg(), nullptr);
+        struct Makers {
+            Makers() {
+                ToviPanelWindows windows;
+                windows.createConfirm = [](ToviMpiPanel* owner) {
+                    return new ToviConfirmDlg(owner);
+                };
+                SetPanelWindows(windows);
+            }
+            ~Makers() { SetPanelWindows({}); }
+        } makers;
+        panel->ShowConfirmDlg();
+        auto* dialog = dynamic_cast<ToviConfirmDlg*>(panel->ConfirmDlg());
         QVERIFY(dialog && dialog->isVisible());
         QCOMPARE(dialog->windowTitle(), QStringLiteral("写真格納位置の確認"));
         QCOMPARE(dialog->size(), QSize(200, 300));

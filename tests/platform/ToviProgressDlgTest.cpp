@@ -1,4 +1,4 @@
-#include "reports/ToviProgressDlg.h"
+#include "platform/ToviProgressDlg.h"
 #include "tests/support/ScriptedUi.h"
 
 #include <QtTest>

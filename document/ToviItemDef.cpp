@@ -1,4 +1,4 @@
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 
 #include "platform/DoxDocument.h"
 #include "platform/MibFile.h"

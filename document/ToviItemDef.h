@@ -108,6 +108,10 @@ public:
     static QString StylesheetFor(const QByteArray& doctypeLine, PhotoXMLType family);
     // Every path the tables name, and the one path of the families' lists that no DTD reaches.
     static QStringList AllStylesheets();
+    // Copies the index file into the suite folder's "IndexCopy" with its stylesheet line
+    // pointing at stylesheetPath's file name, beside which the stylesheet and the index's DTD
+    // are copied too. Answers the copy's path, or empty when it could not be made.
+    static QString MakeIndexCopy(const QString& indexPath, const QString& stylesheetPath);
 
 private:
     bool InitializeData(const QString& dataPath, PhotoXMLType type);

@@ -1,8 +1,7 @@
 // The delivery's index file and the stylesheet that shows it; the copy of the index that
 // points at the stylesheet.
 
-#include "loading/ToviEnouDataFactory.h"
-#include "loading/ToviItemDef.h"
+#include "document/ToviItemDef.h"
 #include "platform/MibFile.h"
 #include "platform/ToviEnvironment.h"
 
@@ -144,8 +143,7 @@ void ToviItemDef::GetPathAndName(QString& indexPath, QString& stylesheetPath) co
     }
 }
 
-QString ToviEnouDataFactory::GetNewIndexPath(const QString& indexPath,
-                                             const QString& stylesheetPath) {
+QString ToviItemDef::MakeIndexCopy(const QString& indexPath, const QString& stylesheetPath) {
     const QString suite = ToviEnvironment::SuiteFolder();
     if (suite.isEmpty()) {
         return QString();

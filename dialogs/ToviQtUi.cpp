@@ -1,4 +1,4 @@
-#include "platform/widgets/ToviQtUi.h"
+#include "dialogs/ToviQtUi.h"
 
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"

@@ -1,0 +1,239 @@
+#include "dialogs/ToviDetailPanel.h"
+#include "dialogs/ToviImageWnd.h"
+#include "dialogs/ToviMultiDlg.h"
+#include "dialogs/ToviPropertyDlg.h"
+#include "dialogs/ToviTabBaseWnd.h"
+#include "document/ToviHostDocument.h"
+#include "document/ToviPhoto.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "panels/ToviSpiListCtrl.h"
+#include "platform/ToviProfile.h"
+#include "platform/widgets/LumImgWnd.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "tests/support/DeliveryWriter.h"
+#include "tests/support/ScriptedUi.h"
+#include "tests/support/WorkArea.h"
+
+#include <QAction>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QSplitter>
+#include <QTemporaryDir>
+#include <QToolBar>
+#include <QtTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Hands every hint to the panel, as the viewer's host does.
+class Host : public ToviHostDocument {
+public:
+    ToviPanel* panel = nullptr;
+    void UpdateAllViews(QWidget* sender, int hint, QObject* object) override {
+        if (panel && panel != sender) {
+            panel->OnUpdate(sender, static_cast<ToviData::UpdateHint>(hint), object);
+        }
+    }
+};
+
+// Records what a zoom window asks of its owner.
+class Owner : public ToviZoomOwner {
+public:
+    QStringList calls;
+    void OnDestroyDlg(ToviZoomView*) override { calls.append(u"destroy"_s); }
+    void OnDestroyAllDlg() override { calls.append(u"destroyAll"_s); }
+    void OnFixAllDlg() override { calls.append(u"arrange"_s); }
+    void OnChangeDlgState(ToviZoomView*) override { calls.append(u"info"_s); }
+};
+
+void ClickTool(QWidget* window, QAction* action) {
+    QToolBar* bar = nullptr;
+    for (QToolBar* candidate : window->findChildren<QToolBar*>()) {
+        if (candidate->actions().contains(action)) {
+            bar = candidate;
+        }
+    }
+    QVERIFY(bar);
+    QWidget* button = bar->widgetForAction(action);
+    QVERIFY(button && button->isEnabled());
+    QTest::mouseClick(button, Qt::LeftButton);
+}
+
+}  // namespace
+
+class ToviZoomWindowsTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir temp;
+    ScriptedUi ui;
+    Host host;
+    std::unique_ptr<ToviData> document;
+
+    ToviPhoto* Photo(int i) const { return document->GetPhotoActualPhotoArray(i); }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
+        UseWorkFolder(temp.path());
+        ToviUi::Install(&ui);
+        DeliveryOptions options;
+        options.photoCount = 6;
+        options.images = DeliveryOptions::Images::Boards;
+        options.imageSize = QSize(320, 240);
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(temp.filePath(u"d"_s), options, &written, &error),
+                 qPrintable(error));
+        QVERIFY(QFile::remove(written.photoFolder + u"/PIC/"_s + written.photos[5].fileName));
+        ToviEnouDataFactory factory;
+        document = factory.Create(&host, written.photoFolder, PhotoXMLMlit);
+        QVERIFY(document);
+        document->Load();
+        document->BuildTreeNode(document->GetVisualSetting().GetTreeType());
+        document->SetSelected(document.get(), true);
+    }
+    void cleanupTestCase() {
+        host.panel = nullptr;
+        document.reset();
+        ToviUi::Install(nullptr);
+        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+    }
+
+    // The zoom window's tools: turns bring back 戻す even when they add up to nothing; the
+    // slider darkens only in whole steps (+30 below the middle changes nothing, -30 above it
+    // lightens); 固定 and 情報 flip, the latter telling the owner; Enter closes nothing, Escape
+    // asks the owner to close the window.
+    void zoomWindowTools() {
+        Owner owner;
+        ToviMultiDlg dialog(&owner, nullptr, Photo(0), document->GetItemDef(), document.get(),
+                            true);
+        dialog.resize(800, 600);
+        QSignalSpy loaded(dialog.ImageWnd(), &LumImgWnd::Loaded);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        QVERIFY(loaded.count() > 0 || loaded.wait(10000));
+        QVERIFY(dialog.windowTitle() != ToviMultiDlg::NoPhotoTitle_);
+        QVERIFY(!dialog.Action(ToviMultiDlg::kRestore)->isEnabled());
+        const QImage plain = dialog.ImageWnd()->Image();
+
+        for (int i = 0; i < 4; ++i) {
+            ClickTool(&dialog, dialog.Action(ToviMultiDlg::kRotateRight));
+        }
+        QCOMPARE(dialog.Rotation(), 0);
+        QVERIFY(dialog.Action(ToviMultiDlg::kRestore)->isEnabled());
+
+        dialog.Slider()->setFocus();
+        dialog.Slider()->setValue(-30);  // 30 below the middle
+        QCOMPARE(dialog.SliderPos(), 30);
+        QCOMPARE(dialog.Brightness(), -600);
+        QCOMPARE(dialog.ImageWnd()->Image(), plain);
+        QTest::keyClick(dialog.Slider(), Qt::Key_PageUp);  // toward the light end
+        QTest::keyClick(dialog.Slider(), Qt::Key_PageUp);
+        QTest::keyClick(dialog.Slider(), Qt::Key_PageUp);
+        QTest::keyClick(dialog.Slider(), Qt::Key_PageUp);
+        QTest::keyClick(dialog.Slider(), Qt::Key_PageUp);
+        QTest::keyClick(dialog.Slider(), Qt::Key_PageUp);
+        QCOMPARE(dialog.SliderPos(), -30);
+        QCOMPARE(dialog.Brightness(), 600);
+        QVERIFY(qGray(dialog.ImageWnd()->Image().pixel(160, 120)) > qGray(plain.pixel(160, 120)));
+        ClickTool(&dialog, dialog.Action(ToviMultiDlg::kRestore));
+        QCOMPARE(dialog.Brightness(), 0);
+        QCOMPARE(dialog.Slider()->value(), 0);
+        QCOMPARE(dialog.ImageWnd()->Image(), plain);
+
+        ClickTool(&dialog, dialog.Action(ToviMultiDlg::kFix));
+        QVERIFY(dialog.IsFixed());
+        ClickTool(&dialog, dialog.Action(ToviMultiDlg::kInformation));
+        QVERIFY(!dialog.IsInfoVisible());
+        QVERIFY(dialog.TabWnd()->isHidden());
+        QCOMPARE(owner.calls, QStringList{u"info"_s});
+        ClickTool(&dialog, dialog.Action(ToviMultiDlg::kArrange));
+        ClickTool(&dialog, dialog.Action(ToviMultiDlg::kCloseAll));
+
+        QTest::keyClick(&dialog, Qt::Key_Return);
+        QVERIFY(dialog.isVisible());
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QCOMPARE(owner.calls,
+                 (QStringList{u"info"_s, u"arrange"_s, u"destroyAll"_s, u"destroy"_s}));
+    }
+    // A photograph without a file clears the picture but keeps its information; a cleared
+    // window shows nothing and offers no tool but the window's own.
+    void zoomWindowWithoutPicture() {
+        Owner owner;
+        ToviMultiDlg dialog(&owner, nullptr, Photo(5), document->GetItemDef(), document.get(),
+                            true);
+        dialog.resize(700, 500);
+        dialog.show();
+        QVERIFY(!dialog.ImageWnd()->IsEnableImage());
+        QVERIFY(dialog.TabWnd()->GetPropertyDlg()->ItemList()->topLevelItemCount() > 0);
+        QVERIFY(dialog.IsSamePhoto(Photo(5)->GetImagePath().toLower()));
+        dialog.ClearPhoto();
+        QCOMPARE(dialog.windowTitle(), ToviMultiDlg::NoPhotoTitle_);
+        QVERIFY(!dialog.IsSamePhoto(Photo(5)->GetImagePath()));
+        for (int command : {ToviMultiDlg::kRotateLeft, ToviMultiDlg::kRotateRight,
+                            ToviMultiDlg::kRestore, ToviMultiDlg::kSave, ToviMultiDlg::kFix}) {
+            QVERIFY(!dialog.Action(command)->isEnabled());
+        }
+        QVERIFY(!dialog.Slider()->isEnabled());
+        QCOMPARE(dialog.TabWnd()->GetPropertyDlg()->ItemList()->topLevelItemCount(), 0);
+        QVERIFY(dialog.Action(ToviMultiDlg::kClose)->isEnabled());
+    }
+    // The detail panel reads nothing while hidden: five selections later, showing it reads
+    // the last one. The right pane's button flips the setting and the pane.
+    void detailPanel() {
+        ToviDetailPanel panel(&host);
+        host.panel = &panel;
+        panel.resize(900, 500);
+        panel.show();
+        ToviPhotoCtrlVisualSetting setting = document->GetVisualSetting();
+        setting.SetVisibleDetail(false);
+        setting.SetVisibleProperty(true);
+        document->SetVisualSetting(setting, false);
+        panel.Attach(document.get());
+        QVERIFY(!panel.Visible());
+        QVERIFY(!panel.ImageWnd()->Photo());
+        for (int i = 0; i < 5; ++i) {
+            document->PhotoSelectSetting(i);
+            panel.OnUpdate(nullptr, ToviData::HintPhotoSelected, nullptr);
+        }
+        QVERIFY(panel.IsStale());
+        QVERIFY(!panel.ImageWnd()->Photo());
+        QSignalSpy shown(&panel, &ToviDetailPanel::VisibleChanged);
+        setting.SetVisibleDetail(true);
+        document->SetVisualSetting(setting, false);
+        panel.OnUpdate(nullptr, ToviData::HintSettingsChanged, nullptr);
+        QCOMPARE(shown.count(), 1);
+        QCOMPARE(panel.ImageWnd()->Photo(), Photo(4));
+        QVERIFY(!panel.IsStale());
+        document->PhotoSelectSetting(2);
+        panel.OnUpdate(nullptr, ToviData::HintPhotoSelected, nullptr);
+        QCOMPARE(panel.ImageWnd()->Photo(), Photo(2));
+
+        // With no width kept, the bar stands at half the panel and one.
+        panel.AdjustSplitter();
+        QCOMPARE(panel.Splitter()->sizes().first(), panel.width() / 2 + 1);
+        QVERIFY(!panel.TabWnd()->isHidden());
+        QAction* information = panel.ImageWnd()->Action(ToviImageWnd::kInformation);
+        QVERIFY(information->isChecked());
+        ClickTool(panel.ImageWnd(), information);
+        QVERIFY(!document->GetVisualSetting().GetVisibleProperty());
+        QVERIFY(panel.TabWnd()->isHidden());
+        QVERIFY(!information->isChecked());
+        ClickTool(panel.ImageWnd(), information);
+        QVERIFY(!panel.TabWnd()->isHidden());
+
+        // A narrow panel leaves the right pane its least width and the picture the rest.
+        panel.resize(100, 300);
+        QCOMPARE(panel.Splitter()->sizes().last(), ToviDetailPanel::kMinPane);
+        panel.Detach();
+        host.panel = nullptr;
+        QVERIFY(!panel.ImageWnd()->Photo());
+    }
+};
+
+QTEST_MAIN(ToviZoomWindowsTest)
+#include "ToviZoomWindowsTest.moc"
