@@ -6,6 +6,7 @@
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviPanelWindows.h"
 #include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
@@ -89,6 +90,7 @@ ToviMpiPanel::ToviMpiPanel(ToviHostDocument* document, QWidget* parent)
 
 ToviMpiPanel::~ToviMpiPanel() {
     delete confirmDlg;  // hands its place and size back through EndConfirmDlg
+    DestroyListCtrl();
     DestroyCells();
     Save();
 }
@@ -102,6 +104,9 @@ bool ToviMpiPanel::Create(QWidget* parent, int id) {
 }
 
 bool ToviMpiPanel::IsPageShown() const {
+    if (listCtrl) {
+        return listCtrl->IsViewFilled();
+    }
     for (const ToviSpiCtrl* cell : spiCtrls) {
         if (!cell->IsPictureShown()) {
             return false;
@@ -111,6 +116,9 @@ bool ToviMpiPanel::IsPageShown() const {
 }
 
 bool ToviMpiPanel::IsPageComplete() const {
+    if (listCtrl) {
+        return listCtrl->IsViewFilled() && !listCtrl->IsFloatyPending();
+    }
     for (const ToviSpiCtrl* cell : spiCtrls) {
         if (!cell->IsFullShown()) {
             return false;
@@ -238,6 +246,10 @@ bool ToviMpiPanel::OnSelect(int index) {
         return false;
     }
     const bool selected = data->PhotoSelectSetting(data->GetPhotoIndex(index));
+    if (listCtrl && IsListMode()) {
+        EnableCtrlFloaty();
+        listCtrl->ScheduleFloaty(true, 500);
+    }
     if (confirmDlg) {
         confirmDlg->OnSelect(data, data->GetPhoto(index));
     }
@@ -271,6 +283,7 @@ void ToviMpiPanel::OperateNextPhoto() {
     const int sel = SelectedPosition();
     if (!IsPagedMode()) {
         OnSelect(sel + 1);
+        MoveListMark(1);
         return;
     }
     for (size_t i = 0; i < spiCtrls.size(); ++i) {
@@ -295,6 +308,7 @@ void ToviMpiPanel::OperatePrevPhoto() {
     const int sel = SelectedPosition();
     if (!IsPagedMode()) {
         OnSelect(sel - 1);
+        MoveListMark(-1);
         return;
     }
     for (size_t i = 0; i < spiCtrls.size(); ++i) {
@@ -341,6 +355,15 @@ void ToviMpiPanel::InitiateLayput(int top) {
         first = NormalizeTopPhotoId(first);
     }
     DestroyCells();
+    DestroyListCtrl();
+    if (data && visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideThumbList) {
+        ReCreatetListCtrl();
+        SetupThumbListCtrl();
+    } else if (data &&
+               visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideManagementList) {
+        ReCreateMngListCtrl();
+        SetupMngmntListCtrl();
+    }
     if (IsPagedMode() && data) {
         int selected = -1;
         for (int i = 0; i < n; ++i) {
@@ -373,6 +396,9 @@ void ToviMpiPanel::InitiateLayput(int top) {
         CreateCommentWindow();
     }
     RecalcLayout();
+    if (listCtrl) {
+        listCtrl->EnsureMarkVisible();  // now that the list has its size
+    }
     ReCalcCommentWindow();
     InvalidateAllCtrls();
     emit PageChanged(GetCurrentPage(), GetTotalPage());
@@ -393,6 +419,14 @@ void ToviMpiPanel::Initialize() {
 
 void ToviMpiPanel::RecalcLayout() {
     const QRect client = rect();
+    if (listCtrl && !client.isEmpty()) {
+        listCtrl->setGeometry(client);
+        if (visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideThumbList &&
+            visualSetting.GetVisibleComment()) {
+            ReCalcCommentWindow();
+        }
+        return;
+    }
     if (client.isEmpty() || spiCtrls.empty() || !IsPagedMode()) {
         return;
     }
@@ -515,6 +549,7 @@ void ToviMpiPanel::OnPreDetachData() {
     for (ToviSpiCtrl* cell : spiCtrls) {
         cell->SetPhoto(-1);
     }
+    DestroyListCtrl();          // its models read the document on every paint
     InitializeCommentWindow();  // no comment outlives its document on screen
 }
 
@@ -531,6 +566,7 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             Initialize();
             break;
         case ToviData::HintSelectionChanged:
+            RefillList(true);
             if (IsPagedMode()) {
                 ResetPageCount(0);
                 const int sel = SelectedPosition();
@@ -544,6 +580,7 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             }
             break;
         case ToviData::HintPageReset:
+            RefillList(false);
             if (IsPagedMode()) {
                 ResetPageCount(0);
                 OnChangePage();
@@ -557,6 +594,13 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             OnChangePage();
             break;
         case ToviData::HintLabelsChanged:
+            if (listCtrl) {
+                // Every tile and row is read anew, comments included.
+                listCtrl->InvalidateAllItems();
+                EnableCtrlFloaty();
+                data->UpdateHasComment();
+                break;
+            }
             UpdateNamePlate();
             if (IsPagedMode()) {
                 for (size_t i = 0; i < spiCtrls.size() && spiCtrls[i]->PhotoIndex() >= 0; ++i) {
@@ -779,9 +823,12 @@ void ToviMpiPanel::LabelsChanged() {
         data->SetCheckStatusChanged(true);
     }
     data->UpdatePhotoInf(nullptr);
-    if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
+    if (listCtrl) {
+        listCtrl->InvalidateItem(SelectedPosition());
+    } else if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
         cell->UpdateLabelButtons();
     }
+    EnableCtrlFloaty();
 }
 
 void ToviMpiPanel::PasteLabel(int label) {
@@ -802,11 +849,7 @@ void ToviMpiPanel::PasteLabel(int label) {
                 photo->SetComment(text);
                 photo->PasteLabel(4);
             }
-            if (IsPagedMode()) {
-                UpdateComment(CommentIndex(), photo->GetComment());
-            } else {
-                data->UpdateHasComment();  // the lists keep no strips yet
-            }
+            UpdateComment(CommentIndex(), photo->GetComment());
         }
     } else {
         photo->PasteLabel(static_cast<unsigned>(label));
@@ -834,11 +877,7 @@ void ToviMpiPanel::RemoveLabel(int label) {
             return;
         }
         photo->SetComment(QString());
-        if (IsPagedMode()) {
-            UpdateComment(CommentIndex(), QString());
-        } else {
-            data->UpdateHasComment();
-        }
+        UpdateComment(CommentIndex(), QString());
     }
     photo->RemoveLabel(static_cast<unsigned>(label));
     LabelsChanged();
@@ -859,14 +898,12 @@ void ToviMpiPanel::OnRemoveAllLabel() {
     }
     photo->RemoveAllLabel();
     data->UpdatePhotoInf(nullptr);
-    if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
+    if (listCtrl) {
+        listCtrl->InvalidateItem(SelectedPosition());
+    } else if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
         cell->UpdateLabelButtons();
     }
-    if (IsPagedMode()) {
-        UpdateComment(CommentIndex(), QString());
-    } else {
-        data->UpdateHasComment();
-    }
+    UpdateComment(CommentIndex(), QString());
     if (!data->IsCheckStatusChanged()) {
         data->SetCheckStatusChanged(true);
     }
@@ -911,7 +948,14 @@ void ToviMpiPanel::ShowPopUpMenu() {
     all->setObjectName(QStringLiteral("command%1").arg(kRemoveAllCommand));
     all->setEnabled(any);
     connect(all, &QAction::triggered, this, &ToviMpiPanel::OnRemoveAllLabel);
+    if (listCtrl) {
+        listCtrl->ScheduleFloaty(false, 0);
+    }
     menu.exec(QCursor::pos());
+    if (listCtrl && IsListMode()) {
+        EnableCtrlFloaty();
+        listCtrl->ScheduleFloaty(true, 500);
+    }
 }
 
 void ToviMpiPanel::OnSpiPasteLabel(int label, ToviSpiCtrl* cell) {
@@ -940,7 +984,9 @@ void ToviMpiPanel::OnSpiUpdateCommentWindow(ToviSpiCtrl* cell) {
 }
 
 void ToviMpiPanel::UpdateComment(int index, const QString& text) {
-    if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
+    if (listCtrl) {
+        listCtrl->SetComment(index, text);  // the strip or the comment column
+    } else if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
         ToviCheckIndex(index, static_cast<qsizetype>(commentWindows.size()),
                        "ToviMpiPanel::UpdateComment");
         if (ToviCommentWindow* window = commentWindows[static_cast<size_t>(index)]) {

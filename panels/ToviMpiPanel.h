@@ -181,6 +181,11 @@ private:
     void OnDClicked(int row);
     void OnRClicked(int row);
     void OnScrollList();
+    // Moves the list's selection mark by step, as the neighbour-photo moves do.
+    void MoveListMark(int step);
+    // Hints 2 and 3 in the list modes: the list refilled; withSelect: the document follows
+    // the list's selection.
+    void RefillList(bool withSelect);
 
     ToviItemDef* itemDef = nullptr;
     bool zoomMessage = false;

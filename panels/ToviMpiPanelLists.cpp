@@ -201,3 +201,28 @@ void ToviMpiPanel::OnScrollList() {
         ReCalcCommentWindow();
     }
 }
+
+void ToviMpiPanel::MoveListMark(int step) {
+    if (!listCtrl || !IsListMode()) {
+        return;
+    }
+    const int mark = listCtrl->GetSelectionMark();
+    listCtrl->SelectItem(mark + step);
+    EnableCtrlFloaty();
+    listCtrl->ScheduleFloaty(true, kFloatyDelayMs);
+}
+
+void ToviMpiPanel::RefillList(bool withSelect) {
+    if (!listCtrl) {
+        return;
+    }
+    if (visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideThumbList) {
+        SetupThumbListCtrl();
+    } else if (visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideManagementList) {
+        SetupMngmntListCtrl();
+    }
+    const int row = listCtrl->GetSelectedItem();
+    if (withSelect && row >= 0) {
+        OnSelect(row);
+    }
+}

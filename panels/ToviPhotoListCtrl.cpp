@@ -9,6 +9,7 @@
 #include <QListView>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QResizeEvent>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QSvgRenderer>
@@ -284,7 +285,34 @@ void ToviPhotoListCtrl::SelectItem(int row) {
     View()->selectionModel()->setCurrentIndex(
         index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     quiet = false;
+    // A list without its size yet scrolls when it gets one.
+    scrollPending = View()->viewport()->height() <= 1;
     View()->scrollTo(index);
+}
+
+void ToviPhotoListCtrl::EnsureMarkVisible() {
+    const QModelIndex current = View()->selectionModel()->currentIndex();
+    if (current.isValid()) {
+        View()->scrollTo(current);
+    }
+}
+
+bool ToviPhotoListCtrl::IsViewFilled() const {
+    const QRect client = View()->viewport()->rect();
+    const QModelIndex top = View()->indexAt(QPoint(1, 1));
+    for (int row = std::max(0, top.row()); row < GetItemCount(); ++row) {
+        if (!ItemRect(row).intersects(client)) {
+            break;
+        }
+        const bool filled =
+            thumbModel ? thumbModel->index(row).data(ToviThumbListModel::TileStateRole).toInt() !=
+                             ToviThumbListModel::TileWaiting
+                       : mngModel->index(row, 0).data(ToviMngListModel::FactsReadRole).toBool();
+        if (!filled) {
+            return false;
+        }
+    }
+    return true;
 }
 
 QRect ToviPhotoListCtrl::ItemRect(int row) const {
@@ -494,6 +522,10 @@ void ToviPhotoListCtrl::OnSelectionChanged() {
 
 void ToviPhotoListCtrl::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    if (scrollPending && !event->size().isEmpty()) {
+        scrollPending = false;
+        QTimer::singleShot(0, this, [this] { EnsureMarkVisible(); });
+    }
     if (floatyOn) {
         ScheduleFloaty(true, 500);
     }

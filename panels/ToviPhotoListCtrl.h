@@ -58,6 +58,12 @@ public:
     QRect ItemRect(int row) const;
     // The comment strip's place under a tile of the thumbnail list, in viewport coordinates.
     QRect StripRect(int row) const;
+    // Scrolls the selection mark into view.
+    void EnsureMarkVisible();
+    // Every item in view has its tile, or its row its file facts.
+    bool IsViewFilled() const;
+    // The floaty's delay is running.
+    bool IsFloatyPending() const { return floatyTimer.isActive(); }
     // Settings that change the look without a refill (comments shown or not).
     void ApplySettings();
 
@@ -113,6 +119,7 @@ private:
     QToolBar* floaty = nullptr;
     QAction* buttons[6] = {};
     bool floatyOn = false;
-    bool quiet = false;  // selecting for the panel: no report
+    bool quiet = false;          // selecting for the panel: no report
+    bool scrollPending = false;  // the mark is to be scrolled to once the list has a size
     QTimer floatyTimer;
 };

@@ -34,6 +34,29 @@ public:
     void UpdateAllViews(QWidget*, int, QObject*) override {}
 };
 
+// Hands every hint to the panels, as the viewer's host does.
+class PanelHost : public ToviHostDocument {
+public:
+    QList<ToviPanel*> panels;
+    void UpdateAllViews(QWidget* sender, int hint, QObject* object) override {
+        for (ToviPanel* panel : panels) {
+            if (panel != sender) {
+                panel->OnUpdate(sender, static_cast<ToviData::UpdateHint>(hint), object);
+            }
+        }
+    }
+};
+
+QAction* FloatyButton(QToolBar* floaty, int label) {
+    QList<QAction*> buttons;
+    for (QAction* action : floaty->actions()) {
+        if (!action->isSeparator()) {
+            buttons.append(action);
+        }
+    }
+    return buttons.value(label);
+}
+
 constexpr int kRows = 100000;
 constexpr int kDistinct = 6;
 
@@ -124,6 +147,94 @@ private slots:
         document->CurrentArray().Assign(all);
         setting = document->GetVisualSetting();
         loader = std::make_unique<ToviImageLoader>();
+    }
+
+    // The panel in the list modes: a paste from the floaty, clicked, reaches the label tree's
+    // count and the changed flag; the floaty toggles; the comment button asks for the comment,
+    // which the management list's comment column then shows.
+    void panelPastesFromFloaty_data() {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("thumbnail list") << int(Mode::ThumbList);
+        QTest::newRow("management list") << int(Mode::ManagementList);
+    }
+    void panelPastesFromFloaty() {
+        QFETCH(int, mode);
+        ScriptedUi ui;
+        ToviUi::Install(&ui);
+        PanelHost panelHost;
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> small = factory.Create(&panelHost, folder, PhotoXMLMlit);
+        QVERIFY(small);
+        small->Load();
+        small->BuildTreeNode(0);
+        small->SetSelected(small.get(), true);
+        ToviPhotoCtrlVisualSetting chosen = small->GetVisualSetting();
+        chosen.SetDivType(static_cast<ToviPhotoCtrlVisualSetting::DivideType>(mode));
+        small->SetVisualSetting(chosen, false);
+        QWidget frame;
+        frame.resize(900, 600);
+        auto* panel = new ToviMpiPanel(&panelHost, &frame);
+        auto* labels = new ToviLabelTreePanel(&frame);
+        panel->setGeometry(0, 0, 600, 600);
+        labels->setGeometry(600, 0, 300, 600);
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        panelHost.panels = {panel, labels};
+        panel->Attach(small.get());
+        labels->Attach(small.get());
+        small->Broadcast(nullptr, ToviData::HintInitialize);
+
+        ToviPhotoListCtrl* list = panel->ListCtrl();
+        QVERIFY(list);
+        QCOMPARE(int(list->GetMode()), mode);
+        QCOMPARE(list->GetItemCount(), small->GetCurrentPhotoCount());
+        QCOMPARE(list->GetSelectedItem(), small->GetSelectCurIndex());
+        QTRY_VERIFY(list->Floaty() && list->Floaty()->isVisible());
+        QToolBar* floaty = list->Floaty();
+        ToviPhoto* photo = small->GetSelectedPhoto();
+        QVERIFY(photo);
+        QTreeWidgetItem* ng1 = labels->GetTreeCtrl()->topLevelItem(0)->child(1);
+        const QString name = small->GetLabelManager()->GetLabelAttribute(1).GetName();
+        QCOMPARE(ng1->text(0), name);
+        QVERIFY(!small->IsCheckStatusChanged());
+
+        QTest::mouseClick(floaty->widgetForAction(FloatyButton(floaty, 1)), Qt::LeftButton);
+        QVERIFY(photo->IsLabelPasted(1));
+        QVERIFY(small->IsCheckStatusChanged());
+        QCOMPARE(ng1->text(0), name + QStringLiteral(" <1>"));
+        QVERIFY(FloatyButton(floaty, 1)->isChecked());
+        // OK on top takes NG1 away; a second click takes OK away.
+        QTest::mouseClick(floaty->widgetForAction(FloatyButton(floaty, 0)), Qt::LeftButton);
+        QVERIFY(photo->IsLabelPasted(0) && !photo->IsLabelPasted(1));
+        QCOMPARE(ng1->text(0), name);
+        QTest::mouseClick(floaty->widgetForAction(FloatyButton(floaty, 0)), Qt::LeftButton);
+        QVERIFY(!photo->IsLabelPasted(0));
+        QVERIFY(!FloatyButton(floaty, 0)->isChecked());
+
+        // The comment button opens the dialog, whatever the label says.
+        ui.QueueDialog(true, {{QStringLiteral("comment"), QStringLiteral(" 手すり 確認 ")}});
+        QTest::mouseClick(floaty->widgetForAction(FloatyButton(floaty, 4)), Qt::LeftButton);
+        QCOMPARE(ui.DialogNames().size(), 1);
+        QCOMPARE(photo->GetComment(), QStringLiteral(" 手すり 確認 "));
+        QVERIFY(photo->IsLabelPasted(4));
+        QVERIFY(!FloatyButton(floaty, 4)->isChecked());
+        const int row = list->GetSelectedItem();
+        if (ToviMngListModel* model = list->MngModel()) {
+            QCOMPARE(model->index(row, model->CommentColumn()).data().toString(),
+                     photo->GetComment());
+        } else {
+            QCOMPARE(list->ThumbModel()->index(row).data(ToviThumbListModel::CommentRole),
+                     photo->GetComment());
+        }
+        ui.QueueDialog(false);
+        QTest::mouseClick(floaty->widgetForAction(FloatyButton(floaty, 4)), Qt::LeftButton);
+        QCOMPARE(ui.DialogNames().size(), 2);
+        QVERIFY(photo->IsLabelPasted(4));
+
+        panel->Attach(nullptr);
+        labels->Attach(nullptr);
+        panelHost.panels.clear();
+        ToviUi::Install(nullptr);
     }
 
     void cleanupTestCase() {
