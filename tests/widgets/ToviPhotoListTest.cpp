@@ -6,6 +6,7 @@
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviPhotoListModels.h"
+#include "panels/ToviSlideMode.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
@@ -13,6 +14,7 @@
 #include "tests/support/ScriptedUi.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QFile>
 #include <QListView>
 #include <QScrollBar>
@@ -231,6 +233,28 @@ private slots:
         QCOMPARE(ui.DialogNames().size(), 2);
         QVERIFY(photo->IsLabelPasted(4));
 
+        // A right click in the list selects its item and opens the menu, in slide mode too.
+        SetSlideMode(true);
+        const int other = row == 0 ? 1 : 0;
+        QWidget* viewport = list->View()->viewport();
+        const QPoint at(list->ItemRect(other).left() + 40, list->ItemRect(other).center().y());
+        viewport->setFocus(Qt::MouseFocusReason);  // as the click itself would
+        bool menuShown = false;
+        QTimer::singleShot(50, [&menuShown] {
+            if (QWidget* menu = QApplication::activePopupWidget()) {
+                menuShown = menu->objectName() == QStringLiteral("popUpMenu");
+                menu->close();
+            }
+        });
+        QContextMenuEvent menuEvent(QContextMenuEvent::Mouse, at, viewport->mapToGlobal(at));
+        QApplication::sendEvent(viewport, &menuEvent);
+        SetSlideMode(false);
+        QVERIFY(menuShown);
+        QCOMPARE(list->GetSelectedItem(), other);
+        QCOMPARE(small->GetSelectCurIndex(), other);
+        QVERIFY(ui.Questions().isEmpty());
+        QTRY_VERIFY(floaty->isVisible());
+
         panel->Attach(nullptr);
         labels->Attach(nullptr);
         panelHost.panels.clear();
@@ -323,6 +347,7 @@ private slots:
         QVERIFY(tile.pixelColor(x1, 8) != plain.pixelColor(x1, 8));
         QCOMPARE(tile.pixelColor(x0, 8), plain.pixelColor(x0, 8));
 
+        QTRY_VERIFY(list->IsViewFilled());
         // A label change on row 0 rebuilds its tile only; row 1 keeps its own.
         QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
         document->GetPhoto(0)->PasteLabel(0);
