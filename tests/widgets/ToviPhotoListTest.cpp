@@ -261,6 +261,60 @@ private slots:
         ToviUi::Install(nullptr);
     }
 
+    // In the thumbnail list Right at the end of a row of tiles, where the list itself cannot
+    // move, goes on to the next photograph and Left back; a click selects the document's
+    // photograph, and a refill by a new selection of the tree keeps it.
+    void panelListKeys() {
+        PanelHost panelHost;
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> small = factory.Create(&panelHost, folder, PhotoXMLMlit);
+        QVERIFY(small);
+        small->Load();
+        small->BuildTreeNode(0);
+        small->SetSelected(small.get(), true);
+        ToviPhotoCtrlVisualSetting chosen = small->GetVisualSetting();
+        chosen.SetDivType(ToviPhotoCtrlVisualSetting::DivideThumbList);
+        small->SetVisualSetting(chosen, false);
+        ToviMpiPanel panel(&panelHost);
+        panel.resize(600, 600);
+        panel.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&panel));
+        panelHost.panels = {&panel};
+        panel.Attach(small.get());
+        small->Broadcast(nullptr, ToviData::HintInitialize);
+        ToviPhotoListCtrl* list = panel.ListCtrl();
+        QVERIFY(list);
+        QWidget* viewport = list->View()->viewport();
+        // Three tiles a row.
+        QCOMPARE(list->ItemRect(2).top(), list->ItemRect(0).top());
+        QVERIFY(list->ItemRect(3).top() > list->ItemRect(2).top());
+
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, list->ItemRect(2).center());
+        QCOMPARE(small->GetSelectCurIndex(), 2);
+        QTest::keyClick(list->View(), Qt::Key_Right);
+        QCOMPARE(small->GetSelectCurIndex(), 3);
+        QCOMPARE(list->GetSelectedItem(), 3);
+        QCOMPARE(list->GetSelectionMark(), 3);
+        QTest::keyClick(list->View(), Qt::Key_Left);
+        QCOMPARE(small->GetSelectCurIndex(), 2);
+        QCOMPARE(list->GetSelectedItem(), 2);
+        QTest::keyClick(list->View(), Qt::Key_Down);
+        QCOMPARE(small->GetSelectCurIndex(), 5);
+        QTest::keyClick(list->View(), Qt::Key_Right);
+        QCOMPARE(small->GetSelectCurIndex(), 5);
+        QCOMPARE(list->GetSelectedItem(), 5);
+
+        panel.OperatePrevPhoto();
+        QCOMPARE(list->GetSelectedItem(), 4);
+        QCOMPARE(small->GetSelectCurIndex(), 4);
+        small->SetSelected(small.get(), true);  // hint 2: the list is filled anew
+        QCOMPARE(list->GetItemCount(), small->GetCurrentPhotoCount());
+        QCOMPARE(list->GetSelectedItem(), 4);
+        panel.Attach(nullptr);
+        QVERIFY(!panel.ListCtrl());
+        panelHost.panels.clear();
+    }
+
     void cleanupTestCase() {
         loader->WaitForDone();
         loader.reset();
