@@ -149,7 +149,7 @@ private:
 ToviPhotoListCtrl::ToviPhotoListCtrl(Mode mode, ToviData* data,
                                      const ToviPhotoCtrlVisualSetting* setting,
                                      ToviImageLoader* loader, QWidget* parent)
-    : QWidget(parent), mode(mode), data(data), visualSetting(setting) {
+    : QWidget(parent), mode(mode), visualSetting(setting) {
     setObjectName(QStringLiteral("listCtrl131"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -185,6 +185,7 @@ ToviPhotoListCtrl::ToviPhotoListCtrl(Mode mode, ToviData* data,
         rowsHeader->hide();
         // Fixed rows: the table never measures a row, whatever the count.
         rowsHeader->setSectionResizeMode(QHeaderView::Fixed);
+        rowsHeader->setMinimumSectionSize(1);
         rowsHeader->setDefaultSectionSize(fontMetrics().height() + 6);
         QHeaderView* header = tableView->horizontalHeader();
         header->setDefaultSectionSize(ToviMngListModel::kColumnWidth);
@@ -528,6 +529,13 @@ void ToviPhotoListCtrl::resizeEvent(QResizeEvent* event) {
     }
     if (floatyOn) {
         ScheduleFloaty(true, 500);
+    }
+}
+
+void ToviPhotoListCtrl::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && tableView) {
+        tableView->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     }
 }
 

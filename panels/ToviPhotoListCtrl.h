@@ -91,6 +91,7 @@ signals:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -110,7 +111,6 @@ private:
     bool IsRowVisible(int row) const;
 
     Mode mode;
-    ToviData* data;
     const ToviPhotoCtrlVisualSetting* visualSetting;
     QListView* listView = nullptr;
     QTableView* tableView = nullptr;
