@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QFile>
+#include <QHeaderView>
 #include <QListView>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -472,6 +473,18 @@ private slots:
         QTest::qWait(600);
         QVERIFY(!floaty->isVisible());
         QTRY_VERIFY_WITH_TIMEOUT(floaty->isVisible(), 1500);
+
+        if (QTableView* table = list->ReportView()) {
+            // A column being dragged by its header keeps the floaty away until the drag ends.
+            QWidget* header = table->horizontalHeader()->viewport();
+            const QPoint edge(table->columnWidth(0) - 1, header->height() / 2);
+            QTest::mousePress(header, Qt::LeftButton, {}, edge);
+            QVERIFY(!floaty->isVisible());
+            QTest::qWait(1100);
+            QVERIFY(!floaty->isVisible());
+            QTest::mouseRelease(header, Qt::LeftButton, {}, edge + QPoint(30, 0));
+            QTRY_VERIFY_WITH_TIMEOUT(floaty->isVisible(), 1500);
+        }
 
         // Scrolled out of view, the selected item has no floaty.
         list->SelectItem(0);
