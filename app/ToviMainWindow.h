@@ -15,6 +15,7 @@ class QMenu;
 class QMimeData;
 class QStackedWidget;
 class QTabWidget;
+class ToviDetailPanel;
 class ToviFolderTreePanel;
 class ToviLabelTreePanel;
 class ToviMpiPanel;
@@ -29,6 +30,7 @@ class ToviMainWindow : public QMainWindow {
 public:
     static const QString FrameSection_;   // "MainFrame"
     static const QString RecentSection_;  // "RecentDelivery"
+    static const QString FamilyEntry_;    // "Family", in FrameSection_
     static constexpr int kRecentCount = 8;
     static constexpr int kSlideIntervalMs = 3000;
 
@@ -59,6 +61,10 @@ public:
     ToviMpiPanel* MpiPanel() const { return mpiPanel; }
     ToviFolderTreePanel* FolderTree() const { return folderTree; }
     ToviLabelTreePanel* LabelTree() const { return labelTree; }
+    ToviDetailPanel* DetailPanel() const { return detailPanel; }
+    QDockWidget* DetailDock() const { return detailDock; }
+    // Shows or hides the detail panel, kept in the document's settings (F9).
+    void ToggleDetailPanel();
     QTabWidget* TreeTabs() const { return treeTabs; }
     QString PageIndicatorText() const;
     // The node or label whose photographs are shown, with their number.
@@ -88,6 +94,8 @@ private:
     void LoadFrameSettings();
     void SaveFrameSettings();
     static QString DroppedFolder(const QMimeData* mime);
+    // A menu text without its accelerator and ellipsis, for buttons and tool tips.
+    static QString PlainText(const QAction* action);
 
     ToviViewerDocument* document;
     QStackedWidget* centre;
@@ -96,6 +104,8 @@ private:
     QTabWidget* treeTabs;
     ToviFolderTreePanel* folderTree;
     ToviLabelTreePanel* labelTree;
+    QDockWidget* detailDock;
+    ToviDetailPanel* detailPanel;
     int shownTab = 0;
     QLabel* pageLabel;
     QLabel* placeLabel;
@@ -127,6 +137,8 @@ private:
     QAction* fullScreenAction;
     QAction* focusAction;
     QAction* confirmAction;
+    QAction* detailAction;
+    QAction* zoomAction;
     QList<QAction*> labelActions;
     QAction* removeAllLabelsAction;
     QAction* aboutAction;

@@ -5,6 +5,7 @@
 
 #include "app/ToviMainWindow.h"
 #include "dialogs/ToviConfirmDlg.h"
+#include "dialogs/ToviMultiDlg.h"
 #include "dialogs/ToviQtUi.h"
 #include "document/ToviData.h"
 #include "panels/ToviMpiPanel.h"
@@ -74,16 +75,14 @@ void TakeScreenshot(ToviMainWindow& window, const QString& path) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    QApplication app(argc, argv);
-    QApplication::setOrganizationName(QStringLiteral("Orvane Systems"));
-    QApplication::setApplicationName(QStringLiteral("tovi-viewer"));
-    QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
-    QApplication::setApplicationVersion(QStringLiteral("0.1"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Orvane Systems"));
+    QCoreApplication::setApplicationName(QStringLiteral("tovi-viewer"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("0.1"));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("電子納品の写真を閲覧・検査します。"));
-    parser.addHelpOption();
-    parser.addVersionOption();
+    const QCommandLineOption helpOption = parser.addHelpOption();
+    const QCommandLineOption versionOption = parser.addVersionOption();
     parser.addPositionalArgument(
         QStringLiteral("DIR"),
         QStringLiteral("開く電子納品のフォルダ（PHOTO.XML のあるフォルダ、またはその上）"),
@@ -106,6 +105,23 @@ int main(int argc, char* argv[]) {
                                            QStringLiteral("設定を読み書きするファイル（INI 形式）"),
                                            QStringLiteral("FILE"));
     parser.addOptions({familyOption, recordOption, screenshotOption, sizeOption, profileOption});
+
+    // Help and version need no display: they are answered before the GUI application is made,
+    // which ends the program where no window system can be reached. A command line the parser
+    // does not take (the window system's own options among others) goes the usual way.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    if (parser.parse(arguments) &&
+        (parser.isSet(helpOption) || parser.isSet(QStringLiteral("help-all")) ||
+         parser.isSet(versionOption))) {
+        QCoreApplication core(argc, argv);
+        parser.process(core);  // prints and exits
+    }
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
     parser.process(app);
     if (parser.isSet(profileOption)) {
         ToviProfile::Instance().UseFile(parser.value(profileOption));
@@ -149,6 +165,7 @@ int main(int argc, char* argv[]) {
     ToviUi::Install(ui.get());
     ToviPanelWindows windows;
     windows.createConfirm = [](ToviMpiPanel* owner) { return new ToviConfirmDlg(owner); };
+    windows.createZoom = &ToviMultiDlg::Make;
     SetPanelWindows(windows);
     int code = 0;
     {

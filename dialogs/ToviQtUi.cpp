@@ -3,19 +3,23 @@
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/OpenNextDataDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
+#include "dialogs/ToviSelectOutputPhotoDlg.h"
 #include "platform/widgets/ToviProgressWindow.h"
 #include "platform/widgets/ToviWaitWindow.h"
 
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QMainWindow>
 #include <QMessageBox>
+#include <QStatusBar>
 #include <QUrl>
 
 ToviQtUi::ToviQtUi() {
     RegisterDialog(LabelProcessSelectDlg::Name(), LabelProcessSelectDlg::Run);
     RegisterDialog(OpenNextDataDlg::Name(), OpenNextDataDlg::Run);
     RegisterDialog(ToviInputCommentDlg::Name(), ToviInputCommentDlg::Run);
+    RegisterDialog(ToviSelectOutputPhotoDlg::Name(), ToviSelectOutputPhotoDlg::Run);
 }
 
 ToviQtUi::~ToviQtUi() = default;
@@ -129,4 +133,11 @@ void ToviQtUi::EndWait() {
 
 void ToviQtUi::OpenWithDefaultApplication(const QString& path) {
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+void ToviQtUi::ShowStatus(QWidget* parent, const QString& text, int ms) {
+    QWidget* window = parent ? parent->window() : QApplication::activeWindow();
+    if (auto* main = qobject_cast<QMainWindow*>(window)) {
+        main->statusBar()->showMessage(text, ms);
+    }
 }

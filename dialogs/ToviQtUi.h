@@ -40,6 +40,8 @@ public:
     void BeginWait(QWidget* parent, const QString& message, int animation) override;
     void EndWait() override;
     void OpenWithDefaultApplication(const QString& path) override;
+    // In the status bar of parent's main window (the active one without a parent).
+    void ShowStatus(QWidget* parent, const QString& text, int ms) override;
 
 private:
     QHash<QString, DialogRunner> dialogs;

@@ -9,17 +9,13 @@
 class QSvgRenderer;
 
 // Shows an SVG drawing or photograph, fitted to the window and centred on a white ground.
-// Only what the file itself holds is drawn: links to other files (an <image> of a picture
-// beside it, a <use> of another drawing) are taken out before the drawing is parsed, so
-// showing a file never reads another one, and nothing is fetched from the network. The
-// drawing is rendered at the window's size, whatever size it claims for itself. The right
-// button opens no menu; clicks are reported.
+// Only what the file itself holds is drawn (LumSvgOwnContent), so showing a file never reads
+// another one, and nothing is fetched from the network. The drawing is rendered at the
+// window's size, whatever size it claims for itself. The right button opens no menu; clicks
+// are reported.
 class ToviSvgView : public QWidget {
     Q_OBJECT
 public:
-    // Files larger than this are not read.
-    static constexpr qint64 kMaxFileBytes = 64 * 1024 * 1024;
-
     explicit ToviSvgView(QWidget* parent = nullptr);
     ~ToviSvgView() override;
 
@@ -30,10 +26,6 @@ public:
     bool IsLoaded() const;
     // The file shown; empty after Clear or a failed Load.
     const QString& Path() const { return path; }
-
-    // The document without its links to anything outside it; empty when data is not a
-    // well-formed SVG document.
-    static QByteArray OwnContentOnly(const QByteArray& data);
 
 signals:
     void Clicked();

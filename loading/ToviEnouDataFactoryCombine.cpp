@@ -20,6 +20,8 @@ const QString kCombineFolder = QStringLiteral("QV-CombineData");
 // The drive classes a folder can lie on.
 enum DriveType : unsigned { Removable = 2, Fixed = 3, Remote = 4, Optical = 5, RamDisk = 6 };
 
+constexpr int kStatusMs = 5000;
+
 void Tell(QWidget* parent, const QString& text, ToviUi::Icon icon) {
     ToviUi::Instance().MessageBox(parent, text, QString(), ToviUi::ButtonsOk, icon);
 }
@@ -52,6 +54,7 @@ bool ToviEnouDataFactory::StartCombineProc(const QString& path, ToviData* docume
     ToviUi& ui = ToviUi::Instance();
     QString next = path;
     bool rebuild = rebuildPaths;
+    bool anyCopied = false;
     // One disc after another: a later disc only adds what is still missing.
     for (;; rebuild = false) {
         QString source = next;
@@ -74,8 +77,9 @@ bool ToviEnouDataFactory::StartCombineProc(const QString& path, ToviData* docume
                 MibCreateDirectory(photos);
                 // The files beside the photo folder (the index file, the DTDs) come along,
                 // replacing those of the disc before.
-                const QFileInfoList beside = QDir(MibParentDir(source)).entryInfoList(
-                    QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+                const QFileInfoList beside =
+                    QDir(MibParentDir(source))
+                        .entryInfoList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
                 for (const QFileInfo& file : beside) {
                     if (!file.isSymLink()) {
                         MibCopyFileEx(file.filePath(), MibNormalDir(combine) + file.fileName(),
@@ -93,6 +97,7 @@ bool ToviEnouDataFactory::StartCombineProc(const QString& path, ToviData* docume
             }
             dataFolder = photos;
             copied = true;
+            anyCopied = true;
         }
         dataFolderPath = dataFolder;
 
@@ -117,19 +122,28 @@ bool ToviEnouDataFactory::StartCombineProc(const QString& path, ToviData* docume
             }
         }
         if (missing.isEmpty()) {
-            Tell(parent, OpenNextDataTexts::Complete(), ToviUi::IconInformation);
+            // After a copy from removable media the inspector is told in a box that the discs
+            // may go; a delivery opened in place only gets a passing word, as deliveries are
+            // opened all day.
+            if (anyCopied) {
+                Tell(parent, OpenNextDataTexts::Complete(), ToviUi::IconInformation);
+            } else {
+                ui.ShowStatus(
+                    parent,
+                    OpenNextDataTexts::Complete().replace(QLatin1Char('\n'), QLatin1Char(' ')),
+                    kStatusMs);
+            }
             return true;
         }
 
         // The next folder must hold a PHOTO.XML; the dialog is asked again until it does.
         QString folder = next;
         for (;;) {
-            QVariantMap values{
-                {OpenNextDataTexts::MessageField(), OpenNextDataTexts::Message()},
-                {OpenNextDataTexts::FolderField(), folder},
-                {OpenNextDataTexts::ListLabelField(), OpenNextDataTexts::ListLabel(
-                                                          static_cast<int>(missing.size()))},
-                {OpenNextDataTexts::MissingField(), missing}};
+            QVariantMap values{{OpenNextDataTexts::MessageField(), OpenNextDataTexts::Message()},
+                               {OpenNextDataTexts::FolderField(), folder},
+                               {OpenNextDataTexts::ListLabelField(),
+                                OpenNextDataTexts::ListLabel(static_cast<int>(missing.size()))},
+                               {OpenNextDataTexts::MissingField(), missing}};
             if (!ui.RunDialog(parent, OpenNextDataTexts::DialogName(), values)) {
                 return true;
             }

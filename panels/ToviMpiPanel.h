@@ -16,12 +16,15 @@ class ToviItemDef;
 class ToviPhoto;
 class ToviPhotoListCtrl;
 class ToviSpiCtrl;
+class ToviZoomDialogs;
 
 // The main viewing area: the document's current photographs as pages of one to six cells
 // (the paged modes 0 to 4), paged and walked with the mouse and the keyboard. The list modes
 // 5 and 6 show nothing here yet. All positions are positions in the current array.
 class ToviMpiPanel : public ToviPanel {
     Q_OBJECT
+    friend class ToviZoomDialogs;  // keeps the windows' size and place in the panel's fields
+
 public:
     static const QString MultiDialogSection_;    // "MultiDialogSize"
     static const QString MultiDialogSection2_;   // "MultiDialogInfo"
@@ -96,6 +99,12 @@ public:
     void OnRemoveLabel(unsigned id);
     void OnRemoveAllLabel();
     void OnShowProperty();
+    // The zoom windows of the selected photograph (at most six; the loose ones follow the
+    // selection), refreshed after a page change, and all closed.
+    void ShowMultiDlg();
+    void UpdateMultiDlg();
+    void DeleteAllDialog();
+    ToviZoomDialogs* ZoomDialogs() const { return zoomDialogs.get(); }
     // The right-click menu of the selected photograph, at the cursor.
     void ShowPopUpMenu();
 
@@ -207,6 +216,7 @@ private:
     int totalPage = 0;
     ToviPhotoCtrlVisualSetting visualSetting;
     std::unique_ptr<ToviImageLoader> loader;
+    std::unique_ptr<ToviZoomDialogs> zoomDialogs;
     // Children of the cells; a strip goes with its cell, hence the guarded pointers.
     std::vector<QPointer<ToviCommentWindow>> commentWindows;
     ToviConfirmView* confirmDlg = nullptr;

@@ -185,7 +185,8 @@ void ToviMpiPanel::OnLvnItemchangedList(int row) {
 void ToviMpiPanel::OnDClicked(int row) {
     const ToviPhoto* photo = data ? data->GetPhoto(row) : nullptr;
     if (photo && photo->IsSelected()) {
-        ClearMessageState();  // the zoom dialog comes with the review windows
+        ClearMessageState();
+        ShowMultiDlg();
     }
 }
 

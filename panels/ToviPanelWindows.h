@@ -1,5 +1,7 @@
 #pragma once
 
+#include "panels/ToviZoomView.h"
+
 #include <QRect>
 
 #include <functional>
@@ -35,6 +37,7 @@ public:
 // The makers of the windows the panels open but do not define, installed once by the host.
 struct ToviPanelWindows {
     std::function<ToviConfirmView*(ToviMpiPanel* owner)> createConfirm;  // null: none
+    ToviZoomMaker createZoom;  // null: no zoom windows
 };
 
 // Installs the makers; a default-constructed struct removes them.

@@ -219,7 +219,9 @@ void ToviSpiCtrl::FillInfo() {
     if (!photo || !def || def->GetCount() == 0 || !visualSetting) {
         return;
     }
-    photo->CheckExif();
+    if (photo->CheckExif()) {
+        photo->LoadExif();
+    }
     const ToviItemShowSettings& settings = visualSetting->GetItemShowSettings();
     ToviTextPairArray shown;
     photo->GetTextPairs(def, settings, shown);

@@ -10,7 +10,8 @@ class ToviItemDef;
 class ToviPhoto;
 
 // A zoom window as the multi-photo panel sees it. The windows themselves are built above the
-// panels; the host installs a maker (ToviZoomMaker) that builds them.
+// panels; the host installs a maker (ToviZoomMaker) that builds them. Deleting the view
+// closes its window.
 class ToviZoomView {
 public:
     virtual ~ToviZoomView() = default;
@@ -50,10 +51,8 @@ public:
 };
 
 // Builds a zoom window for owner showing photo, with its information pane shown or not; null
-// when it could not be made. parent is the window it stays above.
+// when it could not be made. parent is the window it stays above. The host installs it with the
+// other panel windows (ToviPanelWindows).
 using ToviZoomMaker =
     std::function<ToviZoomView*(ToviZoomOwner* owner, QWidget* parent, ToviPhoto* photo,
                                 ToviItemDef* itemDef, ToviData* data, bool infoVisible)>;
-// The maker the host installed; null when none was (zooming then does nothing).
-void SetZoomMaker(ToviZoomMaker maker);
-const ToviZoomMaker& ZoomMaker();

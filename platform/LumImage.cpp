@@ -1,6 +1,7 @@
 #include "platform/LumImage.h"
 #include "platform/LumExiv2Setup.h"
 #include "platform/LumJpegFacts.h"
+#include "platform/LumSvg.h"
 #include "platform/MibFile.h"
 
 #include <QBuffer>
@@ -258,30 +259,15 @@ bool IsSvgPath(const QString& path) {
     return path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive);
 }
 
-bool IsWellFormedSvg(const QByteArray& data) {
-    // QSvgRenderer would print its parse errors; broken files are turned away here, quietly.
-    QXmlStreamReader xml(data);
-    bool sawRoot = false;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (xml.isStartElement() && !sawRoot) {
-            if (xml.name() != QLatin1String("svg")) {
-                return false;
-            }
-            sawRoot = true;
-        }
-    }
-    return sawRoot && !xml.hasError();
-}
-
 // longSide 0 renders at the drawing's own size.
 QImage RenderSvg(const QString& path, int longSide) {
     QFile file;
-    if (!MibOpenRegularFile(file, path)) {
+    if (!MibOpenRegularFile(file, path) || file.size() > LumSvgMaxFileBytes) {
         return QImage();
     }
-    const QByteArray data = file.readAll();
-    if (!IsWellFormedSvg(data)) {
+    // Broken files are turned away here, before QSvgRenderer would print its parse errors.
+    const QByteArray data = LumSvgOwnContent(file.readAll());
+    if (data.isEmpty()) {
         return QImage();
     }
     QSvgRenderer renderer(data);

@@ -84,6 +84,13 @@ public:
     // Opens a file written for the user with the desktop's default application for it (a
     // finished report, say). Nothing by default: batch use opens nothing.
     virtual void OpenWithDefaultApplication(const QString& path) { (void)path; }
+    // A passing notice that needs no answer, shown for about ms milliseconds where the user
+    // looks anyway (the viewer's status bar); nowhere by default.
+    virtual void ShowStatus(QWidget* parent, const QString& text, int ms) {
+        (void)parent;
+        (void)text;
+        (void)ms;
+    }
     // A progress window owned by parent; null when nothing is to be shown.
     virtual std::unique_ptr<ToviProgressView> CreateProgressView(QWidget* parent) = 0;
 

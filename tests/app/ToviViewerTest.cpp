@@ -12,6 +12,7 @@
 #include "platform/ToviProfile.h"
 #include "review/ToviXmlManager.h"
 #include "tests/support/DeliveryWriter.h"
+#include "tests/support/ProgramRun.h"
 #include "tests/support/ScriptedUi.h"
 #include "tests/support/TreeItemPoint.h"
 #include "tests/support/WorkArea.h"
@@ -388,6 +389,42 @@ private slots:
                  ToviPhotoCtrlVisualSetting::Divide6);
         QCOMPARE(window.Document()->Data()->GetVisualSetting().GetTreeType(),
                  ToviPhotoCtrlVisualSetting::TreeSatsueikasyo);
+    }
+
+    // Help and version are printed where no window system can be reached, before the GUI
+    // application would end the program.
+    void helpWithoutDisplay_data() {
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<QString>("platform");
+        QTest::addColumn<QString>("printed");
+        const QString none;  // QT_QPA_PLATFORM unset
+        const QString nowhere = QStringLiteral("nowhere");
+        const QString help = QStringLiteral("--screenshot");
+        const QString version = QStringLiteral("tovi-viewer 0.1");
+        QTest::newRow("help, no platform") << QStringLiteral("--help") << none << help;
+        QTest::newRow("help, unknown platform") << QStringLiteral("--help") << nowhere << help;
+        QTest::newRow("-h, no platform") << QStringLiteral("-h") << none << help;
+        QTest::newRow("version, no platform") << QStringLiteral("--version") << none << version;
+        QTest::newRow("version, unknown platform")
+            << QStringLiteral("--version") << nowhere << version;
+    }
+
+    void helpWithoutDisplay() {
+        QFETCH(QString, option);
+        QFETCH(QString, platform);
+        QFETCH(QString, printed);
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+            env.remove(QString::fromLatin1(name));
+        }
+        if (!platform.isEmpty()) {
+            env.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
+        }
+        const ProgramRun run = RunProgram(
+            QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-viewer"), {option}, env);
+        QVERIFY2(run.exitCode == 0,
+                 qPrintable(QStringLiteral("exit %1: %2").arg(run.exitCode).arg(run.err)));
+        QVERIFY2(QString::fromUtf8(run.out).contains(printed), run.out.constData());
     }
 
     // The viewer run unattended on the bundled sample writes a picture with photographs in it.

@@ -2,6 +2,7 @@
 #include "platform/LumImageSource.h"
 #include "tests/support/ExifJpegWriter.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QPainter>
 #include <QRegularExpression>
@@ -199,6 +200,45 @@ private slots:
         QVERIFY(Quadrants(QSize(3000, 2000)).save(small, "JPEG"));
         QVERIFY(image.LoadForDisplay(small, 2560));
         QCOMPARE(image.Image().size(), QSize(3000, 2000));
+    }
+    // An SVG drawing is drawn from what its file holds: a picture that an <image> names by a
+    // path is not read (Qt Svg would read it), one carried inside the file is drawn.
+    void svgOwnContent_data() {
+        QTest::addColumn<QString>("link");  // {red}: the path of a red picture
+        QTest::addColumn<QColor>("middle");
+        QTest::newRow("absolute path") << u"{red}"_s << QColor(Qt::white);
+        QTest::newRow("beside the drawing") << u"red.png"_s << QColor(Qt::white);
+        QTest::newRow("carried inside") << u"{blue}"_s << QColor(Qt::blue);
+    }
+    void svgOwnContent() {
+        QFETCH(QString, link);
+        QFETCH(QColor, middle);
+        QImage red(20, 10, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        QVERIFY(red.save(dir->filePath(u"red.png"_s)));
+        QImage blue = red;
+        blue.fill(Qt::blue);
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        blue.save(&buffer, "PNG");
+        link.replace(u"{red}"_s, dir->filePath(u"red.png"_s))
+            .replace(u"{blue}"_s,
+                     u"data:image/png;base64,"_s + QString::fromLatin1(bytes.toBase64()));
+        const QString path = dir->filePath(u"drawing.svg"_s);
+        WriteBytes(path,
+                   QStringLiteral("<svg xmlns=\"http://www.w3.org/2000/svg\" "
+                                  "xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"200\" "
+                                  "height=\"100\"><image width=\"200\" height=\"100\" "
+                                  "xlink:href=\"%1\"/></svg>")
+                       .arg(link)
+                       .toUtf8());
+        for (const bool thumb : {false, true}) {
+            LumImage image;
+            QVERIFY(thumb ? image.LoadThumb(path) : image.Load(path));
+            const QImage& picture = image.Image();
+            QVERIFY(Near(picture.pixel(picture.width() / 2, picture.height() / 2), middle));
+        }
     }
     // A one-bit drawing becomes grey levels, pixel for pixel; anything else is left alone.
     void monoBecomesGrey() {

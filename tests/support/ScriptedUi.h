@@ -101,6 +101,10 @@ public:
         return ok;
     }
 
+    // ---- passing notices, as shown
+    const QStringList& Statuses() const { return statuses; }
+    void ShowStatus(QWidget*, const QString& text, int) override { statuses.append(text); }
+
     // ---- file and folder choices: queued answers, then cancel
     void QueueFileName(const QString& path) { fileNames.append(path); }
     void QueueFolder(const QString& path) { folders.append(path); }
@@ -163,6 +167,7 @@ private:
     QList<std::shared_ptr<ScriptedProgressRecord>> progressViews;
     QStringList fileNames;
     QStringList folders;
+    QStringList statuses;
 };
 
 // Installs a presenter for the life of a scope and puts the previous one back after.

@@ -15,6 +15,7 @@
 #include "review/ToviLabelManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/support/DeliveryWriter.h"
+#include "tests/support/ExifJpegWriter.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -412,6 +413,53 @@ private slots:
         QCOMPARE(cell.PhotoIndex(), -1);
         QVERIFY(cell.NamePlate()->Title().isEmpty());
         QVERIFY(!cell.NamePlate()->Button(0)->isVisible());
+        loader.WaitForDone();
+    }
+
+    // The information list of a cell shows the Exif facts of its picture, read from the file.
+    void cellExif_data() {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("size") << QStringLiteral("幅×高さ(Exif)") << QStringLiteral("320 x 240");
+        QTest::newRow("pixels") << QStringLiteral("総画素数(Exif)") << QStringLiteral("76800");
+        QTest::newRow("taken") << QStringLiteral("撮影日時")
+                               << QStringLiteral("2024/05/01 09:30:15");
+        QTest::newRow("maker") << QStringLiteral("画像入力機器のメーカー名")
+                               << QStringLiteral("ORVANE");
+        QTest::newRow("model") << QStringLiteral("画像入力機器のモデル名")
+                               << QStringLiteral("FIELD-CAM G7");
+        QTest::newRow("latitude") << QStringLiteral("緯度") << QStringLiteral("S 33°52'07.68\"");
+        QTest::newRow("longitude") << QStringLiteral("経度") << QStringLiteral("W 70°30'00.00\"");
+    }
+
+    void cellExif() {
+        QFETCH(QString, title);
+        QFETCH(QString, expected);
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> document = factory.Create(&host, pictures, PhotoXMLMlit);
+        QVERIFY(document);
+        document->Load();
+        document->BuildTreeNode(0);
+        document->SetSelected(document.get(), true);
+        ExifFacts facts;
+        facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 1), QTime(9, 30, 15));
+        facts.hasGps = true;
+        facts.latitude = -33.8688;
+        facts.longitude = -70.5;
+        QImage image(320, 240, QImage::Format_RGB32);
+        image.fill(Qt::darkCyan);
+        QVERIFY(WriteExifJpeg(document->GetPhoto(0)->GetImagePath(), image, facts));
+
+        ToviPhotoCtrlVisualSetting setting = document->GetVisualSetting();
+        setting.SetImageTextArrange(ToviPhotoCtrlVisualSetting::TextArrangeBeside);
+        ToviImageLoader loader;
+        ToviSpiCtrl cell(document.get(), &setting, &loader, 100);
+        cell.resize(640, 400);
+        cell.show();
+        cell.SetPhoto(0);
+        const QList<QTreeWidgetItem*> rows = cell.InfoList()->findItems(title, Qt::MatchExactly, 0);
+        QCOMPARE(rows.size(), 1);
+        QCOMPARE(rows[0]->text(1), expected);
         loader.WaitForDone();
     }
 

@@ -6,7 +6,12 @@
 #include "document/ToviHostDocument.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
+#include "panels/ToviMpiPanel.h"
+#include "panels/ToviNamePlate.h"
+#include "panels/ToviPanelWindows.h"
+#include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
+#include "panels/ToviZoomDialogs.h"
 #include "platform/ToviProfile.h"
 #include "platform/widgets/LumImgWnd.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
@@ -232,6 +237,131 @@ private slots:
         panel.Detach();
         host.panel = nullptr;
         QVERIFY(!panel.ImageWnd()->Photo());
+    }
+    // The panel's zoom windows: a double click opens one on the photograph, a loose one
+    // follows the selection and a fixed one keeps its photograph, Enter on a photograph does
+    // what the double click does, a seventh is refused, and the windows arrange in two
+    // columns of three. Closing them all keeps the last one's size for the next.
+    void panelZoomWindows() {
+        DeliveryOptions options;
+        options.photoCount = 8;
+        options.images = DeliveryOptions::Images::Tiny;
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(temp.filePath(u"z"_s), options, &written, &error),
+                 qPrintable(error));
+        Host zoomHost;
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> data =
+            factory.Create(&zoomHost, written.photoFolder, PhotoXMLMlit);
+        QVERIFY(data);
+        data->Load();
+        ToviPhotoCtrlVisualSetting setting = data->GetVisualSetting();
+        setting.SetDivType(ToviPhotoCtrlVisualSetting::Divide4);
+        data->SetVisualSetting(setting, false);
+        data->BuildTreeNode(setting.GetTreeType());
+        data->SetSelected(data.get(), true);
+        ToviPanelWindows windows;
+        windows.createZoom = &ToviMultiDlg::Make;
+        SetPanelWindows(windows);
+        struct Remove {
+            ~Remove() { SetPanelWindows({}); }
+        } remove;
+
+        QWidget top;
+        top.resize(900, 700);
+        auto* panel = new ToviMpiPanel(&zoomHost);
+        panel->Create(&top, 1);
+        panel->resize(900, 700);
+        zoomHost.panel = panel;
+        top.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&top));
+        panel->Attach(data.get());
+        panel->OnUpdate(nullptr, ToviData::HintInitialize, nullptr);
+        ToviZoomDialogs* zoom = panel->ZoomDialogs();
+        const auto cell = [panel](int i) { return panel->Cells()[static_cast<size_t>(i)]; };
+        const auto path = [&data](int i) { return data->GetPhoto(i)->GetImagePath(); };
+
+        QTest::mouseDClick(cell(0)->ImageWnd(), Qt::LeftButton);
+        QCOMPARE(zoom->Count(), 1);
+        QVERIFY(zoom->Dialog(0)->IsSamePhoto(path(0)));
+        QVERIFY(zoom->Dialog(0)->Window()->isVisible());
+        QTest::mouseClick(cell(1)->ImageWnd(), Qt::LeftButton);
+        QVERIFY(zoom->Dialog(0)->IsSamePhoto(path(1)));
+
+        auto* first = dynamic_cast<ToviMultiDlg*>(zoom->Dialog(0));
+        QVERIFY(first);
+        ClickTool(first, first->Action(ToviMultiDlg::kFix));
+        QTest::mouseClick(cell(2)->ImageWnd(), Qt::LeftButton);
+        QVERIFY(zoom->Dialog(0)->IsSamePhoto(path(1)));
+        cell(2)->NamePlate()->setFocus();
+        QTest::keyClick(cell(2)->NamePlate(), Qt::Key_Return);
+        QCOMPARE(zoom->Count(), 2);
+        QVERIFY(zoom->Dialog(1)->IsSamePhoto(path(2)));
+        // Asking again for a photograph on show raises its window; nothing new is made.
+        QTest::mouseDClick(cell(2)->ImageWnd(), Qt::LeftButton);
+        QCOMPARE(zoom->Count(), 2);
+
+        // Six fixed windows, then the seventh is refused in words.
+        for (int i = 2; i < 7; ++i) {
+            panel->OnSelect(i);
+            panel->ShowMultiDlg();
+            auto* dialog = dynamic_cast<ToviMultiDlg*>(zoom->Dialog(zoom->Count() - 1));
+            if (!dialog->IsFixed()) {
+                ClickTool(dialog, dialog->Action(ToviMultiDlg::kFix));
+            }
+        }
+        QCOMPARE(zoom->Count(), 6);
+        const int asked = ui.Questions().size();
+        panel->OnSelect(7);
+        panel->ShowMultiDlg();
+        QCOMPARE(zoom->Count(), 6);
+        QCOMPARE(ui.Questions().size(), asked + 1);
+        QCOMPARE(ui.Questions().last().text, ToviZoomDialogs::LimitMessage_);
+
+        // 整列 on any of them: two columns of three, down the first column first.
+        auto* last = dynamic_cast<ToviMultiDlg*>(zoom->Dialog(5));
+        ClickTool(last, last->Action(ToviMultiDlg::kArrange));
+        const QRect area = top.screen()->availableGeometry();
+        const QRect placed = zoom->Dialog(4)->Window()->geometry();
+        // (no smaller than the window allows, on the small offscreen screen)
+        QCOMPARE(placed.size(), QSize(area.width() / 2, area.height() / 3)
+                                    .expandedTo(zoom->Dialog(4)->Window()->minimumSize()));
+        QCOMPARE(zoom->Dialog(2)->Window()->geometry().topLeft(),
+                 QPoint(0, 2 * (area.height() / 3)));
+        QCOMPARE(placed.topLeft(), QPoint(area.width() / 2, area.height() / 3));
+
+        // 閉じる takes one away; 全閉 all, keeping the last one's size.
+        ClickTool(last, last->Action(ToviMultiDlg::kClose));
+        QCOMPARE(zoom->Count(), 5);
+        zoom->Dialog(4)->Window()->resize(640, 480);
+        auto* any = dynamic_cast<ToviMultiDlg*>(zoom->Dialog(0));
+        ClickTool(any, any->Action(ToviMultiDlg::kCloseAll));
+        QCOMPARE(zoom->Count(), 0);
+        QCOMPARE(panel->DialogWidth(), 640);
+        QCOMPARE(panel->DialogHeight(), 480);
+        QCOMPARE(zoom->GetDlgSize(), QSize(640, 480));
+        zoomHost.panel = nullptr;
+        panel->Detach();
+    }
+    // A remembered size too small to use gives the next window 800 by 600.
+    void zoomWindowSize_data() {
+        QTest::addColumn<QSize>("stored");
+        QTest::addColumn<QSize>("expected");
+        QTest::newRow("usable") << QSize(247, 101) << QSize(247, 101);
+        QTest::newRow("narrow") << QSize(246, 500) << QSize(800, 600);
+        QTest::newRow("low") << QSize(500, 100) << QSize(800, 600);
+    }
+    void zoomWindowSize() {
+        QFETCH(QSize, stored);
+        QFETCH(QSize, expected);
+        ToviProfile::Instance().WriteProfileInt(
+            ToviMpiPanel::MultiDialogSection_, ToviMpiPanel::MultiDlgWEntry_, stored.width() + 100);
+        ToviProfile::Instance().WriteProfileInt(ToviMpiPanel::MultiDialogSection_,
+                                                ToviMpiPanel::MultiDlgHEntry_,
+                                                stored.height() + 100);
+        ToviMpiPanel panel(&host);
+        QCOMPARE(panel.ZoomDialogs()->GetDlgSize(), expected);
     }
 };
 
