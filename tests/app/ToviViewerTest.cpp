@@ -1,5 +1,6 @@
 #include "app/ToviMainWindow.h"
 #include "app/ToviViewerDocument.h"
+#include "dialogs/ToviMultiDlg.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
@@ -8,7 +9,9 @@
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviNamePlate.h"
 #include "panels/ToviPhotoListCtrl.h"
+#include "panels/ToviPanelWindows.h"
 #include "panels/ToviSpiCtrl.h"
+#include "panels/ToviZoomDialogs.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviXmlManager.h"
 #include "tests/support/DeliveryWriter.h"
@@ -314,6 +317,16 @@ private slots:
             QCOMPARE(list->GetItemCount(), 60);
             QCOMPARE(list->GetSelectedItem(), 7);
             QVERIFY(window.MpiPanel()->Cells().empty());
+            // A double click on the selected tile opens its zoom window.
+            ToviPanelWindows windows;
+            windows.createZoom = &ToviMultiDlg::Make;
+            SetPanelWindows(windows);
+            struct Remove {
+                ~Remove() { SetPanelWindows({}); }
+            } remove;
+            QTest::mouseDClick(list->View()->viewport(), Qt::LeftButton, {},
+                               list->ItemRect(7).center());
+            QCOMPARE(window.MpiPanel()->ZoomDialogs()->Count(), 1);
             QTest::keyClick(&window, Qt::Key_2, Qt::ControlModifier);
             QVERIFY(window.MpiPanel()->SelectedPhoto()->IsLabelPasted(1));
             // Paging keys have no pages to turn here.
