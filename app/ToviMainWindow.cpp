@@ -183,7 +183,7 @@ void ToviMainWindow::ShowTreeTab(int index) {
 void ToviMainWindow::SetDivideType(int type) {
     ToviData* data = document->Data();
     if (!data || type < ToviPhotoCtrlVisualSetting::Divide1 ||
-        type > ToviPhotoCtrlVisualSetting::Divide6) {
+        type > ToviPhotoCtrlVisualSetting::DivideManagementList) {
         UpdateActions();
         return;
     }

@@ -108,8 +108,10 @@ void ToviMainWindow::CreateActions() {
         {ToviPhotoCtrlVisualSetting::Divide3, "3枚表示(&3)", QKeySequence(Qt::ALT | Qt::Key_3)},
         {ToviPhotoCtrlVisualSetting::Divide4, "4枚表示(&4)", QKeySequence(Qt::ALT | Qt::Key_4)},
         {ToviPhotoCtrlVisualSetting::Divide6, "6枚表示(&6)", QKeySequence(Qt::ALT | Qt::Key_6)},
-        {ToviPhotoCtrlVisualSetting::DivideThumbList, "サムネイル一覧(&T)", QKeySequence()},
-        {ToviPhotoCtrlVisualSetting::DivideManagementList, "管理項目一覧(&L)", QKeySequence()},
+        {ToviPhotoCtrlVisualSetting::DivideThumbList, "サムネイル一覧(&T)",
+         QKeySequence(Qt::ALT | Qt::Key_7)},
+        {ToviPhotoCtrlVisualSetting::DivideManagementList, "管理項目一覧(&L)",
+         QKeySequence(Qt::ALT | Qt::Key_8)},
     };
     divideGroup = new QActionGroup(this);
     for (const DivideEntry& d : divides) {
@@ -341,12 +343,10 @@ void ToviMainWindow::CreateToolBar() {
     }
     bar->addSeparator();
     for (QAction* a : divideGroup->actions()) {
-        if (a->data().toInt() <= ToviPhotoCtrlVisualSetting::Divide6) {
-            bar->addAction(a);
-            if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(a))) {
-                button->setToolButtonStyle(Qt::ToolButtonTextOnly);
-                button->setText(PlainText(a));
-            }
+        bar->addAction(a);
+        if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(a))) {
+            button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+            button->setText(PlainText(a));
         }
     }
 }
@@ -361,9 +361,7 @@ void ToviMainWindow::UpdateActions() {
     const ToviData* data = document->Data();
     const int divide = open ? data->GetVisualSetting().GetDivType() : -1;
     for (QAction* a : divideGroup->actions()) {
-        const bool paged = a->data().toInt() <= ToviPhotoCtrlVisualSetting::Divide6;
-        // The list modes come with the list views.
-        a->setEnabled(open && paged);
+        a->setEnabled(open);
         a->setChecked(a->data().toInt() == divide);
     }
     const int tree = open ? data->GetVisualSetting().GetTreeType() : -1;

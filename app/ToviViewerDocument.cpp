@@ -229,9 +229,11 @@ ToviViewerDocument::OpenResult ToviViewerDocument::Open(const QString& requested
     ownsWorkArea = !newFactory->CombineFolder().isEmpty() && !workAreaBefore &&
                    QFileInfo::exists(newFactory->CombineFolder());
     newData->Load();
-    // The list modes are not shown by this viewer yet: a stored list mode opens as four
-    // photographs a page.
-    if (newData->GetVisualSetting().GetDivType() > ToviPhotoCtrlVisualSetting::Divide6) {
+    // A stored mode outside the seven (a hand-edited profile) would show nothing at all: it
+    // opens as four photographs a page.
+    const int divide = newData->GetVisualSetting().GetDivType();
+    if (divide < ToviPhotoCtrlVisualSetting::Divide1 ||
+        divide > ToviPhotoCtrlVisualSetting::DivideManagementList) {
         ToviPhotoCtrlVisualSetting setting = newData->GetVisualSetting();
         setting.SetDivType(ToviPhotoCtrlVisualSetting::Divide4);
         newData->SetVisualSetting(setting, false);

@@ -14,12 +14,24 @@
 //   BM_SelectRootSorted       a click on the tree's root, with sorting by 撮影年月日 on,
 //                             until the first page is on screen and painted
 //   BM_PeakAfter500Pages      the process's peak memory after paging through 500 pages
+//   BM_SwitchToManagementList from six-photo mode to the management list until its first
+//                             rows are painted (their file facts follow, see the next)
+//   BM_ScrollManagementList   one screen down the management list (PageDown) until it is
+//                             painted; facts_ms counts on until the file and Exif facts of
+//                             the new rows are in and painted
+//   BM_SwitchToThumbList      from six-photo mode to the thumbnail list until its first tiles
+//                             are painted (empty frames); pictures_ms until their pictures are
+//   BM_PeakAfterThumbListEnd  the process's peak memory after scrolling the thumbnail list
+//                             from its first screen to its last, screen by screen (run it on
+//                             its own: the peak is the process's)
 
 #include "app/ToviMainWindow.h"
 #include "document/ToviData.h"
 #include "extraction/ToviSortCondition.h"
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviMpiPanel.h"
+#include "panels/ToviPhotoListCtrl.h"
+#include "panels/ToviPhotoListModels.h"
 #include "platform/Cp932.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
@@ -37,6 +49,9 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QImage>
+#include <QKeyEvent>
+#include <QListView>
+#include <QScrollBar>
 #include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
@@ -44,6 +59,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include <functional>
 #include <memory>
 
 #include <unistd.h>
@@ -259,6 +275,160 @@ void BM_PeakAfter500Pages(benchmark::State& state) {
     state.counters["peak_MB"] = PeakMB();
 }
 
+// Runs the event loop until test holds or the time is up.
+bool WaitFor(const std::function<bool()>& test, int ms = 20000) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!test()) {
+        if (clock.elapsed() > ms) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
+    return true;
+}
+
+// The rows of the list whose items are in its viewport now.
+QList<int> VisibleRows(const ToviPhotoListCtrl& list) {
+    QList<int> rows;
+    const QRect client = list.View()->viewport()->rect();
+    const int top = std::max(0, list.View()->indexAt(QPoint(1, 1)).row() - 16);
+    for (int row = top; row < list.GetItemCount(); ++row) {
+        if (list.ItemRect(row).intersects(client)) {
+            rows.append(row);
+        } else if (!rows.isEmpty()) {
+            break;
+        }
+    }
+    return rows;
+}
+
+bool TilesIn(const ToviPhotoListCtrl& list) {
+    for (int row : VisibleRows(list)) {
+        const QModelIndex index = list.ThumbModel()->index(row);
+        if (index.data(ToviThumbListModel::TileStateRole).toInt() ==
+            ToviThumbListModel::TileWaiting) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool FactsIn(const ToviPhotoListCtrl& list) {
+    for (int row : VisibleRows(list)) {
+        if (!list.MngModel()->index(row, 0).data(ToviMngListModel::FactsReadRole).toBool()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Switches the window to mode and paints it; the list, when the mode has one.
+ToviPhotoListCtrl* Switch(ToviMainWindow& window, int mode) {
+    window.SetDivideType(mode);
+    window.repaint();
+    return window.MpiPanel()->ListCtrl();
+}
+
+void BM_SwitchToManagementList(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    for (auto _ : state) {
+        const ToviPhotoListCtrl* list =
+            Switch(window, ToviPhotoCtrlVisualSetting::DivideManagementList);
+        if (!list || list->GetItemCount() != kPhotos) {
+            state.SkipWithError("no management list");
+            return;
+        }
+        state.PauseTiming();
+        WaitFor([list] { return FactsIn(*list); });
+        Switch(window, ToviPhotoCtrlVisualSetting::Divide6);
+        WaitForPage(window);
+        state.ResumeTiming();
+    }
+}
+
+void BM_ScrollManagementList(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    ToviPhotoListCtrl* list = Switch(window, ToviPhotoCtrlVisualSetting::DivideManagementList);
+    if (!list) {
+        state.SkipWithError("no management list");
+        return;
+    }
+    QWidget* view = list->View();
+    view->setFocus();
+    WaitFor([list] { return FactsIn(*list); });
+    double factsMs = 0;
+    for (auto _ : state) {
+        QElapsedTimer clock;
+        clock.start();
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_PageDown, Qt::NoModifier);
+        QCoreApplication::sendEvent(view, &press);
+        view->repaint();
+        state.PauseTiming();
+        WaitFor([list] { return FactsIn(*list); });
+        view->repaint();
+        factsMs += static_cast<double>(clock.nsecsElapsed()) / 1e6;
+        state.ResumeTiming();
+    }
+    state.counters["facts_ms"] = factsMs / static_cast<double>(state.iterations());
+    state.counters["row"] = list->GetSelectionMark();
+    Switch(window, ToviPhotoCtrlVisualSetting::Divide6);
+    WaitForPage(window);
+}
+
+void BM_SwitchToThumbList(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    double picturesMs = 0;
+    for (auto _ : state) {
+        QElapsedTimer clock;
+        clock.start();
+        const ToviPhotoListCtrl* list = Switch(window, ToviPhotoCtrlVisualSetting::DivideThumbList);
+        if (!list || list->GetItemCount() != kPhotos) {
+            state.SkipWithError("no thumbnail list");
+            return;
+        }
+        state.PauseTiming();
+        if (!WaitFor([list] { return TilesIn(*list); })) {
+            state.SkipWithError("the tiles' pictures did not come");
+            return;
+        }
+        window.repaint();
+        picturesMs += static_cast<double>(clock.nsecsElapsed()) / 1e6;
+        Switch(window, ToviPhotoCtrlVisualSetting::Divide6);
+        WaitForPage(window);
+        state.ResumeTiming();
+    }
+    state.counters["pictures_ms"] = picturesMs / static_cast<double>(state.iterations());
+}
+
+void BM_PeakAfterThumbListEnd(benchmark::State& state) {
+    ToviMainWindow& window = Window();
+    int screens = 0;
+    for (auto _ : state) {
+        ToviPhotoListCtrl* list = Switch(window, ToviPhotoCtrlVisualSetting::DivideThumbList);
+        if (!list) {
+            state.SkipWithError("no thumbnail list");
+            return;
+        }
+        QScrollBar* bar = list->View()->verticalScrollBar();
+        for (int value = 0; value < bar->maximum(); value += bar->pageStep(), ++screens) {
+            bar->setValue(value);
+            list->View()->viewport()->repaint();
+            QCoreApplication::processEvents();
+        }
+        bar->setValue(bar->maximum());
+        if (!WaitFor([list] { return TilesIn(*list); })) {
+            state.SkipWithError("the last tiles' pictures did not come");
+            return;
+        }
+        window.repaint();
+    }
+    state.counters["peak_MB"] = PeakMB();
+    state.counters["screens"] = screens;
+    Switch(window, ToviPhotoCtrlVisualSetting::Divide6);
+    WaitForPage(window);
+}
+
 }  // namespace
 
 BENCHMARK(BM_ProcessStartToPicture)->Unit(benchmark::kMillisecond)->Iterations(3);
@@ -267,6 +437,10 @@ BENCHMARK(BM_OpenToFirstPage)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_PageChangeSix)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SelectRootSorted)->Unit(benchmark::kMillisecond)->Iterations(10);
 BENCHMARK(BM_PeakAfter500Pages)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_SwitchToManagementList)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(BM_ScrollManagementList)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(BM_SwitchToThumbList)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(BM_PeakAfterThumbListEnd)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");

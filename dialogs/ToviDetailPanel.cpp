@@ -176,10 +176,13 @@ void ToviDetailPanel::OnUpdateSetup() {
     ShowInformation(data->GetVisualSetting().GetVisibleProperty());
     OnUpdateInformation();
     const ToviPhotoCtrlVisualSetting& current = data->GetVisualSetting();
-    if (current.GetItemShowSettings() == settings.GetItemShowSettings()) {
+    const bool itemsChanged = current.GetItemShowSettings() != settings.GetItemShowSettings();
+    // The copy is written back to the profile when the panel goes: it follows every change,
+    // or an older display mode would come back at the next start.
+    settings = current;
+    if (!itemsChanged) {
         return;
     }
-    settings = current;
     if (!visible) {
         stale = true;
         return;

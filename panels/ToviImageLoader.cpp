@@ -4,6 +4,9 @@
 
 #include <QPointer>
 
+#include <atomic>
+#include <memory>
+
 namespace {
 
 QString KeyOf(const QString& path, ToviImageLoader::Kind kind) {
@@ -36,10 +39,27 @@ quint64 ToviImageLoader::Request(const QString& path, Kind kind, QImage* cached)
     auto it = waiting.find(key);
     if (it != waiting.end()) {
         it->append(ticket);
+        if (const auto dropped = drops.value(key)) {
+            dropped->store(false);  // wanted again before its turn
+        }
         return ticket;
     }
     waiting.insert(key, {ticket});
-    pool.start([this, key, path, kind] {
+    Start(key, path, kind);
+    return ticket;
+}
+
+void ToviImageLoader::Start(const QString& key, const QString& path, Kind kind) {
+    auto dropped = std::make_shared<std::atomic<bool>>(false);
+    drops.insert(key, dropped);
+    pool.start([this, key, path, kind, dropped] {
+        // Every ticket of the request was cancelled before its turn: nothing is decoded, so a
+        // list scrolled fast leaves no backlog behind it.
+        if (dropped->load()) {
+            QMetaObject::invokeMethod(
+                this, [this, key] { Deliver(key, QImage(), true); }, Qt::QueuedConnection);
+            return;
+        }
         LumImage image;
         if (kind == Thumb) {
             image.LoadThumb(path);
@@ -50,9 +70,8 @@ quint64 ToviImageLoader::Request(const QString& path, Kind kind, QImage* cached)
         // Queued to the loader's thread; the destructor waits for the pool, so the loader
         // outlives this call.
         QMetaObject::invokeMethod(
-            this, [this, key, decoded] { Deliver(key, decoded); }, Qt::QueuedConnection);
+            this, [this, key, decoded] { Deliver(key, decoded, false); }, Qt::QueuedConnection);
     });
-    return ticket;
 }
 
 void ToviImageLoader::Cancel(quint64 ticket) {
@@ -65,7 +84,12 @@ void ToviImageLoader::Cancel(quint64 ticket) {
     auto wait = waiting.find(key);
     if (wait != waiting.end()) {
         wait->removeAll(ticket);
-        // The decode still runs when it has started; its result then only fills the cache.
+        // A decode that has started still runs; its result then only fills the cache.
+        if (wait->isEmpty()) {
+            if (const auto dropped = drops.value(key)) {
+                dropped->store(true);
+            }
+        }
     }
 }
 
@@ -77,15 +101,27 @@ void ToviImageLoader::WaitForDone() {
     pool.waitForDone();
 }
 
-void ToviImageLoader::Deliver(const QString& key, const QImage& image) {
+void ToviImageLoader::Deliver(const QString& key, const QImage& image, bool skipped) {
+    const int colon = key.indexOf(QLatin1Char(':'));
+    if (skipped) {
+        drops.remove(key);
+        if (waiting.value(key).isEmpty()) {
+            waiting.remove(key);
+        } else {
+            // Asked for again after the job had already passed on it: decode after all.
+            Start(key, key.mid(colon + 1), static_cast<Kind>(key.left(colon).toInt()));
+        }
+        return;
+    }
+    drops.remove(key);
     if (!image.isNull()) {
         const qint64 kilobytes = std::max<qint64>(image.sizeInBytes() >> 10, 1);
         cache.insert(key, new QImage(image),
                      static_cast<int>(std::min<qint64>(kilobytes, INT_MAX)));
     }
     const QList<quint64> answered = waiting.take(key);
-    const QString path = key.mid(key.indexOf(QLatin1Char(':')) + 1);
-    const int kind = key.left(key.indexOf(QLatin1Char(':'))).toInt();
+    const QString path = key.mid(colon + 1);
+    const int kind = key.left(colon).toInt();
     for (quint64 ticket : answered) {
         tickets.remove(ticket);
         emit Ready(ticket, path, kind, image);

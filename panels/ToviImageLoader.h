@@ -7,12 +7,16 @@
 #include <QString>
 #include <QThreadPool>
 
+#include <atomic>
+#include <memory>
+
 // Decodes pictures off the UI thread: a request names a file (its path taken from the model
 // on the UI thread beforehand) and whether the thumbnail or the whole picture is wanted; the
 // decoding runs on a pool of worker threads that never touch the model, and the result comes
 // back through the event loop as Ready. Recent results are kept in a cache bounded by bytes,
 // so that paging back answers at once. A request that was cancelled, or replaced by the
-// caller, is simply not answered.
+// caller, is simply not answered, and is not decoded at all when no one else asked for the
+// same picture before its turn came.
 class ToviImageLoader : public QObject {
     Q_OBJECT
 public:
@@ -43,11 +47,15 @@ signals:
     void Ready(quint64 ticket, const QString& path, int kind, const QImage& image);
 
 private:
-    void Deliver(const QString& key, const QImage& image);
+    void Start(const QString& key, const QString& path, Kind kind);
+    // skipped: the job found every ticket cancelled and decoded nothing.
+    void Deliver(const QString& key, const QImage& image, bool skipped);
 
     QThreadPool pool;
     QCache<QString, QImage> cache;           // cost in kilobytes
     QHash<quint64, QString> tickets;         // outstanding ticket -> key
     QHash<QString, QList<quint64>> waiting;  // key being decoded -> its tickets
+    // key being decoded -> set when no ticket wants it any more; read by its job
+    QHash<QString, std::shared_ptr<std::atomic<bool>>> drops;
     quint64 nextTicket = 1;
 };

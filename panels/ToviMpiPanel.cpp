@@ -9,6 +9,7 @@
 #include "panels/ToviImageLoader.h"
 #include "panels/ToviNamePlate.h"
 #include "panels/ToviPanelWindows.h"
+#include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviZoomDialogs.h"
 
@@ -26,6 +27,7 @@ ToviMpiPanel::ToviMpiPanel(ToviHostDocument* document, QWidget* parent)
 
 ToviMpiPanel::~ToviMpiPanel() {
     delete confirmDlg;  // hands its place and size back through EndConfirmDlg
+    DestroyListCtrl();
     zoomDialogs->DeleteAllDialog();  // the last one's size is kept for the next run
     DestroyCells();
     Save();
@@ -40,6 +42,9 @@ bool ToviMpiPanel::Create(QWidget* parent, int id) {
 }
 
 bool ToviMpiPanel::IsPageShown() const {
+    if (listCtrl) {
+        return listCtrl->IsViewFilled();
+    }
     for (const ToviSpiCtrl* cell : spiCtrls) {
         if (!cell->IsPictureShown()) {
             return false;
@@ -49,6 +54,9 @@ bool ToviMpiPanel::IsPageShown() const {
 }
 
 bool ToviMpiPanel::IsPageComplete() const {
+    if (listCtrl) {
+        return listCtrl->IsViewFilled() && !listCtrl->IsFloatyPending();
+    }
     for (const ToviSpiCtrl* cell : spiCtrls) {
         if (!cell->IsFullShown()) {
             return false;
@@ -96,6 +104,15 @@ void ToviMpiPanel::InitiateLayput(int top) {
         first = NormalizeTopPhotoId(first);
     }
     DestroyCells();
+    DestroyListCtrl();
+    if (data && visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideThumbList) {
+        ReCreatetListCtrl();
+        SetupThumbListCtrl();
+    } else if (data &&
+               visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideManagementList) {
+        ReCreateMngListCtrl();
+        SetupMngmntListCtrl();
+    }
     if (IsPagedMode() && data) {
         int selected = -1;
         for (int i = 0; i < n; ++i) {
@@ -128,6 +145,9 @@ void ToviMpiPanel::InitiateLayput(int top) {
         CreateCommentWindow();
     }
     RecalcLayout();
+    if (listCtrl) {
+        listCtrl->EnsureMarkVisible();  // now that the list has its size
+    }
     ReCalcCommentWindow();
     InvalidateAllCtrls();
     emit PageChanged(GetCurrentPage(), GetTotalPage());
@@ -148,6 +168,14 @@ void ToviMpiPanel::Initialize() {
 
 void ToviMpiPanel::RecalcLayout() {
     const QRect client = rect();
+    if (listCtrl && !client.isEmpty()) {
+        listCtrl->setGeometry(client);
+        if (visualSetting.GetDivType() == ToviPhotoCtrlVisualSetting::DivideThumbList &&
+            visualSetting.GetVisibleComment()) {
+            ReCalcCommentWindow();
+        }
+        return;
+    }
     if (client.isEmpty() || spiCtrls.empty() || !IsPagedMode()) {
         return;
     }
@@ -270,6 +298,7 @@ void ToviMpiPanel::OnPreDetachData() {
     for (ToviSpiCtrl* cell : spiCtrls) {
         cell->SetPhoto(-1);
     }
+    DestroyListCtrl();          // its models read the document on every paint
     InitializeCommentWindow();  // no comment outlives its document on screen
     zoomDialogs->DeleteAllDialog();
 }
@@ -287,6 +316,7 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             Initialize();
             break;
         case ToviData::HintSelectionChanged:
+            RefillList(true);
             if (IsPagedMode()) {
                 ResetPageCount(0);
                 const int sel = SelectedPosition();
@@ -300,6 +330,7 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             }
             break;
         case ToviData::HintPageReset:
+            RefillList(false);
             if (IsPagedMode()) {
                 ResetPageCount(0);
                 OnChangePage();
@@ -313,6 +344,13 @@ void ToviMpiPanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject*
             OnChangePage();
             break;
         case ToviData::HintLabelsChanged:
+            if (listCtrl) {
+                // Every tile and row is read anew, comments included.
+                listCtrl->InvalidateAllItems();
+                EnableCtrlFloaty();
+                data->UpdateHasComment();
+                break;
+            }
             UpdateNamePlate();
             if (IsPagedMode()) {
                 for (size_t i = 0; i < spiCtrls.size() && spiCtrls[i]->PhotoIndex() >= 0; ++i) {

@@ -14,6 +14,7 @@ class ToviHostDocument;
 class ToviImageLoader;
 class ToviItemDef;
 class ToviPhoto;
+class ToviPhotoListCtrl;
 class ToviSpiCtrl;
 class ToviZoomDialogs;
 
@@ -124,6 +125,30 @@ public:
     void EndConfirmDlg();
     ToviConfirmView* ConfirmDlg() const { return confirmDlg; }
 
+    // ---- the list modes 5 and 6 (ToviMpiPanelLists.cpp)
+    // The list of the mode, made anew; the previous one goes.
+    void ReCreatetListCtrl();
+    void ReCreateMngListCtrl();
+    // Refills the list from the current array and selects the selected photograph (the first
+    // when none is), scrolled into view, with the floaty 500 ms later.
+    void SetupThumbListCtrl();
+    void SetupMngmntListCtrl();
+    ToviPhotoListCtrl* ListCtrl() const { return listCtrl; }
+    // A floaty button: toggles the label on the selected photograph; the comment button
+    // always opens the comment dialog.
+    void OnFusen(unsigned label);
+    void OnFusen01() { OnFusen(0); }
+    void OnFusen02() { OnFusen(1); }
+    void OnFusen03() { OnFusen(2); }
+    void OnFusen04() { OnFusen(3); }
+    void OnFusen05() { OnFusen(4); }
+    void OnFusen06() { OnFusen(5); }
+    // The floaty's buttons show the labels of the selected photograph.
+    void EnableCtrlFloaty();
+    void ShowFloaty(bool show);
+    // Keys the list let through: Left and Right wrap to the neighbouring row of tiles.
+    void OnListCtrlKeyDown(int key, int markBefore);
+
     int DialogWidth() const { return dlgWidth; }
     int DialogHeight() const { return dlgHeight; }
     int DialogSplitterPos() const { return dlgSplPos; }
@@ -155,6 +180,21 @@ private:
     // Where the comment of the selected photograph is shown: its place on the page.
     int CommentIndex() const;
     void RenewCommentWindows();
+    bool IsListMode() const;
+    void DestroyListCtrl();
+    void ConnectListCtrl();
+    // Selects in the list the document's selected photograph, or the first, as a refill ends.
+    void SelectInList();
+    void OnListCommand(int command);
+    void OnLvnItemchangedList(int row);
+    void OnDClicked(int row);
+    void OnRClicked(int row);
+    void OnScrollList();
+    // Moves the list's selection mark by step, as the neighbour-photo moves do.
+    void MoveListMark(int step);
+    // Hints 2 and 3 in the list modes: the list refilled; withSelect: the document follows
+    // the list's selection.
+    void RefillList(bool withSelect);
 
     ToviItemDef* itemDef = nullptr;
     bool zoomMessage = false;
@@ -170,7 +210,8 @@ private:
     int confirmPosX = 0;
     int confirmPosY = 0;
     ToviHostDocument* document;
-    std::vector<ToviSpiCtrl*> spiCtrls;  // children of the panel
+    std::vector<ToviSpiCtrl*> spiCtrls;     // children of the panel
+    ToviPhotoListCtrl* listCtrl = nullptr;  // a child of the panel in the list modes
     int currentPage = 0;
     int totalPage = 0;
     ToviPhotoCtrlVisualSetting visualSetting;

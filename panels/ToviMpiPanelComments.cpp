@@ -4,6 +4,7 @@
 
 #include "document/ToviPhoto.h"
 #include "panels/ToviCommentWindow.h"
+#include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviSpiCtrl.h"
 #include "platform/ToviCheck.h"
 
@@ -19,7 +20,9 @@ void ToviMpiPanel::OnSpiUpdateCommentWindow(ToviSpiCtrl* cell) {
 }
 
 void ToviMpiPanel::UpdateComment(int index, const QString& text) {
-    if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
+    if (listCtrl) {
+        listCtrl->SetComment(index, text);  // the strip or the comment column
+    } else if (visualSetting.GetDivType() != ToviPhotoCtrlVisualSetting::DivideManagementList) {
         ToviCheckIndex(index, static_cast<qsizetype>(commentWindows.size()),
                        "ToviMpiPanel::UpdateComment");
         if (ToviCommentWindow* window = commentWindows[static_cast<size_t>(index)]) {

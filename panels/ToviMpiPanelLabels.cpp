@@ -4,6 +4,7 @@
 #include "panels/ToviMpiPanel.h"
 
 #include "document/ToviPhoto.h"
+#include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "platform/ToviUi.h"
@@ -35,9 +36,12 @@ void ToviMpiPanel::LabelsChanged() {
         data->SetCheckStatusChanged(true);
     }
     data->UpdatePhotoInf(nullptr);
-    if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
+    if (listCtrl) {
+        listCtrl->InvalidateItem(SelectedPosition());
+    } else if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
         cell->UpdateLabelButtons();
     }
+    EnableCtrlFloaty();
 }
 
 void ToviMpiPanel::PasteLabel(int label) {
@@ -58,11 +62,7 @@ void ToviMpiPanel::PasteLabel(int label) {
                 photo->SetComment(text);
                 photo->PasteLabel(4);
             }
-            if (IsPagedMode()) {
-                UpdateComment(CommentIndex(), photo->GetComment());
-            } else {
-                data->UpdateHasComment();  // the lists keep no strips yet
-            }
+            UpdateComment(CommentIndex(), photo->GetComment());
         }
     } else {
         photo->PasteLabel(static_cast<unsigned>(label));
@@ -90,11 +90,7 @@ void ToviMpiPanel::RemoveLabel(int label) {
             return;
         }
         photo->SetComment(QString());
-        if (IsPagedMode()) {
-            UpdateComment(CommentIndex(), QString());
-        } else {
-            data->UpdateHasComment();
-        }
+        UpdateComment(CommentIndex(), QString());
     }
     photo->RemoveLabel(static_cast<unsigned>(label));
     LabelsChanged();
@@ -115,14 +111,12 @@ void ToviMpiPanel::OnRemoveAllLabel() {
     }
     photo->RemoveAllLabel();
     data->UpdatePhotoInf(nullptr);
-    if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
+    if (listCtrl) {
+        listCtrl->InvalidateItem(SelectedPosition());
+    } else if (ToviSpiCtrl* cell = GetSelSpiCtrl()) {
         cell->UpdateLabelButtons();
     }
-    if (IsPagedMode()) {
-        UpdateComment(CommentIndex(), QString());
-    } else {
-        data->UpdateHasComment();
-    }
+    UpdateComment(CommentIndex(), QString());
     if (!data->IsCheckStatusChanged()) {
         data->SetCheckStatusChanged(true);
     }
@@ -167,7 +161,14 @@ void ToviMpiPanel::ShowPopUpMenu() {
     all->setObjectName(QStringLiteral("command%1").arg(kRemoveAllCommand));
     all->setEnabled(any);
     connect(all, &QAction::triggered, this, &ToviMpiPanel::OnRemoveAllLabel);
+    if (listCtrl) {
+        listCtrl->ScheduleFloaty(false, 0);
+    }
     menu.exec(QCursor::pos());
+    if (listCtrl && IsListMode()) {
+        EnableCtrlFloaty();
+        listCtrl->ScheduleFloaty(true, 500);
+    }
 }
 
 void ToviMpiPanel::OnSpiPasteLabel(int label, ToviSpiCtrl* cell) {

@@ -7,6 +7,7 @@
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviNamePlate.h"
 #include "panels/ToviPanelWindows.h"
+#include "panels/ToviPhotoListCtrl.h"
 #include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
@@ -155,6 +156,10 @@ bool ToviMpiPanel::OnSelect(int index) {
         return false;
     }
     const bool selected = data->PhotoSelectSetting(data->GetPhotoIndex(index));
+    if (listCtrl && IsListMode()) {
+        EnableCtrlFloaty();
+        listCtrl->ScheduleFloaty(true, 500);
+    }
     zoomDialogs->FollowSelection();
     if (confirmDlg) {
         confirmDlg->OnSelect(data, data->GetPhoto(index));
@@ -189,6 +194,7 @@ void ToviMpiPanel::OperateNextPhoto() {
     const int sel = SelectedPosition();
     if (!IsPagedMode()) {
         OnSelect(sel + 1);
+        MoveListMark(1);
         return;
     }
     for (size_t i = 0; i < spiCtrls.size(); ++i) {
@@ -213,6 +219,7 @@ void ToviMpiPanel::OperatePrevPhoto() {
     const int sel = SelectedPosition();
     if (!IsPagedMode()) {
         OnSelect(sel - 1);
+        MoveListMark(-1);
         return;
     }
     for (size_t i = 0; i < spiCtrls.size(); ++i) {

@@ -1,5 +1,6 @@
 #include "app/ToviMainWindow.h"
 #include "app/ToviViewerDocument.h"
+#include "dialogs/ToviMultiDlg.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "loading/ToviEnouDataFactory.h"
@@ -7,7 +8,10 @@
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviNamePlate.h"
+#include "panels/ToviPhotoListCtrl.h"
+#include "panels/ToviPanelWindows.h"
 #include "panels/ToviSpiCtrl.h"
+#include "panels/ToviZoomDialogs.h"
 #include "platform/ToviProfile.h"
 #include "review/ToviXmlManager.h"
 #include "tests/support/DeliveryWriter.h"
@@ -232,7 +236,7 @@ private slots:
             QVERIFY(QTest::qWaitForWindowActive(&window));
             QVERIFY(window.OpenDelivery(pictures, PhotoXMLMlit));
             QAction* one = FindAction(&window, QStringLiteral("1枚表示"));
-            QVERIFY(one && !FindAction(&window, QStringLiteral("サムネイル一覧"))->isEnabled());
+            QVERIFY(one && FindAction(&window, QStringLiteral("サムネイル一覧"))->isEnabled());
             QTest::keyClick(&window, Qt::Key_1, Qt::AltModifier);
             QCOMPARE(window.PageIndicatorText(), QStringLiteral("1 / 60"));
             QTest::keyClick(&window, Qt::Key_PageDown, Qt::ControlModifier);
@@ -292,6 +296,58 @@ private slots:
         QVERIFY(window.Document()->Data()->IsCheckStatusChanged());
         ui->QueueAnswer(ToviUi::AnswerNo);
         QVERIFY(window.close());
+    }
+
+    // Alt+7 and Alt+8 bring the two lists, whose selection follows the photograph's and
+    // whose pages count one; the label keys work there too, and a stored list mode opens as
+    // it was left.
+    void listModes() {
+        {
+            ToviMainWindow window;
+            window.resize(1366, 768);
+            window.show();
+            QVERIFY(QTest::qWaitForWindowActive(&window));
+            QVERIFY(window.OpenDelivery(pictures, PhotoXMLMlit));
+            window.MpiPanel()->OnSelect(7);
+            QTest::keyClick(&window, Qt::Key_7, Qt::AltModifier);
+            ToviPhotoListCtrl* list = window.MpiPanel()->ListCtrl();
+            QVERIFY(list && list->GetMode() == ToviPhotoListCtrl::ThumbList);
+            QVERIFY(FindAction(&window, QStringLiteral("サムネイル一覧"))->isChecked());
+            QCOMPARE(window.PageIndicatorText(), QStringLiteral("1 / 1"));
+            QCOMPARE(list->GetItemCount(), 60);
+            QCOMPARE(list->GetSelectedItem(), 7);
+            QVERIFY(window.MpiPanel()->Cells().empty());
+            // A double click on the selected tile opens its zoom window.
+            ToviPanelWindows windows;
+            windows.createZoom = &ToviMultiDlg::Make;
+            SetPanelWindows(windows);
+            struct Remove {
+                ~Remove() { SetPanelWindows({}); }
+            } remove;
+            QTest::mouseDClick(list->View()->viewport(), Qt::LeftButton, {},
+                               list->ItemRect(7).center());
+            QCOMPARE(window.MpiPanel()->ZoomDialogs()->Count(), 1);
+            QTest::keyClick(&window, Qt::Key_2, Qt::ControlModifier);
+            QVERIFY(window.MpiPanel()->SelectedPhoto()->IsLabelPasted(1));
+            // Paging keys have no pages to turn here.
+            QTest::keyClick(&window, Qt::Key_PageDown, Qt::ControlModifier);
+            QCOMPARE(window.PageIndicatorText(), QStringLiteral("1 / 1"));
+            QTest::keyClick(&window, Qt::Key_8, Qt::AltModifier);
+            list = window.MpiPanel()->ListCtrl();
+            QVERIFY(list && list->GetMode() == ToviPhotoListCtrl::ManagementList);
+            QCOMPARE(list->GetSelectedItem(), 7);
+            ui->QueueAnswer(ToviUi::AnswerNo);
+            QVERIFY(window.close());
+        }
+        ToviMainWindow window;
+        window.show();
+        QVERIFY(window.OpenDelivery(pictures, PhotoXMLMlit));
+        QCOMPARE(window.Document()->Data()->GetVisualSetting().GetDivType(),
+                 ToviPhotoCtrlVisualSetting::DivideManagementList);
+        QVERIFY(window.MpiPanel()->ListCtrl());
+        window.SetDivideType(ToviPhotoCtrlVisualSetting::Divide4);
+        QVERIFY(!window.MpiPanel()->ListCtrl());
+        QCOMPARE(window.MpiPanel()->Cells().size(), size_t(4));
     }
 
     // A profile that can't be written is said once, at the end, and the window still closes.
