@@ -4,6 +4,7 @@
 #include "dialogs/ToviTabBaseWnd.h"
 #include "document/ToviPhoto.h"
 #include "platform/ToviProfile.h"
+#include "settings/ToviPhotoCtrlVisualSetting.h"
 
 #include <QResizeEvent>
 #include <QSplitter>
@@ -126,12 +127,12 @@ void ToviDetailPanel::UpdateContent() {
     if (photo && photo->CheckExif()) {
         photo->LoadExif();
     }
-    settings = data->GetVisualSetting();
+    shownItems = data->GetVisualSetting().GetItemShowSettings();
     imageWnd->SetData(data);
     imageWnd->SetItemDef(itemDef);
     imageWnd->SetPhoto(photo);
     if (photo) {
-        tabWnd->SetContent(photo, itemDef, settings.GetItemShowSettings());
+        tabWnd->SetContent(photo, itemDef, shownItems);
     } else {
         tabWnd->ClearContent();
     }
@@ -175,14 +176,11 @@ void ToviDetailPanel::OnUpdateSetup() {
     Visible(data->GetVisualSetting().GetVisibleDetail());
     ShowInformation(data->GetVisualSetting().GetVisibleProperty());
     OnUpdateInformation();
-    const ToviPhotoCtrlVisualSetting& current = data->GetVisualSetting();
-    const bool itemsChanged = current.GetItemShowSettings() != settings.GetItemShowSettings();
-    // The copy is written back to the profile when the panel goes: it follows every change,
-    // or an older display mode would come back at the next start.
-    settings = current;
-    if (!itemsChanged) {
+    const ToviItemShowSettings& current = data->GetVisualSetting().GetItemShowSettings();
+    if (current == shownItems) {
         return;
     }
+    shownItems = current;
     if (!visible) {
         stale = true;
         return;
@@ -191,7 +189,7 @@ void ToviDetailPanel::OnUpdateSetup() {
     if (data->GetTotalCountPhoto() == 0 || !photo) {
         tabWnd->ClearContent();
     } else {
-        tabWnd->SetContent(photo, data->GetItemDef(), settings.GetItemShowSettings());
+        tabWnd->SetContent(photo, data->GetItemDef(), shownItems);
     }
 }
 

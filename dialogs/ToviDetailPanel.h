@@ -1,7 +1,7 @@
 #pragma once
 
 #include "panels/ToviPanel.h"
-#include "settings/ToviPhotoCtrlVisualSetting.h"
+#include "settings/ToviItemShowSettings.h"
 
 class QSplitter;
 class ToviHostDocument;
@@ -65,5 +65,7 @@ private:
     bool visible = false;
     bool stale = false;
     int lastWidth = 0;
-    ToviPhotoCtrlVisualSetting settings;
+    // The items shown at the last update. Only these are kept: a copy of the whole visual
+    // setting would write itself back to the profile when the panel goes, over later changes.
+    ToviItemShowSettings shownItems;
 };
