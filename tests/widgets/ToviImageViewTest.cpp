@@ -212,7 +212,27 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(bytes.left(bytes.size() / 2));
         file.close();
-        for (const QString& path : {temp.filePath(u"missing.jpg"_s), cut}) {
+        // A PNG whose header claims 60,000 x 60,000 pixels (gigabytes once inflated) is refused
+        // by the reader's allocation limit, not decoded.
+        const QString bomb = temp.filePath(u"bomb.png"_s);
+        {
+            QByteArray png;
+            QBuffer buffer(&png);
+            buffer.open(QIODevice::WriteOnly);
+            QVERIFY(Stripes(QSize(16, 16)).save(&buffer, "PNG"));
+            const qsizetype ihdr = png.indexOf("IHDR");
+            QVERIFY(ihdr > 0);
+            for (int i = 0; i < 2; ++i) {  // width and height, big-endian
+                png[ihdr + 4 + 4 * i] = 0;
+                png[ihdr + 5 + 4 * i] = 0;
+                png[ihdr + 6 + 4 * i] = char(0xEA);
+                png[ihdr + 7 + 4 * i] = char(0x60);
+            }
+            QFile out(bomb);
+            QVERIFY(out.open(QIODevice::WriteOnly));
+            out.write(png);
+        }
+        for (const QString& path : {temp.filePath(u"missing.jpg"_s), cut, bomb}) {
             QSignalSpy loaded(&view, &LumImgWnd::Loaded);
             view.OpenFile(path);
             QVERIFY(loaded.wait(10000));

@@ -9,11 +9,13 @@
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviNamePlate.h"
 #include "panels/ToviPanelWindows.h"
+#include "panels/ToviSlideMode.h"
 #include "panels/ToviSpiCtrl.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "panels/ToviZoomDialogs.h"
 #include "platform/ToviProfile.h"
 #include "platform/widgets/LumImgWnd.h"
+#include "reports/ToviPhotoExport.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
@@ -149,6 +151,12 @@ private slots:
         QCOMPARE(dialog.Brightness(), 0);
         QCOMPARE(dialog.Slider()->value(), 0);
         QCOMPARE(dialog.ImageWnd()->Image(), plain);
+
+        // Saving is refused during a slide show, in words.
+        SetSlideMode(true);
+        ClickTool(&dialog, dialog.Action(ToviMultiDlg::kSave));
+        SetSlideMode(false);
+        QCOMPARE(ui.Questions().last().text, ToviPhotoExport::SlideModeMessage_);
 
         ClickTool(&dialog, dialog.Action(ToviMultiDlg::kFix));
         QVERIFY(dialog.IsFixed());
