@@ -57,15 +57,20 @@ bool Wait(QObject* sender, const char* signal, int ms = 60000) {
     return loop.exec() == 0;
 }
 
+// A zoomable view of 1200 x 800 on show with path decoded for it; false when it was not.
+bool OpenView(LumImgWnd& view, const QString& path) {
+    view.SetZoomable(true);
+    view.resize(1200, 800);
+    view.show();
+    view.OpenFile(path);
+    return Wait(&view, SIGNAL(Loaded(bool)));
+}
+
 void BM_FitView40MP(benchmark::State& state) {
     const QString path = Picture(7300, 5480);
     for (auto _ : state) {
         LumImgWnd view;
-        view.SetZoomable(true);
-        view.resize(1200, 800);
-        view.show();
-        view.OpenFile(path);
-        if (!Wait(&view, SIGNAL(Loaded(bool)))) {
+        if (!OpenView(view, path)) {
             state.SkipWithError("not loaded");
             return;
         }
@@ -76,11 +81,7 @@ void BM_FitView40MP(benchmark::State& state) {
 void BM_ZoomStep40MP(benchmark::State& state) {
     const QString path = Picture(7300, 5480);
     LumImgWnd view;
-    view.SetZoomable(true);
-    view.resize(1200, 800);
-    view.show();
-    view.OpenFile(path);
-    if (!Wait(&view, SIGNAL(Loaded(bool)))) {
+    if (!OpenView(view, path)) {
         state.SkipWithError("not loaded");
         return;
     }
@@ -107,11 +108,10 @@ void BM_ActualSize40MP(benchmark::State& state) {
     const QString path = Picture(7300, 5480);
     for (auto _ : state) {
         LumImgWnd view;
-        view.SetZoomable(true);
-        view.resize(1200, 800);
-        view.show();
-        view.OpenFile(path);
-        Wait(&view, SIGNAL(Loaded(bool)));
+        if (!OpenView(view, path)) {
+            state.SkipWithError("not loaded");
+            return;
+        }
         view.ZoomToActual();
         if (!Wait(&view, SIGNAL(DetailShown()))) {
             state.SkipWithError("no detail");
@@ -125,11 +125,7 @@ void BM_Open30000(benchmark::State& state) {
     const QString path = Picture(30000, 30000);
     for (auto _ : state) {
         LumImgWnd view;
-        view.SetZoomable(true);
-        view.resize(1200, 800);
-        view.show();
-        view.OpenFile(path);
-        if (!Wait(&view, SIGNAL(Loaded(bool)))) {
+        if (!OpenView(view, path)) {
             state.SkipWithError("not loaded");
             return;
         }

@@ -146,6 +146,42 @@ bool IsCompleteJpeg(const QByteArray& data, JpegHead* head) {
     return WalkToFirstScan(data, head) == Walk::Found && HasEndOfImage(data, head->scanData);
 }
 
+// A JPEG read from its start up to its first scan, and no further while that can be helped.
+struct JpegRead {
+    QByteArray data;  // the bytes read so far, from the start of the file
+    JpegHead head;
+    bool whole = false;  // data is the whole file
+};
+
+// Goes on from the first bytes in read->data: the header up to the first scan (reading on
+// when it runs longer), then whether the file is complete, which an EOI as its last two bytes
+// tells without reading the scans; otherwise the rest is read and walked. False for a file
+// that is not a JPEG or is cut.
+bool ReadCompleteJpeg(QFile& file, JpegRead* read) {
+    read->whole = file.atEnd();
+    Walk walk = WalkToFirstScan(read->data, &read->head);
+    if (walk == Walk::NeedMore && !read->whole) {
+        read->data += file.readAll();
+        read->whole = true;
+        walk = WalkToFirstScan(read->data, &read->head);
+    }
+    if (walk != Walk::Found) {
+        return false;
+    }
+    if (!read->whole && file.seek(file.size() - 2) &&
+        file.read(2) == QByteArrayLiteral("\xFF\xD9")) {
+        return true;
+    }
+    if (!read->whole) {
+        if (!file.seek(read->data.size())) {
+            return false;
+        }
+        read->data += file.readAll();
+        read->whole = true;
+    }
+    return HasEndOfImage(read->data, read->head.scanData);
+}
+
 struct ExifBits {
     int orientation = 1;
     QByteArray thumbnail;  // JPEG bytes, empty when there is none
@@ -342,32 +378,14 @@ bool LumReadJpegFacts(const QString& path, LumJpegFacts* facts) {
     if (!MibOpenRegularFile(file, path)) {
         return false;
     }
-    QByteArray data = file.read(kHeadBytes);
-    bool whole = file.atEnd();
-    JpegHead head;
-    Walk walk = WalkToFirstScan(data, &head);
-    if (walk == Walk::NeedMore && !whole) {
-        data += file.readAll();
-        whole = true;
-        walk = WalkToFirstScan(data, &head);
-    }
-    if (walk != Walk::Found) {
+    JpegRead read;
+    read.data = file.read(kHeadBytes);
+    if (!ReadCompleteJpeg(file, &read)) {
         return false;
     }
-    // The usual ending, EOI as the last two bytes, spares reading the scans of a large file.
-    bool complete = file.seek(file.size() - 2) && file.read(2) == QByteArrayLiteral("\xFF\xD9");
-    if (!complete) {
-        if (!whole && file.seek(data.size())) {
-            data += file.readAll();
-        }
-        complete = HasEndOfImage(data, head.scanData);
-    }
-    if (!complete) {
-        return false;
-    }
-    facts->width = head.width;
-    facts->height = head.height;
-    facts->orientation = ReadExif(data.left(head.scanData)).orientation;
+    facts->width = read.head.width;
+    facts->height = read.head.height;
+    facts->orientation = ReadExif(read.data.left(read.head.scanData)).orientation;
     return true;
 }
 
@@ -417,32 +435,13 @@ bool LumImage::LoadThumb(const QString& path) {
         return Assign(DecodeOther(file, true));
     }
     // Only the header is read while an Exif thumbnail may spare the rest of the file.
-    bool whole = file.atEnd();
-    JpegHead head;
-    Walk walk = WalkToFirstScan(data, &head);
-    if (walk == Walk::NeedMore && !whole) {
-        data += file.readAll();
-        whole = true;
-        walk = WalkToFirstScan(data, &head);
-    }
-    if (walk != Walk::Found) {
+    JpegRead read;
+    read.data = std::move(data);
+    if (!ReadCompleteJpeg(file, &read)) {
         return false;
     }
-    const ExifBits exif = ReadExif(data.left(head.scanData));
-
-    bool complete = false;
-    if (!whole) {
-        // The usual ending, EOI as the last two bytes, is checked without reading the scans.
-        const qint64 size = file.size();
-        complete = file.seek(size - 2) && file.read(2) == QByteArrayLiteral("\xFF\xD9");
-        if (!complete && file.seek(data.size())) {
-            data += file.readAll();
-            whole = true;
-        }
-    }
-    if (!complete && (!whole || !HasEndOfImage(data, head.scanData))) {
-        return false;
-    }
+    const JpegHead& head = read.head;
+    const ExifBits exif = ReadExif(read.data.left(head.scanData));
 
     if (!exif.thumbnail.isEmpty()) {
         JpegHead thumbHead;
@@ -453,14 +452,14 @@ bool LumImage::LoadThumb(const QString& path) {
             }
         }
     }
-    if (!whole) {
-        if (!file.seek(data.size())) {
+    if (!read.whole) {
+        if (!file.seek(read.data.size())) {
             return false;
         }
-        data += file.readAll();
+        read.data += file.readAll();
     }
     return Assign(
-        Orient(DecodeJpeg(data, ThumbDecodeSize(head.width, head.height)), exif.orientation));
+        Orient(DecodeJpeg(read.data, ThumbDecodeSize(head.width, head.height)), exif.orientation));
 }
 
 void LumImage::Clear() {
