@@ -375,8 +375,13 @@ void ToviPropertyDlg::OnOpen() {
     }
 }
 
+bool ToviPropertyDlg::IsCompact() const {
+    return width() < kCompactWidth;
+}
+
 QRect ToviPropertyDlg::DisplayRect() const {
-    return QRect(0, kDisplayTop, width(), std::max(0, height() - kDisplayTop));
+    const int top = IsCompact() ? 4 * (kRowHeight + 5) : kDisplayTop;
+    return QRect(0, top, width(), std::max(0, height() - top));
 }
 
 void ToviPropertyDlg::resizeEvent(QResizeEvent*) {
@@ -385,12 +390,24 @@ void ToviPropertyDlg::resizeEvent(QResizeEvent*) {
 
 void ToviPropertyDlg::PlaceControls() {
     const int w = width();
-    previousButton->setGeometry(0, 0, kButtonWidth, kRowHeight);
-    nextButton->setGeometry(kButtonWidth + 5, 0, kButtonWidth, kRowHeight);
-    positionText->setGeometry(240, 0, std::max(0, w - 240), kRowHeight);
-    openButton->setGeometry(0, 30, kOpenButtonWidth, kRowHeight);
-    fileNameText->setGeometry(kOpenButtonWidth + 5, 30, std::max(0, w - kOpenButtonWidth - 5),
-                              kRowHeight);
+    if (IsCompact()) {
+        // A pane too narrow for two controls a row (the detail panel's) takes them one under
+        // the other, the two buttons sharing the first row, so that none is cut off.
+        const int half = std::max(0, (w - 5) / 2);
+        const int step = kRowHeight + 5;
+        previousButton->setGeometry(0, 0, half, kRowHeight);
+        nextButton->setGeometry(half + 5, 0, std::max(0, w - half - 5), kRowHeight);
+        positionText->setGeometry(0, step, w, kRowHeight);
+        openButton->setGeometry(0, 2 * step, w, kRowHeight);
+        fileNameText->setGeometry(0, 3 * step, w, kRowHeight);
+    } else {
+        previousButton->setGeometry(0, 0, kButtonWidth, kRowHeight);
+        nextButton->setGeometry(kButtonWidth + 5, 0, kButtonWidth, kRowHeight);
+        positionText->setGeometry(240, 0, std::max(0, w - 240), kRowHeight);
+        openButton->setGeometry(0, 30, kOpenButtonWidth, kRowHeight);
+        fileNameText->setGeometry(kOpenButtonWidth + 5, 30, std::max(0, w - kOpenButtonWidth - 5),
+                                  kRowHeight);
+    }
     const QRect display = DisplayRect();
     imageWnd->setGeometry(display);
     notice->setGeometry(display);

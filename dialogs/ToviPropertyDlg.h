@@ -32,6 +32,8 @@ public:
     static constexpr int kButtonWidth = 115;
     static constexpr int kOpenButtonWidth = 236;
     static constexpr int kRowHeight = 25;
+    // Narrower than this, the drawing page's controls stand one under the other.
+    static constexpr int kCompactWidth = 400;
     static constexpr int kDisplayTop = 60;
     // Raster drawings are decoded for a screen of at most this side.
     static constexpr int kDrawingSide = 2560;
@@ -98,6 +100,7 @@ private:
     void PlaceControls();
     void PlaceSplitter();
     QRect DisplayRect() const;
+    bool IsCompact() const;
 
     ToviHostDocument* document;
     ToviPhoto* photo = nullptr;

@@ -22,6 +22,8 @@
 #include "tests/support/WorkArea.h"
 
 #include <QAction>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSplitter>
@@ -238,6 +240,27 @@ private slots:
         QVERIFY(!information->isChecked());
         ClickTool(panel.ImageWnd(), information);
         QVERIFY(!panel.TabWnd()->isHidden());
+
+        // In a pane too narrow for the drawing page's rows, its controls stand one under the
+        // other: each inside the page, none over another.
+        panel.Splitter()->setSizes({600, 250});
+        panel.TabWnd()->SetSelectedPage(1);
+        ToviPropertyDlg* page = panel.TabWnd()->GetPropertyDlg();
+        QTRY_VERIFY(page->width() > 0 && page->width() < ToviPropertyDlg::kCompactWidth);
+        const QList<QWidget*> controls{static_cast<QWidget*>(page->PreviousButton()),
+                                       page->NextButton(), page->PositionText(), page->OpenButton(),
+                                       page->FileNameText()};
+        for (int i = 0; i < controls.size(); ++i) {
+            QVERIFY(page->rect().contains(controls[i]->geometry()));
+            for (int j = i + 1; j < controls.size(); ++j) {
+                QVERIFY(!controls[i]->geometry().intersects(controls[j]->geometry()));
+            }
+        }
+        // The texts have the room their words need.
+        const QFontMetrics metrics(page->PositionText()->font());
+        QVERIFY(page->PositionText()->width() > metrics.horizontalAdvance(u"10/10 枚目を表示"_s));
+        QVERIFY(page->FileNameText()->width() > metrics.horizontalAdvance(u"D0000001.JPG"_s));
+        panel.TabWnd()->SetSelectedPage(0);
 
         // A narrow panel leaves the right pane its least width and the picture the rest.
         panel.resize(100, 300);
