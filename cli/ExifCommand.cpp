@@ -5,32 +5,11 @@
 #include "cli/JsonWriter.h"
 
 #include "document/ToviPhoto.h"
+#include "imagefacts/ToviExifGroups.h"
 
 #include <QFileInfo>
 
 namespace {
-
-struct GroupView {
-    const char* key;
-    const char* heading;
-    const ToviTextPairArray& (ToviExifInfo::*pairs)() const;
-};
-
-// clang-format off
-constexpr GroupView kGroups[] = {
-    {"date", "日時", &ToviExifInfo::GetDate},
-    {"image", "画像", &ToviExifInfo::GetImage},
-    {"maker", "機器と作者", &ToviExifInfo::GetMaker},
-    {"format", "形式", &ToviExifInfo::GetFormat},
-    {"shoot", "撮影条件", &ToviExifInfo::GetShoot},
-    {"gps", "GPS", &ToviExifInfo::GetGPS},
-};
-
-// The file items in the order the item display settings offer them.
-const char* const kFileTitles[] = {
-    "ファイルサイズ", "幅×高さ", "総画素数", "作成日時", "最終更新日時", "読み取り専用",
-};
-// clang-format on
 
 void WriteExifJson(bool hasExif, const ToviExifInfo& exif, const ToviPhoto& photo) {
     JsonWriter json;
@@ -39,7 +18,7 @@ void WriteExifJson(bool hasExif, const ToviExifInfo& exif, const ToviPhoto& phot
     json.Value(hasExif);
     json.Key("groups");
     json.BeginObject();
-    for (const GroupView& group : kGroups) {
+    for (const ToviExifGroup& group : kToviExifGroups) {
         json.Key(group.key);
         json.BeginArray();
         for (const ToviTextPair& pair : (exif.*group.pairs)()) {
@@ -53,7 +32,7 @@ void WriteExifJson(bool hasExif, const ToviExifInfo& exif, const ToviPhoto& phot
     json.EndObject();
     json.Key("file");
     json.BeginObject();
-    for (const char* title : kFileTitles) {
+    for (const char* title : kToviFileFactTitles) {
         QString value;
         photo.GetFileInfoFromTitle(QString::fromUtf8(title), value);
         json.Key(title);
@@ -68,14 +47,14 @@ QByteArray ExifText(const QString& path, bool hasExif, const ToviExifInfo& exif,
                     const ToviPhoto& photo) {
     QString out = path + QLatin1Char('\n');
     out += hasExif ? QStringLiteral("Exif あり\n") : QStringLiteral("Exif なし\n");
-    for (const GroupView& group : kGroups) {
+    for (const ToviExifGroup& group : kToviExifGroups) {
         out += QStringLiteral("[%1]\n").arg(QString::fromUtf8(group.heading));
         for (const ToviTextPair& pair : (exif.*group.pairs)()) {
             out += QStringLiteral("  %1: %2\n").arg(pair.GetItem(), pair.GetValue());
         }
     }
     out += QStringLiteral("[ファイル]\n");
-    for (const char* title : kFileTitles) {
+    for (const char* title : kToviFileFactTitles) {
         QString value;
         photo.GetFileInfoFromTitle(QString::fromUtf8(title), value);
         out += QStringLiteral("  %1: %2\n").arg(QString::fromUtf8(title), value);

@@ -8,6 +8,7 @@ class ToviHostDocument;
 class ToviItemDef;
 class ToviItemShowSettings;
 class ToviPhoto;
+class ToviExifPage;
 class ToviPropertyDlg;
 
 // The tabs 写真情報 and 参考図 over the one property dialog, whose pages they select. The
@@ -18,6 +19,8 @@ class ToviTabBaseWnd : public QWidget {
 public:
     static const QString PhotoInfoTab_;  // "写真情報"
     static const QString DrawingTab_;    // "参考図"
+    static const QString ExifTab_;       // "Exif情報": every Exif group and file fact
+    static constexpr int kExifPage = 2;
 
     // document is the host's, handed on to the dialog; may be null.
     explicit ToviTabBaseWnd(ToviHostDocument* document, QWidget* parent = nullptr);
@@ -32,6 +35,7 @@ public:
     void SetSelectedPage(int page);
 
     ToviPropertyDlg* GetPropertyDlg() const { return dialog; }
+    ToviExifPage* ExifPage() const { return exifPage; }
     QTabBar* TabBar() const { return tabBar; }
 
 protected:
@@ -40,8 +44,12 @@ protected:
 
 private:
     void OnTabChanged(int index);
+    void FillExifPage();
 
     QTabBar* tabBar;
     QFrame* frame;  // the tabs' display area
     ToviPropertyDlg* dialog;
+    ToviExifPage* exifPage;
+    ToviPhoto* photo = nullptr;
+    bool exifStale = false;  // the page shows another photograph than the tabs hold
 };

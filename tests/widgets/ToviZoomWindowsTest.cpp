@@ -1,4 +1,5 @@
 #include "dialogs/ToviDetailPanel.h"
+#include "dialogs/ToviExifPage.h"
 #include "dialogs/ToviImageWnd.h"
 #include "dialogs/ToviMultiDlg.h"
 #include "dialogs/ToviPropertyDlg.h"
@@ -25,6 +26,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTabBar>
 #include <QSlider>
 #include <QSplitter>
 #include <QTemporaryDir>
@@ -393,6 +395,54 @@ private slots:
                                                 stored.height() + 100);
         ToviMpiPanel panel(&host);
         QCOMPARE(panel.ZoomDialogs()->GetDlgSize(), expected);
+    }
+    // The Exif tab, clicked, shows the six groups and the file's facts of a JPEG whose Exif
+    // is known, and nothing is read for it while another tab is in front.
+    void exifPage() {
+        DeliveryOptions options;
+        options.photoCount = 2;
+        options.images = DeliveryOptions::Images::Boards;
+        options.imageSize = QSize(320, 240);
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(temp.filePath(u"e"_s), options, &written, &error),
+                 qPrintable(error));
+        ToviEnouDataFactory factory;
+        std::unique_ptr<ToviData> data = factory.Create(&host, written.photoFolder, PhotoXMLMlit);
+        QVERIFY(data);
+        const ExifFacts& facts = written.photos[0].exif;
+        QVERIFY(facts.writeExif);
+
+        ToviTabBaseWnd tabs(nullptr);
+        tabs.resize(420, 600);
+        tabs.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&tabs));
+        tabs.SetContent(data->GetPhotoActualPhotoArray(0), data->GetItemDef(),
+                        data->GetVisualSetting().GetItemShowSettings());
+        QCOMPARE(tabs.ExifPage()->topLevelItemCount(), 0);  // not read while not in front
+        QTabBar* bar = tabs.TabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier,
+                          bar->tabRect(ToviTabBaseWnd::kExifPage).center());
+        QVERIFY(tabs.ExifPage()->isVisible());
+        QVERIFY(!tabs.GetPropertyDlg()->isVisible());
+        const ToviExifPage* page = tabs.ExifPage();
+        QCOMPARE(page->Value(u"機器と作者"_s, u"画像入力機器のメーカー名"_s), facts.make);
+        QCOMPARE(page->Value(u"機器と作者"_s, u"画像入力機器のモデル名"_s), facts.model);
+        QCOMPARE(page->Value(u"画像"_s, u"大きさ"_s), u"320 x 240"_s);
+        if (facts.dateTimeOriginal.isValid()) {
+            QCOMPARE(page->Value(u"日時"_s, u"撮影日時"_s),
+                     facts.dateTimeOriginal.toString(u"yyyy/MM/dd HH:mm:ss"_s));
+        }
+        QCOMPARE(page->Value(u"撮影条件"_s, u"Fナンバー"_s), u"F%1"_s.arg(facts.fNumber));
+        QCOMPARE(page->Value(ToviExifPage::FileHeading_, u"幅×高さ"_s), u"320×240"_s);
+        QVERIFY(page->Value(ToviExifPage::FileHeading_, u"ファイルサイズ"_s).endsWith(u" KB"_s));
+        // The next photograph while the page is in front is shown at once.
+        tabs.SetContent(data->GetPhotoActualPhotoArray(1), data->GetItemDef(),
+                        data->GetVisualSetting().GetItemShowSettings());
+        QCOMPARE(page->Value(u"機器と作者"_s, u"画像入力機器のメーカー名"_s),
+                 written.photos[1].exif.make);
+        tabs.ClearContent();
+        QCOMPARE(page->topLevelItemCount(), 0);
     }
 };
 
