@@ -20,7 +20,11 @@ MibPathResolver::Listing MibPathResolver::List(const QString& folder) {
     while (it.hasNext()) {
         it.next();
         const QString name = it.fileName();
-        listing.links.insert(name, it.fileInfo().isSymLink());
+        const QFileInfo info = it.fileInfo();
+        listing.links.insert(name, info.isSymLink());
+        if (!info.isSymLink() && info.isFile()) {
+            listing.plainFiles.insert(name);
+        }
         QString& kept = listing.folded[name.toCaseFolded()];
         if (kept.isEmpty() || name < kept) {
             kept = name;
@@ -72,6 +76,24 @@ const QString& MibPathResolver::AreaOf(const QString& folder) const {
         canonical = MibNormalDir(canonical);
     }
     return *areas.insert(folder, canonical);
+}
+
+bool MibPathResolver::IsFile(const QString& path) const {
+    if (!root.isEmpty() && path.startsWith(root)) {
+        const QStringView rest = QStringView(path).mid(root.size());
+        const qsizetype slash = rest.indexOf(QLatin1Char('/'));
+        if (slash > 0 && slash + 1 < rest.size() && rest.indexOf(QLatin1Char('/'), slash + 1) < 0) {
+            const QString folder = rest.left(slash).toString();
+            const Listing& top = ListingOf(root);
+            const auto sub = top.links.constFind(folder);
+            if (sub != top.links.cend() && !sub.value() &&
+                ListingOf(root + folder + QLatin1Char('/'))
+                    .plainFiles.contains(rest.mid(slash + 1).toString())) {
+                return true;
+            }
+        }
+    }
+    return MibIsFileExist(path);
 }
 
 QString MibPathResolver::Resolve(const QString& path) const {

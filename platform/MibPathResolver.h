@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 
 // Finds the files a delivery names under its folder as they lie on the disc, and keeps them
@@ -25,11 +26,19 @@ public:
     // path leads outside, or does not lie under the root at all.
     QString Resolve(const QString& path) const;
 
+    // Whether path names a regular file, links followed, as MibIsFileExist answers. A file
+    // straight in a sub-folder of the root that the listings show as a plain file, in a
+    // sub-folder that is no link, is answered from them; anything else is asked of the disc.
+    // Like every answer here it holds until the root is set again or Clear is called.
+    bool IsFile(const QString& path) const;
+
     // A folder's entries: each name as written with whether it is a symbolic link, and the
-    // names by case-folded form; of names that fold alike, the first in code order.
+    // names by case-folded form; of names that fold alike, the first in code order; and the
+    // names that are regular files and no links.
     struct Listing {
         QHash<QString, bool> links;
         QHash<QString, QString> folded;
+        QSet<QString> plainFiles;
     };
     static Listing List(const QString& folder);
 
