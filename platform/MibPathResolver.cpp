@@ -3,34 +3,62 @@
 #include "platform/MibFile.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-
 #include <QStringList>
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 QHash<QString, QString> MibListFoldedNames(const QString& folder) {
-    return MibPathResolver::List(folder).folded;
+    return MibPathResolver::List(folder).Folded();
 }
 
 MibPathResolver::Listing MibPathResolver::List(const QString& folder) {
     Listing listing;
-    // The directory's own record tells a link from a file; no entry is looked at again.
-    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    while (it.hasNext()) {
-        it.next();
-        const QString name = it.fileName();
-        const QFileInfo info = it.fileInfo();
-        listing.links.insert(name, info.isSymLink());
-        if (!info.isSymLink() && info.isFile()) {
-            listing.plainFiles.insert(name);
+    const QByteArray local = QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder);
+    DIR* dir = ::opendir(local.constData());
+    if (!dir) {
+        return listing;
+    }
+    // The directory's own records tell links and regular files from the rest; an entry is
+    // looked at on its own only when the file system does not say what it is.
+    const QByteArray prefix = local.endsWith('/') ? local : local + '/';
+    while (const dirent* entry = ::readdir(dir)) {
+        const char* raw = entry->d_name;
+        if (raw[0] == '.' && (raw[1] == '\0' || (raw[1] == '.' && raw[2] == '\0'))) {
+            continue;
         }
-        QString& kept = listing.folded[name.toCaseFolded()];
-        if (kept.isEmpty() || name < kept) {
-            kept = name;
+        bool link = entry->d_type == DT_LNK;
+        bool file = entry->d_type == DT_REG;
+        if (entry->d_type == DT_UNKNOWN) {
+            struct stat st {};
+            if (::lstat((prefix + raw).constData(), &st) != 0) {
+                continue;  // gone since the directory was read
+            }
+            link = S_ISLNK(st.st_mode);
+            file = S_ISREG(st.st_mode);
+        }
+        listing.entries.insert(QFile::decodeName(raw), link   ? Listing::Link
+                                                       : file ? Listing::File
+                                                              : Listing::Other);
+    }
+    ::closedir(dir);
+    return listing;
+}
+
+const QHash<QString, QString>& MibPathResolver::Listing::Folded() const {
+    if (!foldedMade) {
+        foldedMade = true;
+        folded.reserve(entries.size());
+        for (auto it = entries.cbegin(); it != entries.cend(); ++it) {
+            QString& kept = folded[it.key().toCaseFolded()];
+            if (kept.isEmpty() || it.key() < kept) {
+                kept = it.key();
+            }
         }
     }
-    return listing;
+    return folded;
 }
 
 const MibPathResolver::Listing& MibPathResolver::ListingOf(const QString& folder) const {
@@ -85,10 +113,10 @@ bool MibPathResolver::IsFile(const QString& path) const {
         if (slash > 0 && slash + 1 < rest.size() && rest.indexOf(QLatin1Char('/'), slash + 1) < 0) {
             const QString folder = rest.left(slash).toString();
             const Listing& top = ListingOf(root);
-            const auto sub = top.links.constFind(folder);
-            if (sub != top.links.cend() && !sub.value() &&
+            const auto sub = top.entries.constFind(folder);
+            if (sub != top.entries.cend() && sub.value() != Listing::Link &&
                 ListingOf(root + folder + QLatin1Char('/'))
-                    .plainFiles.contains(rest.mid(slash + 1).toString())) {
+                        .entries.value(rest.mid(slash + 1).toString()) == Listing::File) {
                 return true;
             }
         }
@@ -114,15 +142,15 @@ QString MibPathResolver::Resolve(const QString& path) const {
     // the disc again. Links, other spellings and deeper paths have their real place worked
     // out. A sub-folder missing in every spelling has nothing under it.
     const Listing& top = ListingOf(root);
-    const auto sub = top.links.constFind(parts[0]);
-    if (sub == top.links.cend() && !top.folded.contains(parts[0].toCaseFolded())) {
+    const auto sub = top.entries.constFind(parts[0]);
+    if (sub == top.entries.cend() && !top.Folded().contains(parts[0].toCaseFolded())) {
         return path;
     }
-    if (parts.size() == 2 && sub != top.links.cend() && !sub.value()) {
+    if (parts.size() == 2 && sub != top.entries.cend() && sub.value() != Listing::Link) {
         const QString& area = AreaOf(root + parts[0]);
         const Listing& files = ListingOf(root + parts[0] + QLatin1Char('/'));
-        const auto file = files.links.constFind(parts[1]);
-        if (!area.isEmpty() && file != files.links.cend() && !file.value()) {
+        const auto file = files.entries.constFind(parts[1]);
+        if (!area.isEmpty() && file != files.entries.cend() && file.value() != Listing::Link) {
             return path;
         }
     }
@@ -131,7 +159,7 @@ QString MibPathResolver::Resolve(const QString& path) const {
     if (canonical.isEmpty()) {
         actual = root;
         for (qsizetype i = 0; i < parts.size(); ++i) {
-            const QString found = ListingOf(actual).folded.value(parts[i].toCaseFolded());
+            const QString found = ListingOf(actual).Folded().value(parts[i].toCaseFolded());
             if (found.isEmpty()) {
                 return path;
             }

@@ -32,13 +32,17 @@ public:
     // Like every answer here it holds until the root is set again or Clear is called.
     bool IsFile(const QString& path) const;
 
-    // A folder's entries: each name as written with whether it is a symbolic link, and the
-    // names by case-folded form; of names that fold alike, the first in code order; and the
-    // names that are regular files and no links.
+    // A folder's entries: each name as written with its kind (a regular file that is no
+    // link, a symbolic link, anything else), and on first need the names by case-folded
+    // form; of names that fold alike, the first in code order.
     struct Listing {
-        QHash<QString, bool> links;
-        QHash<QString, QString> folded;
-        QSet<QString> plainFiles;
+        enum Kind : unsigned char { Other, File, Link };
+        QHash<QString, Kind> entries;
+        const QHash<QString, QString>& Folded() const;
+
+    private:
+        mutable QHash<QString, QString> folded;
+        mutable bool foldedMade = false;
     };
     static Listing List(const QString& folder);
 
