@@ -114,10 +114,19 @@ bool MibPathResolver::IsFile(const QString& path) const {
             const QString folder = rest.left(slash).toString();
             const Listing& top = ListingOf(root);
             const auto sub = top.entries.constFind(folder);
-            if (sub != top.entries.cend() && sub.value() != Listing::Link &&
-                ListingOf(root + folder + QLatin1Char('/'))
-                        .entries.value(rest.mid(slash + 1).toString()) == Listing::File) {
-                return true;
+            if (sub == top.entries.cend()) {
+                // No sub-folder of that name in any spelling: nothing under it.
+                if (!top.Folded().contains(folder.toCaseFolded())) {
+                    return false;
+                }
+            } else if (sub.value() == Listing::Other) {
+                // A name not listed as written is missing: the paths asked about have been
+                // resolved, so another spelling on the disc would have been taken already.
+                const Listing& files = ListingOf(root + folder + QLatin1Char('/'));
+                const auto file = files.entries.constFind(rest.mid(slash + 1).toString());
+                if (file == files.entries.cend() || file.value() != Listing::Link) {
+                    return file != files.entries.cend() && file.value() == Listing::File;
+                }
             }
         }
     }

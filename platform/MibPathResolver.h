@@ -26,10 +26,12 @@ public:
     // path leads outside, or does not lie under the root at all.
     QString Resolve(const QString& path) const;
 
-    // Whether path names a regular file, links followed, as MibIsFileExist answers. A file
-    // straight in a sub-folder of the root that the listings show as a plain file, in a
-    // sub-folder that is no link, is answered from them; anything else is asked of the disc.
-    // Like every answer here it holds until the root is set again or Clear is called.
+    // Whether path names a regular file, links followed, as MibIsFileExist answers. A path
+    // straight in a sub-folder of the root that is no link is answered from the listings:
+    // found as written and a regular file, or not; a sub-folder missing in every spelling
+    // holds nothing. Links and anything else are asked of the disc. Meant for paths as
+    // Resolve gives them, whose spelling is already the disc's; like every answer here it
+    // holds until the root is set again or Clear is called.
     bool IsFile(const QString& path) const;
 
     // A folder's entries: each name as written with its kind (a regular file that is no

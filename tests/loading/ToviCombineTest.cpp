@@ -232,6 +232,7 @@ private slots:
             QTest::addRow("%s dangling link", what)
                 << drawing << QStringLiteral("dangling") << false;
             QTest::addRow("%s removed", what) << drawing << QStringLiteral("removed") << false;
+            QTest::addRow("%s folder gone", what) << drawing << QStringLiteral("gone") << false;
         }
     }
     void entryKinds() {
@@ -270,6 +271,8 @@ private slots:
             QVERIFY(QDir().mkdir(path));
         } else if (kind == QStringLiteral("dangling")) {
             QVERIFY(QFile::link(QStringLiteral("gone.bin"), path));
+        } else if (kind == QStringLiteral("gone")) {
+            QVERIFY(QDir(info.absolutePath()).removeRecursively());
         }
 
         Open(root);
@@ -277,10 +280,18 @@ private slots:
         ToviEnouDataFactory factory;
         QVERIFY(factory.StartCombineProc(root, document.get(), true));
         QCOMPARE(document->GetPhotoActualPhotoArray(index)->IsExistFile(), found);
+        // Without the folder every photograph with a file in it is missing.
+        const bool gone = kind == QStringLiteral("gone");
         for (int i = 0; i < document->GetTotalCountPhoto(); ++i) {
-            QCOMPARE(document->GetPhotoActualPhotoArray(i)->IsExistFile(), i != index || found);
+            ToviPhoto* other = document->GetPhotoActualPhotoArray(i);
+            const bool inFolder = !drawing || other->GetPictureCount() > 0;
+            QCOMPARE(other->IsExistFile(), i == index ? found : !(gone && inFolder));
         }
-        if (found) {
+        if (gone) {
+            QCOMPARE(ui.DialogNames(), QStringList{Texts::DialogName()});
+            QVERIFY(
+                ui.DialogInputs()[0].value(Texts::MissingField()).toStringList().contains(name));
+        } else if (found) {
             QVERIFY(ui.DialogNames().isEmpty());
             QCOMPARE(ui.Statuses(), QStringList{Texts::Complete().replace(u'\n', u' ')});
         } else {
