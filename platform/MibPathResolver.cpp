@@ -21,6 +21,7 @@ MibPathResolver::Listing MibPathResolver::List(const QString& folder) {
     if (!dir) {
         return listing;
     }
+    listing.read = true;
     // The directory's own records tell links and regular files from the rest; an entry is
     // looked at on its own only when the file system does not say what it is.
     const QByteArray prefix = local.endsWith('/') ? local : local + '/';
@@ -114,7 +115,9 @@ bool MibPathResolver::IsFile(const QString& path) const {
             const QString folder = rest.left(slash).toString();
             const Listing& top = ListingOf(root);
             const auto sub = top.entries.constFind(folder);
-            if (sub == top.entries.cend()) {
+            if (!top.read) {
+                // A folder that could not be read says nothing: the disc is asked.
+            } else if (sub == top.entries.cend()) {
                 // No sub-folder of that name in any spelling: nothing under it.
                 if (!top.Folded().contains(folder.toCaseFolded())) {
                     return false;
@@ -124,7 +127,7 @@ bool MibPathResolver::IsFile(const QString& path) const {
                 // resolved, so another spelling on the disc would have been taken already.
                 const Listing& files = ListingOf(root + folder + QLatin1Char('/'));
                 const auto file = files.entries.constFind(rest.mid(slash + 1).toString());
-                if (file == files.entries.cend() || file.value() != Listing::Link) {
+                if (files.read && (file == files.entries.cend() || file.value() != Listing::Link)) {
                     return file != files.entries.cend() && file.value() == Listing::File;
                 }
             }

@@ -29,9 +29,9 @@ public:
     // Whether path names a regular file, links followed, as MibIsFileExist answers. A path
     // straight in a sub-folder of the root that is no link is answered from the listings:
     // found as written and a regular file, or not; a sub-folder missing in every spelling
-    // holds nothing. Links and anything else are asked of the disc. Meant for paths as
-    // Resolve gives them, whose spelling is already the disc's; like every answer here it
-    // holds until the root is set again or Clear is called.
+    // holds nothing. Links, folders that cannot be read and anything else are asked of the
+    // disc. Meant for paths as Resolve gives them, whose spelling is already the disc's;
+    // like every answer here it holds until the root is set again or Clear is called.
     bool IsFile(const QString& path) const;
 
     // A folder's entries: each name as written with its kind (a regular file that is no
@@ -40,6 +40,7 @@ public:
     struct Listing {
         enum Kind : unsigned char { Other, File, Link };
         QHash<QString, Kind> entries;
+        bool read = false;  // whether the folder could be opened at all
         const QHash<QString, QString>& Folded() const;
 
     private:
