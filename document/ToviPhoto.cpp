@@ -88,12 +88,12 @@ void ToviPhoto::RelativeWalk(const PathTitles& titles, const QString& root) {
 // counts as found; that loose match is intended.
 void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
     ResolvePaths();  // a path is kept only when its file is inside its own delivery
-    if (!MibIsFileExist(imagePath)) {
+    if (!FileExists(imagePath)) {
         imagePath.clear();
     }
     QStringList kept;
     for (const QString& path : picturePaths) {
-        if (MibIsFileExist(path)) {
+        if (FileExists(path)) {
             kept.append(path);
         }
     }
@@ -122,6 +122,13 @@ void ToviPhoto::UpdateWalk(const PathTitles& titles, const QString& root) {
             imagePath = ResolvedPath(InsideFolder(root + kPicFolder, value));
         }
     }
+}
+
+bool ToviPhoto::FileExists(const QString& path) const {
+    if (document && document->IsStandAlone()) {
+        return document->GetPathResolver().IsFile(path);
+    }
+    return MibIsFileExist(path);
 }
 
 QString ToviPhoto::ResolvedPath(const QString& path) const {
@@ -168,10 +175,10 @@ void ToviPhoto::UpdateImagePath() {
     rebuilding = true;
     MakePath();
     rebuilding = false;
-    *fileExists = MibIsFileExist(imagePath);
+    *fileExists = FileExists(imagePath);
     if (*fileExists) {
         for (const QString& path : picturePaths) {
-            if (!MibIsFileExist(path)) {
+            if (!FileExists(path)) {
                 *fileExists = false;
                 break;
             }
@@ -197,7 +204,7 @@ void ToviPhoto::GetOutputFilename(QStringList& names) {
     ResolvePaths();
     QStringList collected;
     for (const QString& path : picturePaths) {
-        if (MibIsFileExist(path)) {
+        if (FileExists(path)) {
             collected.append(path);
         }
     }
@@ -226,7 +233,7 @@ void ToviPhoto::GetOutputFilename(QStringList& names) {
             }
         }
         if (titles.photo >= 0 && defIndex == titles.photo && !value.isEmpty() &&
-            !MibIsFileExist(imagePath)) {
+            !FileExists(imagePath)) {
             names.append(value);
         }
     }

@@ -145,6 +145,8 @@ private:
     // Looks the built paths up on the disc, once after each walk; the load never does.
     void ResolvePaths();
     QString ResolvedPath(const QString& path) const;
+    // Whether a file is there, from the document's listings of its folders where it can.
+    bool FileExists(const QString& path) const;
     // The image path as ResolvePaths makes it, for readers that may not store it.
     QString ImageFile() const;
 

@@ -104,6 +104,9 @@ bool ToviEnouDataFactory::StartCombineProc(const QString& path, ToviData* docume
         document->RootPath(dataFolder);
         document->GetItemDef()->SetRootPath(dataFolder);
         document->Title(dataFolder);
+        // Each photograph is checked once, its files looked up in listings of PIC/ and DRA/
+        // made for this disc; the names still missing are gathered in the photographs' order.
+        QStringList missing;
         const int count = document->GetTotalCountPhoto();
         for (int i = 0; i < count; ++i) {
             ToviPhoto* photo = document->GetPhotoActualPhotoArray(i);
@@ -113,10 +116,6 @@ bool ToviEnouDataFactory::StartCombineProc(const QString& path, ToviData* docume
             if (!photo->IsExistFile()) {
                 photo->UpdateImagePath();
             }
-        }
-        QStringList missing;
-        for (int i = 0; i < count; ++i) {
-            ToviPhoto* photo = document->GetPhotoActualPhotoArray(i);
             if (!photo->IsExistFile()) {
                 photo->GetOutputFilename(missing);
             }

@@ -3,30 +3,63 @@
 #include "platform/MibFile.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-
 #include <QStringList>
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 QHash<QString, QString> MibListFoldedNames(const QString& folder) {
-    return MibPathResolver::List(folder).folded;
+    return MibPathResolver::List(folder).Folded();
 }
 
 MibPathResolver::Listing MibPathResolver::List(const QString& folder) {
     Listing listing;
-    // The directory's own record tells a link from a file; no entry is looked at again.
-    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    while (it.hasNext()) {
-        it.next();
-        const QString name = it.fileName();
-        listing.links.insert(name, it.fileInfo().isSymLink());
-        QString& kept = listing.folded[name.toCaseFolded()];
-        if (kept.isEmpty() || name < kept) {
-            kept = name;
+    const QByteArray local = QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder);
+    DIR* dir = ::opendir(local.constData());
+    if (!dir) {
+        return listing;
+    }
+    listing.read = true;
+    // The directory's own records tell links and regular files from the rest; an entry is
+    // looked at on its own only when the file system does not say what it is.
+    const QByteArray prefix = local.endsWith('/') ? local : local + '/';
+    while (const dirent* entry = ::readdir(dir)) {
+        const char* raw = entry->d_name;
+        if (raw[0] == '.' && (raw[1] == '\0' || (raw[1] == '.' && raw[2] == '\0'))) {
+            continue;
+        }
+        bool link = entry->d_type == DT_LNK;
+        bool file = entry->d_type == DT_REG;
+        if (entry->d_type == DT_UNKNOWN) {
+            struct stat st {};
+            if (::lstat((prefix + raw).constData(), &st) != 0) {
+                continue;  // gone since the directory was read
+            }
+            link = S_ISLNK(st.st_mode);
+            file = S_ISREG(st.st_mode);
+        }
+        listing.entries.insert(QFile::decodeName(raw), link   ? Listing::Link
+                                                       : file ? Listing::File
+                                                              : Listing::Other);
+    }
+    ::closedir(dir);
+    return listing;
+}
+
+const QHash<QString, QString>& MibPathResolver::Listing::Folded() const {
+    if (!foldedMade) {
+        foldedMade = true;
+        folded.reserve(entries.size());
+        for (auto it = entries.cbegin(); it != entries.cend(); ++it) {
+            QString& kept = folded[it.key().toCaseFolded()];
+            if (kept.isEmpty() || it.key() < kept) {
+                kept = it.key();
+            }
         }
     }
-    return listing;
+    return folded;
 }
 
 const MibPathResolver::Listing& MibPathResolver::ListingOf(const QString& folder) const {
@@ -74,6 +107,35 @@ const QString& MibPathResolver::AreaOf(const QString& folder) const {
     return *areas.insert(folder, canonical);
 }
 
+bool MibPathResolver::IsFile(const QString& path) const {
+    if (!root.isEmpty() && path.startsWith(root)) {
+        const QStringView rest = QStringView(path).mid(root.size());
+        const qsizetype slash = rest.indexOf(QLatin1Char('/'));
+        if (slash > 0 && slash + 1 < rest.size() && rest.indexOf(QLatin1Char('/'), slash + 1) < 0) {
+            const QString folder = rest.left(slash).toString();
+            const Listing& top = ListingOf(root);
+            const auto sub = top.entries.constFind(folder);
+            if (!top.read) {
+                // A folder that could not be read says nothing: the disc is asked.
+            } else if (sub == top.entries.cend()) {
+                // No sub-folder of that name in any spelling: nothing under it.
+                if (!top.Folded().contains(folder.toCaseFolded())) {
+                    return false;
+                }
+            } else if (sub.value() == Listing::Other) {
+                // A name not listed as written is missing: the paths asked about have been
+                // resolved, so another spelling on the disc would have been taken already.
+                const Listing& files = ListingOf(root + folder + QLatin1Char('/'));
+                const auto file = files.entries.constFind(rest.mid(slash + 1).toString());
+                if (files.read && (file == files.entries.cend() || file.value() != Listing::Link)) {
+                    return file != files.entries.cend() && file.value() == Listing::File;
+                }
+            }
+        }
+    }
+    return MibIsFileExist(path);
+}
+
 QString MibPathResolver::Resolve(const QString& path) const {
     if (root.isEmpty() || !path.startsWith(root)) {
         return QString();
@@ -92,15 +154,15 @@ QString MibPathResolver::Resolve(const QString& path) const {
     // the disc again. Links, other spellings and deeper paths have their real place worked
     // out. A sub-folder missing in every spelling has nothing under it.
     const Listing& top = ListingOf(root);
-    const auto sub = top.links.constFind(parts[0]);
-    if (sub == top.links.cend() && !top.folded.contains(parts[0].toCaseFolded())) {
+    const auto sub = top.entries.constFind(parts[0]);
+    if (sub == top.entries.cend() && !top.Folded().contains(parts[0].toCaseFolded())) {
         return path;
     }
-    if (parts.size() == 2 && sub != top.links.cend() && !sub.value()) {
+    if (parts.size() == 2 && sub != top.entries.cend() && sub.value() != Listing::Link) {
         const QString& area = AreaOf(root + parts[0]);
         const Listing& files = ListingOf(root + parts[0] + QLatin1Char('/'));
-        const auto file = files.links.constFind(parts[1]);
-        if (!area.isEmpty() && file != files.links.cend() && !file.value()) {
+        const auto file = files.entries.constFind(parts[1]);
+        if (!area.isEmpty() && file != files.entries.cend() && file.value() != Listing::Link) {
             return path;
         }
     }
@@ -109,7 +171,7 @@ QString MibPathResolver::Resolve(const QString& path) const {
     if (canonical.isEmpty()) {
         actual = root;
         for (qsizetype i = 0; i < parts.size(); ++i) {
-            const QString found = ListingOf(actual).folded.value(parts[i].toCaseFolded());
+            const QString found = ListingOf(actual).Folded().value(parts[i].toCaseFolded());
             if (found.isEmpty()) {
                 return path;
             }

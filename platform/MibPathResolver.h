@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 
 // Finds the files a delivery names under its folder as they lie on the disc, and keeps them
@@ -25,11 +26,26 @@ public:
     // path leads outside, or does not lie under the root at all.
     QString Resolve(const QString& path) const;
 
-    // A folder's entries: each name as written with whether it is a symbolic link, and the
-    // names by case-folded form; of names that fold alike, the first in code order.
+    // Whether path names a regular file, links followed, as MibIsFileExist answers. A path
+    // straight in a sub-folder of the root that is no link is answered from the listings:
+    // found as written and a regular file, or not; a sub-folder missing in every spelling
+    // holds nothing. Links, folders that cannot be read and anything else are asked of the
+    // disc. Meant for paths as Resolve gives them, whose spelling is already the disc's;
+    // like every answer here it holds until the root is set again or Clear is called.
+    bool IsFile(const QString& path) const;
+
+    // A folder's entries: each name as written with its kind (a regular file that is no
+    // link, a symbolic link, anything else), and on first need the names by case-folded
+    // form; of names that fold alike, the first in code order.
     struct Listing {
-        QHash<QString, bool> links;
-        QHash<QString, QString> folded;
+        enum Kind : unsigned char { Other, File, Link };
+        QHash<QString, Kind> entries;
+        bool read = false;  // whether the folder could be opened at all
+        const QHash<QString, QString>& Folded() const;
+
+    private:
+        mutable QHash<QString, QString> folded;
+        mutable bool foldedMade = false;
     };
     static Listing List(const QString& folder);
 

@@ -47,7 +47,8 @@ class ToviCombineTest : public QObject {
         const QString root = Path(QStringLiteral("disc%1/INDEX_C/PHOTO").arg(n));
         for (const QString& sub : {QStringLiteral("PIC"), QStringLiteral("DRA")}) {
             QDir().mkpath(root + QLatin1Char('/') + sub);
-            const QStringList names = QDir(full + QLatin1Char('/') + sub).entryList(QDir::Files, QDir::Name);
+            const QStringList names =
+                QDir(full + QLatin1Char('/') + sub).entryList(QDir::Files, QDir::Name);
             for (int i = 0; i < names.size(); ++i) {
                 if (i % discs == n) {
                     QFile::copy(full + QLatin1Char('/') + sub + QLatin1Char('/') + names[i],
@@ -212,6 +213,92 @@ private slots:
         QCOMPARE(ui.Questions().last().text, Texts::CopyFailed());
         QVERIFY(!QFileInfo::exists(factory.CombineFolder()));
         QCOMPARE(document->RootPath(), root);
+    }
+
+    // What the combine takes for a file of a delivery opened in place: a regular file, also
+    // through a link or spelled in another case; not a folder of that name, a link that
+    // leads nowhere or nothing. A photograph still missing brings up the dialog with the
+    // names to bring.
+    void entryKinds_data() {
+        QTest::addColumn<bool>("drawing");
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<bool>("found");
+        for (const bool drawing : {false, true}) {
+            const char* what = drawing ? "drawing" : "photo";
+            QTest::addRow("%s file", what) << drawing << QStringLiteral("file") << true;
+            QTest::addRow("%s link", what) << drawing << QStringLiteral("link") << true;
+            QTest::addRow("%s other case", what) << drawing << QStringLiteral("case") << true;
+            QTest::addRow("%s folder", what) << drawing << QStringLiteral("folder") << false;
+            QTest::addRow("%s dangling link", what)
+                << drawing << QStringLiteral("dangling") << false;
+            QTest::addRow("%s removed", what) << drawing << QStringLiteral("removed") << false;
+            QTest::addRow("%s folder gone", what) << drawing << QStringLiteral("gone") << false;
+        }
+    }
+    void entryKinds() {
+        QFETCH(bool, drawing);
+        QFETCH(QString, kind);
+        QFETCH(bool, found);
+        Mounts({});
+        const QString root = Disc(0, 1);
+        Open(root);
+        // The last photograph with exactly one drawing, or the last photograph.
+        int index = document->GetTotalCountPhoto() - 1;
+        if (drawing) {
+            while (index >= 0 &&
+                   document->GetPhotoActualPhotoArray(index)->GetPictureCount() != 1) {
+                --index;
+            }
+            QVERIFY(index >= 0);
+        }
+        ToviPhoto* photo = document->GetPhotoActualPhotoArray(index);
+        QStringList paths;
+        photo->GetPicturePath(paths, 0);
+        const QString path = drawing ? paths.value(0) : photo->GetImagePath();
+        QVERIFY(MibIsFileExist(path));
+        const QFileInfo info(path);
+        const QString name = info.fileName();
+        const QString other = info.absolutePath() + QStringLiteral("/other.bin");
+        QVERIFY(QFile::rename(path, other));
+        if (kind == QStringLiteral("file")) {
+            QVERIFY(QFile::rename(other, path));
+        } else if (kind == QStringLiteral("link")) {
+            QVERIFY(QFile::link(QStringLiteral("other.bin"), path));
+        } else if (kind == QStringLiteral("case")) {
+            const QString spelled = name.toLower() != name ? name.toLower() : name.toUpper();
+            QVERIFY(QFile::rename(other, info.absolutePath() + QLatin1Char('/') + spelled));
+        } else if (kind == QStringLiteral("folder")) {
+            QVERIFY(QDir().mkdir(path));
+        } else if (kind == QStringLiteral("dangling")) {
+            QVERIFY(QFile::link(QStringLiteral("gone.bin"), path));
+        } else if (kind == QStringLiteral("gone")) {
+            QVERIFY(QDir(info.absolutePath()).removeRecursively());
+        }
+
+        Open(root);
+        ui.QueueDialog(false);
+        ToviEnouDataFactory factory;
+        QVERIFY(factory.StartCombineProc(root, document.get(), true));
+        QCOMPARE(document->GetPhotoActualPhotoArray(index)->IsExistFile(), found);
+        // Without the folder every photograph with a file in it is missing.
+        const bool gone = kind == QStringLiteral("gone");
+        for (int i = 0; i < document->GetTotalCountPhoto(); ++i) {
+            ToviPhoto* other = document->GetPhotoActualPhotoArray(i);
+            const bool inFolder = !drawing || other->GetPictureCount() > 0;
+            QCOMPARE(other->IsExistFile(), i == index ? found : !(gone && inFolder));
+        }
+        if (gone) {
+            QCOMPARE(ui.DialogNames(), QStringList{Texts::DialogName()});
+            QVERIFY(
+                ui.DialogInputs()[0].value(Texts::MissingField()).toStringList().contains(name));
+        } else if (found) {
+            QVERIFY(ui.DialogNames().isEmpty());
+            QCOMPARE(ui.Statuses(), QStringList{Texts::Complete().replace(u'\n', u' ')});
+        } else {
+            QCOMPARE(ui.DialogNames(), QStringList{Texts::DialogName()});
+            QCOMPARE(ui.DialogInputs()[0].value(Texts::MissingField()).toStringList(),
+                     QStringList{name});
+        }
     }
 };
 
