@@ -7,8 +7,9 @@
 //                             picture: the first page's thumbnails, then its whole 1600 x 1200
 //                             pictures, then the PNG (an upper bound of start to thumbnails)
 //   BM_ProcessStartAndExit    tovi-viewer --version: what starting a process costs
-//   BM_OpenToFirstPage        in the process: a new main window opening the delivery until the
-//                             first page's thumbnails are on screen and painted
+//   BM_OpenToFirstPage/3, /5  in the process: a new main window opening the delivery until the
+//                             first page's thumbnails are on screen and painted, kept in four-
+//                             photograph mode (3) or the thumbnail list (5)
 //   BM_PageChangeSix          the next page in six-photo mode until its thumbnails are on
 //                             screen and painted
 //   BM_SelectRootSorted       a click on the tree's root, with sorting by 撮影年月日 on,
@@ -201,6 +202,13 @@ void BM_ProcessStartAndExit(benchmark::State& state) {
 void BM_OpenToFirstPage(benchmark::State& state) {
     const QString folder = Delivery();
     for (auto _ : state) {
+        // The display mode kept from the last run decides what the first page is: four
+        // photographs (3) or the thumbnail list (5), the settings' default.
+        state.PauseTiming();
+        ToviProfile::Instance().WriteProfileInt(ToviPhotoCtrlVisualSetting::VisualSettingSection_,
+                                                ToviPhotoCtrlVisualSetting::DivideTypeEntry_,
+                                                static_cast<int>(state.range(0)) + 100);
+        state.ResumeTiming();
         ToviMainWindow opened;
         opened.resize(1366, 768);
         opened.show();
@@ -433,7 +441,11 @@ void BM_PeakAfterThumbListEnd(benchmark::State& state) {
 
 BENCHMARK(BM_ProcessStartToPicture)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_ProcessStartAndExit)->Unit(benchmark::kMillisecond)->Iterations(5);
-BENCHMARK(BM_OpenToFirstPage)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_OpenToFirstPage)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->Arg(ToviPhotoCtrlVisualSetting::Divide4)
+    ->Arg(ToviPhotoCtrlVisualSetting::DivideThumbList);
 BENCHMARK(BM_PageChangeSix)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SelectRootSorted)->Unit(benchmark::kMillisecond)->Iterations(10);
 BENCHMARK(BM_PeakAfter500Pages)->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -50,6 +50,8 @@ void ToviMpiPanel::ConnectListCtrl() {
     connect(listCtrl, &ToviPhotoListCtrl::ItemSelected, this, &ToviMpiPanel::OnLvnItemchangedList);
     connect(listCtrl, &ToviPhotoListCtrl::ItemDoubleClicked, this, &ToviMpiPanel::OnDClicked);
     connect(listCtrl, &ToviPhotoListCtrl::ItemRightClicked, this, &ToviMpiPanel::OnRClicked);
+    // The list's screen filled tells PageShown, as the cells' pictures do in the paged modes.
+    connect(listCtrl, &ToviPhotoListCtrl::RowsChanged, this, &ToviMpiPanel::OnPictureShown);
     listCtrl->show();
 }
 

@@ -198,6 +198,7 @@ ToviPhotoListCtrl::ToviPhotoListCtrl(Mode mode, ToviData* data,
         mngModel->SetVisibleTest([this](int row) { return IsRowVisible(row); });
         view = tableView;
     }
+    connect(view->model(), &QAbstractItemModel::dataChanged, this, &ToviPhotoListCtrl::RowsChanged);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
     view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view->setContextMenuPolicy(Qt::CustomContextMenu);

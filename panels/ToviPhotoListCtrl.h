@@ -88,6 +88,9 @@ signals:
     void ItemSelected(int row);
     void ItemDoubleClicked(int row);
     void ItemRightClicked(int row);
+    // Rows' data changed (a tile's picture or a row's file facts came in): whoever waits for
+    // the screen to be filled asks IsViewFilled again.
+    void RowsChanged();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
