@@ -1,11 +1,12 @@
 #include "dialogs/ToviPropertyDlg.h"
 
 #include "dialogs/ToviSvgView.h"
+#include "document/ToviItemDef.h"
 #include "document/ToviPhoto.h"
 #include "document/ToviTextPairArray.h"
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
-#include "document/ToviItemDef.h"
+#include "panels/ToviCaptionPane.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviSpiListCtrl.h"
 #include "platform/MibFile.h"
@@ -33,16 +34,6 @@ const QString ToviPropertyDlg::NoPreviewText_ = QStringLiteral(
 namespace {
 
 constexpr int kListColumnWidth = 170;
-
-QWidget* Pane(const QString& caption, const QString& name, QWidget* parent) {
-    auto* pane = new QWidget(parent);
-    pane->setObjectName(name);
-    auto* layout = new QVBoxLayout(pane);
-    layout->setContentsMargins(1, 0, 1, 0);
-    layout->setSpacing(1);
-    layout->addWidget(new QLabel(caption, pane));
-    return pane;
-}
 
 QPushButton* Button(const QString& text, const QString& name, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
@@ -78,8 +69,8 @@ ToviPropertyDlg::ToviPropertyDlg(ToviHostDocument* document, QWidget* parent)
       positionText(ReadOnlyText(QStringLiteral("position"), this)),
       fileNameText(ReadOnlyText(QStringLiteral("fileName"), this)),
       splitter(new QSplitter(Qt::Vertical, this)),
-      topPane(Pane(PhotoInfoCaption_, QStringLiteral("topPane"), splitter)),
-      bottomPane(Pane(ControlValueCaption_, QStringLiteral("bottomPane"), splitter)),
+      topPane(ToviCaptionPane(PhotoInfoCaption_, QStringLiteral("topPane"), splitter)),
+      bottomPane(ToviCaptionPane(ControlValueCaption_, QStringLiteral("bottomPane"), splitter)),
       controlTable(new ToviControlValueTable(bottomPane)),
       controlText(new QPlainTextEdit(bottomPane)) {
     setObjectName(QStringLiteral("propertyDlg"));

@@ -6,6 +6,7 @@
 #include "document/ToviTextPairArray.h"
 #include "imagefacts/ToviControlValueParser.h"
 #include "imagefacts/ToviControlValues.h"
+#include "panels/ToviCaptionPane.h"
 #include "panels/ToviCommentWindow.h"
 #include "panels/ToviControlValueTable.h"
 #include "panels/ToviImageLoader.h"
@@ -29,16 +30,6 @@ namespace {
 const QString kControlValueTitle = QStringLiteral("施工管理値");
 const QString kCommentDialog = QStringLiteral("ToviInputCommentDlg");
 
-QWidget* Pane(const QString& caption, const QString& name, QWidget* parent) {
-    auto* pane = new QWidget(parent);
-    pane->setObjectName(name);
-    auto* layout = new QVBoxLayout(pane);
-    layout->setContentsMargins(1, 0, 1, 0);
-    layout->setSpacing(1);
-    layout->addWidget(new QLabel(caption, pane));
-    return pane;
-}
-
 bool IsPanelKey(int key) {
     return key == Qt::Key_PageUp || key == Qt::Key_PageDown || key == Qt::Key_Left ||
            key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
@@ -57,8 +48,8 @@ ToviSpiCtrl::ToviSpiCtrl(ToviData* data, const ToviPhotoCtrlVisualSetting* setti
       failPlate(new QLabel(QStringLiteral("表示できません"), this)),
       namePlate(new ToviNamePlate(this)),
       splitter(new QSplitter(Qt::Vertical, this)),
-      topPane(Pane(QStringLiteral(" 写真情報"), QStringLiteral("topPane"), splitter)),
-      bottomPane(Pane(QStringLiteral(" 施工管理値"), QStringLiteral("bottomPane"), splitter)),
+      topPane(ToviCaptionPane(QStringLiteral(" 写真情報"), QStringLiteral("topPane"), splitter)),
+      bottomPane(ToviCaptionPane(QStringLiteral(" 施工管理値"), QStringLiteral("bottomPane"), splitter)),
       infoList(new ToviSpiListCtrl(topPane)),
       valueTable(new ToviControlValueTable(bottomPane)),
       valueEdit(new QPlainTextEdit(bottomPane)) {
