@@ -37,22 +37,18 @@ void ToviExifPage::SetPhoto(ToviPhoto* photo) {
     if (!photo) {
         return;
     }
-    const bool hasExif = photo->CheckExif();
-    if (hasExif) {
-        photo->LoadExif();
-    }
-    const ToviExifInfo& exif = photo->GetExif();
-    if (!hasExif) {
-        auto* none = new QTreeWidgetItem(this, {NoExifText_});
-        none->setFirstColumnSpanned(true);
-        none->setFlags(Qt::ItemIsEnabled);
-    } else {
+    if (photo->CheckExif()) {
+        const ToviExifInfo& exif = photo->GetExif();  // read once, on first asking
         for (const ToviExifGroup& group : kToviExifGroups) {
             QTreeWidgetItem* top = AddGroup(QString::fromUtf8(group.heading));
             for (const ToviTextPair& pair : (exif.*group.pairs)()) {
                 new QTreeWidgetItem(top, {pair.GetItem(), pair.GetValue()});
             }
         }
+    } else {
+        auto* none = new QTreeWidgetItem(this, {NoExifText_});
+        none->setFirstColumnSpanned(true);
+        none->setFlags(Qt::ItemIsEnabled);
     }
     QTreeWidgetItem* file = AddGroup(FileHeading_);
     for (const char* title : kToviFileFactTitles) {
