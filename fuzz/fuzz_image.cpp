@@ -22,11 +22,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     image.LoadThumb(path);
     image.LoadForDisplay(path, 2560);
     LumImageSource source;
+    // As the image window asks: a JPEG at its coarsest reduction and in parts, any other
+    // format whole.
     if (source.Open(path)) {
         const QSize seen = source.Size();
-        source.Decode(LumImageSource::kMaxLevel);
-        source.Decode(0, QRect(seen.width() / 3, seen.height() / 3, 64, 48));
-        source.Decode(1, QRect(0, 0, seen.width(), 16));
+        if (source.IsJpeg()) {
+            source.Decode(LumImageSource::kMaxLevel);
+            source.Decode(0, QRect(seen.width() / 3, seen.height() / 3, 64, 48));
+            source.Decode(1, QRect(0, 0, seen.width(), 16));
+        } else {
+            source.Decode(0);
+        }
     }
     QFile::remove(path);
     return 0;

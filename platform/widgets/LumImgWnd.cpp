@@ -110,9 +110,12 @@ void LumImgWnd::OpenFile(const QString& file) {
         if (source.Open(file)) {
             const QSize size = source.Size();
             const int longSide = std::max(size.width(), size.height());
-            // The coarsest reduction that still covers the side, or the finest that fits.
+            // The coarsest reduction that still covers the side, or the finest that fits. Only
+            // a JPEG is reduced by its decoder: any other format is decoded whole anyway, so it
+            // is kept whole, and no finer part is ever asked of it.
             level = 0;
-            while (level < LumImageSource::kMaxLevel && (longSide >> (level + 1)) >= side) {
+            while (source.IsJpeg() && level < LumImageSource::kMaxLevel &&
+                   (longSide >> (level + 1)) >= side) {
                 ++level;
             }
             while (level < LumImageSource::kMaxLevel && !source.FitsWhole(level)) {
@@ -389,9 +392,9 @@ void LumImgWnd::paintEvent(QPaintEvent*) {
     }
     if (fitted && detail.isNull()) {
         if (fittedImage.size() != target.size()) {
-            fittedImage = image.scaled(target.size(), Qt::IgnoreAspectRatio,
-                                       drawFast ? Qt::FastTransformation
-                                                : Qt::SmoothTransformation);
+            fittedImage =
+                image.scaled(target.size(), Qt::IgnoreAspectRatio,
+                             drawFast ? Qt::FastTransformation : Qt::SmoothTransformation);
         }
         painter.drawImage(target.topLeft(), fittedImage);
         return;

@@ -194,6 +194,25 @@ private slots:
         QTest::keyClick(&view, Qt::Key_0, Qt::ControlModifier);
         QVERIFY(view.IsFitted());
     }
+    // A picture in another format than JPEG is decoded whole once, as its reader cannot do
+    // less, and no part of it is decoded again for a zoom (a wide BMP found by the fuzzer
+    // cost seconds a decode when it was reduced and cut on every request).
+    void otherFormatsWhole() {
+        const QString path = temp.filePath(u"wide.png"_s);
+        QVERIFY(Stripes(QSize(3000, 400)).save(path, "PNG"));
+        LumImgWnd view;
+        view.SetZoomable(true);
+        view.resize(800, 600);
+        view.show();
+        QSignalSpy loaded(&view, &LumImgWnd::Loaded);
+        view.OpenFile(path);
+        QVERIFY(loaded.wait(10000));
+        QCOMPARE(view.Image().size(), QSize(3000, 400));
+        view.ZoomToActual();
+        QTest::qWait(200);
+        QVERIFY(!view.IsDetailPending());
+        QCOMPARE(view.DetailLevel(), -1);
+    }
     // A file that cannot be shown blanks the window; a file gone while shown keeps the
     // picture already on screen, and zooming in on it shows that picture enlarged.
     void unreadableFiles() {
