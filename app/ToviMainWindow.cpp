@@ -227,6 +227,7 @@ void ToviMainWindow::StartSlideShow() {
     statusBar()->hide();
     showFullScreen();
     slideTimer.start();
+    UpdateToolActions();
     mpiPanel->setFocus();
 }
 
@@ -238,6 +239,7 @@ void ToviMainWindow::StopSlideShow() {
     SetSlideMode(false);
     slideTimer.stop();
     slideAction->setChecked(false);
+    UpdateToolActions();
     menuBar()->show();
     for (QToolBar* bar : findChildren<QToolBar*>()) {
         bar->show();

@@ -51,6 +51,15 @@ public:
     void ToggleLabel(int label);
     void SetDivideType(int type);
     void SetTreeType(int type);
+    // The batch correction of the labels of the photographs on show (付箋の一括訂正・削除).
+    bool BatchLabelCorrection();
+    // The tamper check over the photographs on show, its count in the status bar; false when
+    // it didn't run or was cancelled (the results so far stay).
+    bool RunEditCheck();
+    // Sorting off (an empty key) or by key, and the direction; the photographs on show are
+    // gathered again in the new order.
+    void SetSortChoice(const QString& key, bool ascending);
+    QString EditCheckText() const;
     void StartSlideShow();
     void StopSlideShow();
     bool IsSlideShow() const { return slideShow; }
@@ -81,6 +90,8 @@ private:
     void CreateActions();
     void CreateMenus();
     void CreateToolBar();
+    void CreateToolActions();
+    void UpdateToolActions();
     void UpdateActions();
     void UpdateTitle();
     void UpdateLabelActions();
@@ -110,6 +121,7 @@ private:
     QLabel* pageLabel;
     QLabel* placeLabel;
     QLabel* countLabel;
+    QLabel* checkLabel;
     PhotoXMLType family = PhotoXMLMlit;
     QStringList recent;
     QString recordPath;
@@ -141,6 +153,10 @@ private:
     QAction* zoomAction;
     QList<QAction*> labelActions;
     QAction* removeAllLabelsAction;
+    QAction* batchLabelAction;
+    QAction* editCheckAction;
+    QActionGroup* sortKeyGroup;
+    QActionGroup* sortDirectionGroup;
     QAction* aboutAction;
     QMenu* recentMenu;
 };

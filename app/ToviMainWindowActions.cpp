@@ -255,6 +255,8 @@ void ToviMainWindow::CreateActions() {
         UpdateLabelActions();
     });
 
+    CreateToolActions();
+
     aboutAction = new QAction(QStringLiteral("バージョン情報(&A)"), this);
     aboutAction->setMenuRole(QAction::AboutRole);
     connect(aboutAction, &QAction::triggered, this, [this] {
@@ -287,6 +289,10 @@ void ToviMainWindow::CreateMenus() {
     divides->addActions(divideGroup->actions());
     QMenu* trees = view->addMenu(QStringLiteral("ツリーの種類(&T)"));
     trees->addActions(treeGroup->actions());
+    QMenu* sort = view->addMenu(QStringLiteral("並べ替え(&O)"));
+    sort->addActions(sortKeyGroup->actions());
+    sort->addSeparator();
+    sort->addActions(sortDirectionGroup->actions());
     QAction* dockToggle = treeDock->toggleViewAction();
     dockToggle->setText(QStringLiteral("ツリーパネル(&P)"));
     dockToggle->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
@@ -313,7 +319,12 @@ void ToviMainWindow::CreateMenus() {
     labels->addActions(labelActions);
     labels->addSeparator();
     labels->addAction(removeAllLabelsAction);
+    labels->addSeparator();
+    labels->addAction(batchLabelAction);
     connect(labels, &QMenu::aboutToShow, this, &ToviMainWindow::UpdateLabelActions);
+
+    QMenu* tools = menuBar()->addMenu(QStringLiteral("ツール(&T)"));
+    tools->addAction(editCheckAction);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("ヘルプ(&H)"));
     help->addAction(aboutAction);
@@ -377,6 +388,7 @@ void ToviMainWindow::UpdateActions() {
     lastPageAction->setEnabled(open && page < total);
     prevPhotoAction->setEnabled(open && total > 0);
     nextPhotoAction->setEnabled(open && total > 0);
+    UpdateToolActions();
 }
 
 void ToviMainWindow::UpdateTitle() {

@@ -226,6 +226,12 @@ public:
     void CheckEditJPEG(ToviPhoto* photo);
     // Sets the result of every photograph back to 0 (not checked).
     void Initialize_CheckEditJPEG();
+    // The check over every photograph of the current array, in order, under a progress window
+    // that moves at least every kEditCheckUpdateMs and can be cancelled. counts[r] is how many
+    // photographs have the result r; a cancel keeps the results so far and counts them alone.
+    // Answers false when cancelled. Checks nothing while the check is off or no type is set.
+    static constexpr int kEditCheckUpdateMs = 100;
+    bool CheckEditJPEGCurrent(std::array<int, 4>& counts, QWidget* owner = nullptr);
     ToviImageCheckCommon* GetImageCheck() const { return imageCheck.get(); }
 
     // Broadcasts HintPhotoInfoChanged, skipping sender.

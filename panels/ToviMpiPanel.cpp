@@ -225,6 +225,19 @@ void ToviMpiPanel::UpdateNamePlate() {
     }
 }
 
+void ToviMpiPanel::ShowCheckResults() {
+    if (listCtrl) {
+        listCtrl->InvalidateAllItems();
+        return;
+    }
+    for (ToviSpiCtrl* cell : spiCtrls) {
+        const ToviPhoto* photo = data ? data->GetPhoto(cell->PhotoIndex()) : nullptr;
+        if (photo) {
+            cell->NamePlate()->SetCheckStatus(static_cast<int>(photo->GetEditChkResult()));
+        }
+    }
+}
+
 void ToviMpiPanel::resizeEvent(QResizeEvent*) {
     RecalcLayout();
 }

@@ -84,6 +84,9 @@ public:
     void InvalidateName();
     void InvalidateAllCtrls();
     void UpdateNamePlate();
+    // Shows on every cell's name plate, or list row, the tamper-check result the photograph
+    // holds now, without checking it again.
+    void ShowCheckResults();
     void OnSpiKeyDown(int key);
     bool Load();
     bool Save() const;

@@ -7,6 +7,7 @@
 #include "platform/ToviVerifierLibrary.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 #include "tests/imagefacts/ExifFixture.h"
+#include "tests/support/ScriptedUi.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -314,7 +315,61 @@ private slots:
         QVERIFY(Calls().isEmpty());
     }
 
+    // The check over the photographs on show: in their order, counted by result, and a cancel
+    // keeps what was checked before it.
+    void currentArray() {
+        UseProgramFolder(Lib::Missing, Lib::Full);
+        ToviData document(nullptr, temp.path(), PhotoXMLMlit);
+        const QList<QByteArray> markers{Markers(std::nullopt, 1), Markers(std::nullopt, 0),
+                                        Markers(std::nullopt, 1), Markers(std::nullopt, -303)};
+        for (int i = 0; i < markers.size(); ++i) {
+            document.GetPhotoDataArray()->append(std::make_unique<ToviPhoto>(
+                Jpeg(QStringLiteral("cur%1.jpg").arg(i), QStringLiteral("X"), markers[i])));
+        }
+        for (int index : {3, 1, 0}) {
+            document.CurrentArray().Add(index);
+        }
+        ScriptedUi ui;
+        ScopedUi scoped(ui);
+        std::array<int, 4> counts{};
+        // Off: nothing is asked, nothing counted, no window.
+        QVERIFY(document.CheckEditJPEGCurrent(counts));
+        QCOMPARE(counts, (std::array<int, 4>{0, 0, 0, 0}));
+        QVERIFY(ui.ProgressViews().isEmpty());
+
+        ToviPhotoCtrlVisualSetting setting = document.GetVisualSetting();
+        setting.SetDoEditCheck(true);
+        setting.SetEditCheckTypes(QStringLiteral("1"));
+        document.SetVisualSetting(setting, false);
+        CallLines();
+        QVERIFY(document.CheckEditJPEGCurrent(counts));
+        QCOMPARE(counts, (std::array<int, 4>{0, 1, 1, 1}));
+        QCOMPARE(Checked(document), QList<int>({1, 2, 0, 3}));  // photo 2 isn't on show
+        QCOMPARE(CallLines().size(), 3);
+        // The window moved after the first photograph and again after the last.
+        QCOMPARE(ui.LastProgress()->positions.first(), 0);
+        QVERIFY(ui.LastProgress()->positions.contains(1));
+        QCOMPARE(ui.LastProgress()->positions.last(), 3);
+        QCOMPARE(ui.LastProgress()->messages.last(), QStringLiteral("画像加工検知中　3 / 3"));
+        QCOMPARE(ui.LastProgress()->closeCount, 1);
+
+        // Cancelled at the first move: the first photograph on show keeps its result.
+        document.SetVisualSetting(document.GetVisualSetting(), true);
+        ui.PressCancelAtPump(ui.Pumps() + 2);
+        QVERIFY(!document.CheckEditJPEGCurrent(counts));
+        QCOMPARE(counts, (std::array<int, 4>{0, 0, 0, 1}));
+        QCOMPARE(Checked(document), QList<int>({0, 0, 0, 3}));
+        QCOMPARE(ui.LastProgress()->closeCount, 1);
+    }
+
 private:
+    static QList<int> Checked(ToviData& document) {
+        QList<int> list;
+        for (ToviPhoto* photo : *document.GetPhotoDataArray()) {
+            list.append(photo->GetEditChkResult());
+        }
+        return list;
+    }
     // A fresh program folder holding the chosen libraries; the verifiers are looked for there.
     void UseProgramFolder(Lib maker, Lib hash) {
         const QString folder = temp.filePath(QStringLiteral("program%1").arg(++folders));

@@ -1,0 +1,275 @@
+#include "app/ToviMainWindow.h"
+#include "app/ToviViewerDocument.h"
+#include "document/ToviData.h"
+#include "document/ToviPhoto.h"
+#include "extraction/ToviSortCondition.h"
+#include "panels/ToviFolderTreePanel.h"
+#include "panels/ToviMpiPanel.h"
+#include "panels/ToviNamePlate.h"
+#include "panels/ToviSpiCtrl.h"
+#include "platform/ToviProfile.h"
+#include "platform/ToviVerifierLibrary.h"
+#include "tests/support/DeliveryWriter.h"
+#include "tests/support/ScriptedUi.h"
+#include "tests/support/TreeItemPoint.h"
+#include "tests/support/WorkArea.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMenu>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <QtTest>
+
+namespace {
+
+// Every photograph's six labels and comment, in actual order.
+QStringList LabelState(ToviData* data) {
+    QStringList rows;
+    for (int i = 0; i < data->GetTotalCountPhoto(); ++i) {
+        const ToviPhoto* photo = data->GetPhotoActualPhotoArray(i);
+        QString row;
+        for (unsigned label = 0; label < 6; ++label) {
+            row += photo->IsLabelPasted(label) ? QLatin1Char('1') : QLatin1Char('0');
+        }
+        rows.append(row + QLatin1Char(' ') + photo->GetComment());
+    }
+    return rows;
+}
+
+// The same labels on the photographs of both documents: an NG with the free label, an OK, a
+// free label with a comment, and the rest bare.
+void SeedLabels(ToviData* data) {
+    data->GetPhotoActualPhotoArray(0)->PasteLabel(1);
+    data->GetPhotoActualPhotoArray(0)->PasteLabel(5);
+    data->GetPhotoActualPhotoArray(1)->PasteLabel(0);
+    data->GetPhotoActualPhotoArray(2)->PasteLabel(5);
+    data->GetPhotoActualPhotoArray(2)->PasteLabel(4);
+    data->GetPhotoActualPhotoArray(2)->SetComment(QStringLiteral("再撮影"));
+}
+
+QList<int> CurrentOrder(ToviData* data) {
+    QList<int> order;
+    for (int pos = 0; pos < data->GetCurrentPhotoCount(); ++pos) {
+        order.append(data->GetPhotoIndex(pos));
+    }
+    return order;
+}
+
+// Opens a menu of the bar by its accelerator and walks down it by the given accelerators, as
+// a user does with the keyboard.
+void KeyThroughMenus(QMainWindow* window, Qt::Key menu, const QList<Qt::Key>& keys) {
+    QTest::keyClick(window, menu, Qt::AltModifier);
+    for (Qt::Key key : keys) {
+        QWidget* popup = QApplication::activePopupWidget();
+        QVERIFY(popup);
+        QTest::keyClick(popup, key);
+    }
+}
+
+}  // namespace
+
+// The operations on every photograph on show, reached from the menus and their keys: the
+// batch correction of labels, the tamper check and the sort.
+class ToviMenuToolsTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir temp;
+    QString pictures;
+    ScriptedUi* ui = nullptr;
+    std::unique_ptr<ScopedUi> scoped;
+
+    QString Path(const QString& name) const { return temp.filePath(name); }
+
+    // A window on the delivery with all its photographs on show, four to a page.
+    void OpenAll(ToviMainWindow& window) {
+        window.resize(1366, 768);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(window.OpenDelivery(pictures, PhotoXMLMlit));
+        window.SetDivideType(ToviPhotoCtrlVisualSetting::Divide4);
+        QTreeWidget* tree = window.FolderTree()->GetTreeCtrl();
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+                          TreeItemPoint(tree, tree->topLevelItem(0)));
+        QCOMPARE(window.Document()->Data()->GetCurrentPhotoCount(), 12);
+    }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        UseWorkFolder(temp.path());
+        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+        DeliveryOptions options;
+        options.photoCount = 12;
+        options.images = DeliveryOptions::Images::Tiny;
+        WrittenDelivery written;
+        QString error;
+        QVERIFY2(WriteDelivery(Path(QStringLiteral("d")), options, &written, &error),
+                 qPrintable(error));
+        pictures = written.photoFolder;
+        // The hash verifier's stand-in, in a program folder of the test's own.
+        const QString program = Path(QStringLiteral("program"));
+        QDir().mkpath(program);
+        const QString name = ToviVerifierLibrary::FileName(QStringLiteral("JACICCHS"));
+        QVERIFY(QFile::copy(QStringLiteral(TOVI_STANDIN_DIR "/full/") + name,
+                            program + QLatin1Char('/') + name));
+        ToviVerifierLibrary::SetProgramPathOverride(program);
+    }
+
+    void init() {
+        ui = new ScriptedUi;
+        scoped = std::make_unique<ScopedUi>(*ui);
+    }
+
+    void cleanup() {
+        scoped.reset();
+        delete ui;
+        ui = nullptr;
+    }
+
+    void cleanupTestCase() {
+        ToviVerifierLibrary::SetProgramPathOverride(QString());
+        ToviProfile::Instance().UseFile(QString());
+        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+    }
+
+    // Ctrl+Shift+B gives the labels the model's own call gives on the same photographs, and a
+    // cancel in the dialog or the question changes nothing.
+    void batchCorrection_data() {
+        QTest::addColumn<int>("action");
+        QTest::addColumn<bool>("dialogOk");
+        QTest::addColumn<bool>("confirmed");
+        QTest::newRow("OK labels") << 0 << true << true;
+        QTest::newRow("remove OK and NG") << 1 << true << true;
+        QTest::newRow("remove all") << 2 << true << true;
+        QTest::newRow("dialog cancelled") << 2 << false << true;
+        QTest::newRow("question cancelled") << 2 << true << false;
+    }
+
+    void batchCorrection() {
+        QFETCH(int, action);
+        QFETCH(bool, dialogOk);
+        QFETCH(bool, confirmed);
+        const auto script = [&](ScriptedUi& scripted) {
+            scripted.QueueDialog(dialogOk, {{QStringLiteral("action"), action}});
+            scripted.QueueAnswer(confirmed ? ToviUi::AnswerOk : ToviUi::AnswerCancel);
+        };
+
+        ToviViewerDocument reference;
+        QCOMPARE(reference.Open(pictures, PhotoXMLMlit, nullptr), ToviViewerDocument::Opened);
+        ToviData* model = reference.Data();
+        SeedLabels(model);
+        model->SetSelected(model, true);
+        const QStringList before = LabelState(model);
+        {
+            ScriptedUi modelUi;
+            ScopedUi modelScope(modelUi);
+            script(modelUi);
+            model->AllLabelCorrection();
+        }
+
+        ToviMainWindow window;
+        OpenAll(window);
+        ToviData* data = window.Document()->Data();
+        SeedLabels(data);
+        QCOMPARE(LabelState(data), before);
+        script(*ui);
+        QTest::keyClick(&window, Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(ui->DialogNames().size(), 1);
+        QCOMPARE(LabelState(data), LabelState(model));
+        QCOMPARE(data->IsCheckStatusChanged(), dialogOk && confirmed);
+        if (dialogOk && confirmed) {
+            QVERIFY(LabelState(data) != before);
+        }
+        data->SetCheckStatusChanged(false);
+    }
+
+    // Ctrl+Shift+C checks every photograph on show, shows each result on its name plate and
+    // counts them in the status bar; a cancel keeps what was checked; with the check off the
+    // user is told how to turn it on.
+    void editCheck() {
+        ToviMainWindow window;
+        OpenAll(window);
+        ToviData* data = window.Document()->Data();
+        auto* status = window.findChild<QLabel*>(QStringLiteral("checkLabel"));
+        QVERIFY(status);
+
+        QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(ui->Questions().last().text.startsWith(
+            QStringLiteral("画像加工検知が設定されていません")));
+        QVERIFY(status->text().isEmpty());
+
+        ToviPhotoCtrlVisualSetting setting = data->GetVisualSetting();
+        setting.SetDoEditCheck(true);
+        setting.SetEditCheckTypes(QStringLiteral("1"));
+        data->SetVisualSetting(setting, false);
+        window.Document()->UpdateAllViews(nullptr, ToviData::HintSettingsChanged, nullptr);
+        // The first two cells' files get verdicts only now, so that what the plates show
+        // comes from the run below, not from the cells' own look when they were filled.
+        const auto& cells = window.MpiPanel()->Cells();
+        QVERIFY(cells.size() >= 2);
+        const QByteArray markers[] = {"@JCOMSIA=1@", "@JCOMSIA=0@"};
+        for (int i = 0; i < 2; ++i) {
+            QCOMPARE(cells[i]->NamePlate()->CheckStatus(), 0);
+            QFile file(data->GetPhoto(cells[i]->PhotoIndex())->GetImagePath());
+            QVERIFY(file.open(QIODevice::Append));
+            file.write(markers[i]);
+        }
+
+        QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(status->text(),
+                 QStringLiteral("画像加工検知: 加工なし 1 枚 / 加工あり 1 枚 / 判定不能 10 枚"));
+        QCOMPARE(cells[0]->NamePlate()->CheckStatus(), 1);
+        QCOMPARE(cells[1]->NamePlate()->CheckStatus(), 2);
+        QCOMPARE(ui->LastProgress()->messages.last(), QStringLiteral("画像加工検知中　12 / 12"));
+
+        // Cancelled at the window's first move: one photograph checked, and said so.
+        data->SetVisualSetting(data->GetVisualSetting(), true);
+        ui->PressCancelAtPump(ui->Pumps() + 2);
+        QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(
+            status->text(),
+            QStringLiteral("画像加工検知（中断）: 加工なし 1 枚 / 加工あり 0 枚 / 判定不能 0 枚"));
+        int checked = 0;
+        for (int i = 0; i < data->GetTotalCountPhoto(); ++i) {
+            checked += data->GetPhotoActualPhotoArray(i)->GetEditChkResult() != 0;
+        }
+        QCOMPARE(checked, 1);
+        window.Document()->Close(&window);
+        QVERIFY(status->text().isEmpty());
+    }
+
+    // The sort from the View menu by keyboard: by serial number, descending, and off again,
+    // which brings back the tree's order.
+    void sortFromMenu() {
+        ToviMainWindow window;
+        OpenAll(window);
+        ToviData* data = window.Document()->Data();
+        const QList<int> treeOrder = CurrentOrder(data);
+        const int serial = data->GetItemDef()->GetIndexFromTitle(QStringLiteral("シリアル番号"));
+        QVERIFY(serial >= 0);
+
+        KeyThroughMenus(&window, Qt::Key_V, {Qt::Key_O, Qt::Key_S});
+        QVERIFY(data->GetSortCondition().IsExecSort());
+        QCOMPARE(data->GetSortCondition().GetKeyItem(), QStringLiteral("シリアル番号"));
+        KeyThroughMenus(&window, Qt::Key_V, {Qt::Key_O, Qt::Key_E});
+        QVERIFY(!data->GetSortCondition().IsAscending());
+        const QList<int> sorted = CurrentOrder(data);
+        QCOMPARE(sorted.size(), treeOrder.size());
+        for (int pos = 1; pos < sorted.size(); ++pos) {
+            QVERIFY(data->GetPhoto(pos - 1)->GetTitle(serial).toInt() >=
+                    data->GetPhoto(pos)->GetTitle(serial).toInt());
+        }
+        QVERIFY(sorted != treeOrder);
+
+        KeyThroughMenus(&window, Qt::Key_V, {Qt::Key_O, Qt::Key_N});
+        QVERIFY(!data->GetSortCondition().IsExecSort());
+        QVERIFY(data->GetSortCondition().IsAscending());
+        QCOMPARE(CurrentOrder(data), treeOrder);
+    }
+};
+
+QTEST_MAIN(ToviMenuToolsTest)
+#include "ToviMenuToolsTest.moc"
