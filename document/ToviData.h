@@ -230,7 +230,7 @@ public:
     // that moves at least every kEditCheckUpdateMs and can be cancelled. counts[r] is how many
     // photographs have the result r; a cancel keeps the results so far and counts them alone.
     // Answers false when cancelled. Checks nothing while the check is off or no type is set.
-    static constexpr int kEditCheckUpdateMs = 100;
+    static constexpr int kEditCheckUpdateMs = 50;
     bool CheckEditJPEGCurrent(std::array<int, 4>& counts, QWidget* owner = nullptr);
     ToviImageCheckCommon* GetImageCheck() const { return imageCheck.get(); }
 
