@@ -43,6 +43,10 @@ public:
     // The record commands; each tells its outcome in one message.
     bool SaveRecord();
     bool LoadRecord(const QString& path = QString());
+    // The record with each photograph's file named too; the unsaved-work flag stays.
+    bool SaveRecordWithPaths();
+    // The page of the delivery's index file, in a window of its own.
+    bool ShowIndexPage();
     // Asks whether unsaved labels and comments are to be saved: false when the user
     // cancelled, or chose to save and the save did not happen.
     bool ConfirmDiscard();
@@ -133,6 +137,8 @@ private:
     QAction* closeAction;
     QAction* saveRecordAction;
     QAction* loadRecordAction;
+    QAction* recordWithPathsAction;
+    QAction* indexPageAction;
     QAction* reportAction;
     QAction* exportAction;
     QAction* quitAction;

@@ -74,6 +74,13 @@ void ToviMainWindow::CreateActions() {
     loadRecordAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
     connect(loadRecordAction, &QAction::triggered, this, [this] { LoadRecord(); });
 
+    recordWithPathsAction =
+        new QAction(QStringLiteral("写真パス付きで検査状況を保存(&W)..."), this);
+    connect(recordWithPathsAction, &QAction::triggered, this, &ToviMainWindow::SaveRecordWithPaths);
+    indexPageAction = new QAction(QStringLiteral("工事管理ファイルを表示(&I)..."), this);
+    indexPageAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    connect(indexPageAction, &QAction::triggered, this, &ToviMainWindow::ShowIndexPage);
+
     reportAction = new QAction(QStringLiteral("検査状況表の出力(&E)..."), this);
     reportAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
     connect(reportAction, &QAction::triggered, this, &ToviMainWindow::OnCheckReport);
@@ -278,9 +285,11 @@ void ToviMainWindow::CreateMenus() {
     file->addSeparator();
     file->addAction(saveRecordAction);
     file->addAction(loadRecordAction);
+    file->addAction(recordWithPathsAction);
     file->addSeparator();
     file->addAction(reportAction);
     file->addAction(exportAction);
+    file->addAction(indexPageAction);
     file->addSeparator();
     file->addAction(quitAction);
 
@@ -364,8 +373,9 @@ void ToviMainWindow::CreateToolBar() {
 
 void ToviMainWindow::UpdateActions() {
     const bool open = document->IsOpen();
-    for (QAction* a : {closeAction, saveRecordAction, loadRecordAction, reportAction, exportAction,
-                       slideAction, confirmAction, detailAction, zoomAction}) {
+    for (QAction* a :
+         {closeAction, saveRecordAction, loadRecordAction, recordWithPathsAction, reportAction,
+          exportAction, indexPageAction, slideAction, confirmAction, detailAction, zoomAction}) {
         a->setEnabled(open);
     }
     familyGroup->actions().value(family)->setChecked(true);

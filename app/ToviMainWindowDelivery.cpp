@@ -1,8 +1,9 @@
 // Opening and closing a delivery, and the commands on the open one: the inspection record,
-// the check report and the export of the photographs.
+// the check report, the export of the photographs and the index file's page.
 
 #include "app/ToviMainWindow.h"
 
+#include "dialogs/ToviIndexPageDlg.h"
 #include "document/ToviData.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviSlideMode.h"
@@ -133,6 +134,49 @@ bool ToviMainWindow::SaveRecord() {
     recordPath = path;
     statusBar()->showMessage(
         QStringLiteral("検査状況を保存しました: %1").arg(QDir::toNativeSeparators(path)), 5000);
+    return true;
+}
+
+bool ToviMainWindow::SaveRecordWithPaths() {
+    ToviData* data = document->Data();
+    if (!data) {
+        return false;
+    }
+    const QString proposed = QDir(QFileInfo(document->Folder()).absolutePath())
+                                 .filePath(QStringLiteral("検査状況_写真パス付き.xml"));
+    const QString path = ToviUi::Instance().GetSaveFileName(
+        this, QStringLiteral("写真パス付き検査状況の保存"), proposed, RecordFilter());
+    if (path.isEmpty()) {
+        return false;
+    }
+    // Unlike the record itself, this copy leaves the question of unsaved work as it was.
+    int result = -1;
+    if (!data->ReturnExam(path, &result)) {
+        ToviUi::Instance().MessageBox(
+            this, ToviExamResultText(result) + QStringLiteral("。"), QString(), ToviUi::ButtonsOk,
+            result == ExamCancelled ? ToviUi::IconInformation : ToviUi::IconWarning);
+        return false;
+    }
+    statusBar()->showMessage(QStringLiteral("写真パス付きの検査状況を保存しました: %1")
+                                 .arg(QDir::toNativeSeparators(path)),
+                             5000);
+    return true;
+}
+
+bool ToviMainWindow::ShowIndexPage() {
+    ToviData* data = document->Data();
+    if (!data) {
+        return false;
+    }
+    auto* dialog = new ToviIndexPageDlg(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    if (!dialog->SetData(data)) {
+        delete dialog;
+        return false;
+    }
+    // Closed with the delivery it shows.
+    connect(document, &ToviViewerDocument::DeliveryClosed, dialog, &QDialog::reject);
+    dialog->show();
     return true;
 }
 

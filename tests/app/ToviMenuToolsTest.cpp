@@ -1,5 +1,6 @@
 #include "app/ToviMainWindow.h"
 #include "app/ToviViewerDocument.h"
+#include "dialogs/ToviIndexPageDlg.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "extraction/ToviSortCondition.h"
@@ -19,6 +20,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
+#include <QTextBrowser>
 #include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QtTest>
@@ -239,6 +241,59 @@ private slots:
         QCOMPARE(checked, 1);
         window.Document()->Close(&window);
         QVERIFY(status->text().isEmpty());
+    }
+
+    // Ctrl+I shows the page the index file's stylesheet makes; a delivery without an index file
+    // gets one message and no window.
+    void indexPage() {
+        ToviMainWindow window;
+        OpenAll(window);
+        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+        auto* dialog = window.findChild<ToviIndexPageDlg*>();
+        QVERIFY(dialog && dialog->isVisible());
+        QVERIFY(dialog->Browser()->toPlainText().contains(
+            QStringLiteral("緑ヶ丘県緑ヶ丘市本町一丁目")));
+        // It goes with its delivery.
+        window.Document()->Close(&window);
+        QTRY_VERIFY(!window.findChild<ToviIndexPageDlg*>());
+
+        DeliveryOptions options;
+        options.photoCount = 3;
+        options.images = DeliveryOptions::Images::None;
+        WrittenDelivery written;
+        QVERIFY(WriteDelivery(Path(QStringLiteral("noindex")), options, &written, nullptr));
+        QVERIFY(QFile::remove(QFileInfo(written.photoFolder).absolutePath() +
+                              QStringLiteral("/INDEX_C.XML")));
+        QVERIFY(window.OpenDelivery(written.photoFolder, PhotoXMLMlit));
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const qsizetype questions = ui->Questions().size();
+        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+        QCOMPARE(ui->Questions().size(), questions + 1);
+        QVERIFY(ui->Questions().last().text.contains(QStringLiteral("管理ファイル")));
+        QVERIFY(!window.findChild<ToviIndexPageDlg*>());
+    }
+
+    // The record that names each photograph's file, from the File menu: written, and the
+    // question of unsaved work left as it was.
+    void recordWithPaths() {
+        ToviMainWindow window;
+        OpenAll(window);
+        QTest::keyClick(&window, Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(window.Document()->Data()->IsCheckStatusChanged());
+        const QString path = Path(QStringLiteral("paths.xml"));
+        ui->QueueFileName(path);
+        KeyThroughMenus(&window, Qt::Key_F, {Qt::Key_W});
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromLocal8Bit(file.readAll());
+        QVERIFY(file.size() > 0);
+        QVERIFY(window.Document()->Data()->IsCheckStatusChanged());
+        // The record is Shift_JIS; its path elements hold the image files' names in ASCII.
+        const QString image =
+            QFileInfo(window.Document()->Data()->GetPhoto(0)->GetImagePath()).fileName();
+        QVERIFY2(text.contains(image), qPrintable(image));
+        window.Document()->Data()->SetCheckStatusChanged(false);
     }
 
     // The sort from the View menu by keyboard: by serial number, descending, and off again,
