@@ -255,6 +255,8 @@ void ToviMainWindow::CreateActions() {
         UpdateLabelActions();
     });
 
+    CreateSetUpAction();
+
     aboutAction = new QAction(QStringLiteral("バージョン情報(&A)"), this);
     aboutAction->setMenuRole(QAction::AboutRole);
     connect(aboutAction, &QAction::triggered, this, [this] {
@@ -299,6 +301,8 @@ void ToviMainWindow::CreateMenus() {
     view->addSeparator();
     view->addAction(slideAction);
     view->addAction(fullScreenAction);
+    view->addSeparator();
+    view->addAction(setUpAction);
 
     QMenu* go = menuBar()->addMenu(QStringLiteral("移動(&G)"));
     go->addAction(firstPageAction);
