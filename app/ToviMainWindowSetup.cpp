@@ -5,6 +5,7 @@
 #include "dialogs/ToviSetUpDlg.h"
 #include "document/ToviData.h"
 #include "document/ToviNode.h"
+#include "panels/ToviMpiPanel.h"
 #include "extraction/ToviSortCondition.h"
 #include "platform/ToviProfile.h"
 #include "platform/ToviUi.h"
@@ -67,7 +68,12 @@ void ToviMainWindow::ApplySetUp(const ToviLabelManager& labels,
     if (data) {
         // Plain values, not copies of the objects: a copy would store the old state when it
         // goes.
-        const int oldTree = data->GetVisualSetting().GetTreeType();
+        const ToviPhotoCtrlVisualSetting& shown = data->GetVisualSetting();
+        const int oldTree = shown.GetTreeType();
+        // The multi-photo panel lays its page out again on hint 7 unless one of these changed.
+        const bool paneChanged = shown.GetVisibleComment() != visual.GetVisibleComment() ||
+                                 shown.GetImageTextArrange() != visual.GetImageTextArrange() ||
+                                 shown.GetVisibleDetail() != visual.GetVisibleDetail();
         const ToviSortCondition& current = data->GetSortCondition();
         const bool oldSort = current.IsExecSort();
         const QString oldKey = current.GetKeyItem();
@@ -82,6 +88,7 @@ void ToviMainWindow::ApplySetUp(const ToviLabelManager& labels,
             now.IsExecSort() != oldSort ||
             (now.IsExecSort() && (now.GetKeyItem() != oldKey || now.IsAscending() != oldAscending));
         const int newTree = data->GetVisualSetting().GetTreeType();
+        const bool reordered = newTree != oldTree || sortChanged;
         if (newTree != oldTree) {
             // The new tree brings a new current array, sorted as now set.
             data->BuildTreeNode(newTree);
@@ -94,6 +101,9 @@ void ToviMainWindow::ApplySetUp(const ToviLabelManager& labels,
         }
         // The panels take the display mode and the rest from the document on this hint.
         document->UpdateAllViews(nullptr, ToviData::HintSettingsChanged, nullptr);
+        if (reordered && paneChanged) {
+            mpiPanel->Initialize();  // else the page keeps the photographs of the old order
+        }
         UpdateActions();
         UpdateLabelActions();
         data->GetLabelManager()->Save();

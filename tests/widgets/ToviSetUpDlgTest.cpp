@@ -9,6 +9,9 @@
 #include "imagefacts/ToviImageCheckCommon.h"
 #include "imagefacts/ToviJacicImageChecker.h"
 #include "panels/ToviFolderTreePanel.h"
+#include "panels/ToviMpiPanel.h"
+#include "panels/ToviNamePlate.h"
+#include "panels/ToviSpiCtrl.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
@@ -23,6 +26,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
@@ -608,6 +612,37 @@ private slots:
         QCOMPARE(panel.hints, QList<int>({ToviData::HintSettingsChanged}));
         QCOMPARE(CurrentOrder(data), treeOrder);
         window.Document()->RemovePanel(&panel);
+    }
+
+    // A new order shows on the page also when the same OK changes how comments are shown.
+    void hostReordersPage() {
+        ToviMainWindow window;
+        QVERIFY(window.OpenDelivery(delivery, PhotoXMLMlit));
+        window.SetDivideType(ToviPhotoCtrlVisualSetting::Divide4);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        ToviData* data = window.Document()->Data();
+        const bool comments = data->GetVisualSetting().GetVisibleComment();
+        WhenModal<ToviSetUpDlg>([comments](ToviSetUpDlg* dialog) {
+            QTest::mouseClick(Control<QRadioButton>(dialog, comments ? 1130 : 1131),
+                              Qt::LeftButton);
+            QTest::mouseClick(Control<QRadioButton>(dialog, 1070), Qt::LeftButton);
+            QTest::mouseClick(Control<QRadioButton>(dialog, 1073), Qt::LeftButton);
+            QTest::mouseClick(Ok(dialog), Qt::LeftButton);
+        });
+        PressSetUpKey(&window);
+        QVERIFY(data->GetSortCondition().IsExecSort());
+        // Each cell's caption is the title of the photograph now at its place.
+        const int title = data->GetItemDef()->GetIndexFromTitle(QStringLiteral("写真タイトル"));
+        int cells = 0;
+        for (const ToviSpiCtrl* cell : window.MpiPanel()->findChildren<ToviSpiCtrl*>()) {
+            if (cell->isVisible() && cell->PhotoIndex() >= 0) {
+                ++cells;
+                QCOMPARE(cell->NamePlate()->Title(),
+                         data->GetPhoto(cell->PhotoIndex())->GetTitle(title));
+            }
+        }
+        QCOMPARE(cells, 4);
     }
 
     // Cancel applies nothing and tells nobody.
