@@ -20,6 +20,10 @@ class ToviFolderTreePanel;
 class ToviLabelTreePanel;
 class ToviMpiPanel;
 class ToviPanel;
+class ToviItemManager;
+class ToviLabelManager;
+class ToviPhotoCtrlVisualSetting;
+class ToviSortCondition;
 
 // The viewer's main window: the multi-photo panel in the centre, the classification tree and
 // the label tree as two tabs of one dock, the menus and tool bar, the page indicator, the
@@ -67,6 +71,14 @@ public:
     void StartSlideShow();
     void StopSlideShow();
     bool IsSlideShow() const { return slideShow; }
+    // 設定: the setup dialog on copies of the open delivery's settings, or of the stored ones
+    // with none open; OK applies and stores them.
+    void OpenSetUp();
+    // Puts what the setup dialog returned into the open delivery (rebuilding the tree or
+    // reordering the photographs where the change asks for it) and tells the views once;
+    // then stores the settings, and says so when the profile store can't be written.
+    void ApplySetUp(const ToviLabelManager& labels, const ToviPhotoCtrlVisualSetting& visual,
+                    const ToviSortCondition& sort, const ToviItemManager& items);
     // Tab 0 the classification tree, 1 the labels, with the panels' visibility calls.
     void ShowTreeTab(int index);
 
@@ -92,6 +104,9 @@ protected:
 
 private:
     void CreateActions();
+    void CreateSetUpAction();
+    // Puts the current array back in the order of its node or label, once sorting is off.
+    void RestoreTreeOrder();
     void CreateMenus();
     void CreateToolBar();
     void CreateToolActions();
@@ -164,5 +179,6 @@ private:
     QActionGroup* sortKeyGroup;
     QActionGroup* sortDirectionGroup;
     QAction* aboutAction;
+    QAction* setUpAction;
     QMenu* recentMenu;
 };

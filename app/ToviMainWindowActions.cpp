@@ -263,6 +263,7 @@ void ToviMainWindow::CreateActions() {
     });
 
     CreateToolActions();
+    CreateSetUpAction();
 
     aboutAction = new QAction(QStringLiteral("バージョン情報(&A)"), this);
     aboutAction->setMenuRole(QAction::AboutRole);
@@ -314,6 +315,8 @@ void ToviMainWindow::CreateMenus() {
     view->addSeparator();
     view->addAction(slideAction);
     view->addAction(fullScreenAction);
+    view->addSeparator();
+    view->addAction(setUpAction);
 
     QMenu* go = menuBar()->addMenu(QStringLiteral("移動(&G)"));
     go->addAction(firstPageAction);
