@@ -105,14 +105,24 @@ bool ToviMainWindow::RunEditCheck() {
     if (!data || slideShow || data->GetCurrentPhotoCount() == 0) {
         return false;
     }
-    const ToviPhotoCtrlVisualSetting& setting = data->GetVisualSetting();
-    if (!setting.GetDoEditCheck() || setting.GetEditCheckTypes().isEmpty()) {
-        ToviUi::Instance().MessageBox(
+    const auto isSet = [data] {
+        const ToviPhotoCtrlVisualSetting& setting = data->GetVisualSetting();
+        return setting.GetDoEditCheck() && !setting.GetEditCheckTypes().isEmpty();
+    };
+    if (!isSet()) {
+        // The check is chosen in the settings; the way there is offered at once.
+        const int answer = ToviUi::Instance().MessageBox(
             this,
             QStringLiteral("画像加工検知が設定されていません。\n"
-                           "設定の「画像加工検知を行う」をオンにし、タイプを選択してください。"),
-            QString(), ToviUi::ButtonsOk, ToviUi::IconInformation);
-        return false;
+                           "設定を開いて「画像加工検知を行う」をオンにしますか？"),
+            QString(), ToviUi::ButtonsYesNo, ToviUi::IconQuestion);
+        if (answer != ToviUi::AnswerYes) {
+            return false;
+        }
+        OpenSetUp();
+        if (!isSet() || !document->Data()) {
+            return false;
+        }
     }
     std::array<int, 4> counts{};
     const bool finished = data->CheckEditJPEGCurrent(counts, this);

@@ -14,8 +14,10 @@
 #include "tests/support/ScriptedUi.h"
 #include "tests/support/TreeItemPoint.h"
 #include "tests/support/WorkArea.h"
+#include "tests/widgets/SetUpDlgDriver.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -198,16 +200,23 @@ private slots:
         auto* status = window.findChild<QLabel*>(QStringLiteral("checkLabel"));
         QVERIFY(status);
 
+        // With the check off the user is offered the settings: declined, nothing runs; taken,
+        // the check turned on there runs at once.
         QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
         QVERIFY(ui->Questions().last().text.startsWith(
             QStringLiteral("画像加工検知が設定されていません")));
         QVERIFY(status->text().isEmpty());
+        ui->QueueAnswer(ToviUi::AnswerYes);
+        WhenModal<ToviSetUpDlg>([](ToviSetUpDlg* dialog) {
+            QTest::mouseClick(Control<QCheckBox>(dialog, 1050), Qt::LeftButton);
+            QTest::mouseClick(Ok(dialog), Qt::LeftButton);
+        });
+        QTest::keyClick(&window, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(data->GetVisualSetting().GetDoEditCheck());
+        QCOMPARE(status->text(),
+                 QStringLiteral("画像加工検知: 加工なし 0 枚 / 加工あり 0 枚 / 判定不能 12 枚"));
+        QApplication::setActiveWindow(&window);
 
-        ToviPhotoCtrlVisualSetting setting = data->GetVisualSetting();
-        setting.SetDoEditCheck(true);
-        setting.SetEditCheckTypes(QStringLiteral("1"));
-        data->SetVisualSetting(setting, false);
-        window.Document()->UpdateAllViews(nullptr, ToviData::HintSettingsChanged, nullptr);
         // The first two cells' files get verdicts only now, so that what the plates show
         // comes from the run below, not from the cells' own look when they were filled.
         const auto& cells = window.MpiPanel()->Cells();
