@@ -75,6 +75,11 @@ check_copy() {
     done
     desktop-file-validate "$prefix/share/applications/tovicore.desktop" ||
         fail "$name: the desktop file is not valid"
+    for page in tovi tovi-viewer; do
+        local said
+        said=$(MANWIDTH=80 man --warnings -l "$prefix/share/man/man1/$page.1" 2>&1 >/dev/null)
+        [ -z "$said" ] || fail "$name: man $page: $said"
+    done
     # Our libraries come from the installed copy, never from the build tree.
     for program in "$bin/tovi" "$bin/tovi-viewer" "$prefix/lib/tovicore/libtoviui.so"; do
         if readelf -d "$program" | grep -E 'R(UN)?PATH' | grep -qF "$build"; then
