@@ -101,7 +101,8 @@ PhotoXMLReadErr ToviItemDef::Load(const QString& dataPath, PhotoXMLType familyTy
 bool ToviItemDef::InitializeData(const QString& dataPath, PhotoXMLType familyType) {
     type = familyType;
     parentPath = MibParentDir(dataPath);
-    programPath = ProgramPathOverride().isEmpty() ? MibProgramPath() : ProgramPathOverride();
+    programPath = ProgramPathOverride().isEmpty() ? MibProgramFolder(MibProgramFiles::Data)
+                                                  : ProgramPathOverride();
     if (programPath.isEmpty()) {
         return false;
     }

@@ -56,7 +56,7 @@ struct Definition {
 };
 
 // Which kind of delivery a PHOTO.XML is, and that kind's list of definitions read from
-// READITEM.XML beside the program.
+// READITEM.XML in the program's data folder (beside the program in a build).
 class ToviItemDef {
 public:
     static const QString PhotoFileTypeSection_;  // "PhotoFileType"
@@ -88,6 +88,7 @@ public:
 
     QString ReadItemPath() const { return readItemPath; }
     QString ParentPath() const { return parentPath; }
+    // The data folder READITEM.XML and XSLPLATE/ are read from (MibProgramFolder).
     QString ProgramPath() const { return programPath; }
     QString NewType() const { return newType; }
     QString OldType() const { return oldType; }

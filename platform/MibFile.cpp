@@ -206,6 +206,23 @@ QString MibProgramPath() {
     return MibNormalDir(QFileInfo(exe).absolutePath());
 }
 
+QString MibProgramFolderOf(const QString& programFolder, MibProgramFiles kind) {
+    const QString program = MibNormalDir(programFolder);
+    if (program.isEmpty() || MibIsFileExist(program + QStringLiteral("READITEM.XML"))) {
+        return program;
+    }
+    const QString prefix = MibNormalDir(QDir::cleanPath(program + QStringLiteral("..")));
+    const QString data = prefix + QStringLiteral("share/tovicore/");
+    if (!MibIsFolderExist(data)) {
+        return program;
+    }
+    return kind == MibProgramFiles::Data ? data : prefix + QStringLiteral("lib/tovicore/");
+}
+
+QString MibProgramFolder(MibProgramFiles kind) {
+    return MibProgramFolderOf(MibProgramPath(), kind);
+}
+
 namespace {
 
 qint64& WriteLimit() {

@@ -51,6 +51,18 @@ QString MibGetExt(const QString& path);
 QString MibGetFileTitle(const QString& path);
 // The folder of the running executable, ending in a separator; empty when unknown.
 QString MibProgramPath();
+
+// The program's own files: the data it reads (READITEM.XML, XSLPLATE/) and the outside
+// verifier libraries it loads.
+enum class MibProgramFiles { Data, Libraries };
+// The folder the program's files of that kind are in, ending in a separator. A build keeps
+// everything beside its executables, which is recognised by READITEM.XML lying there; an
+// installed copy (the executables in PREFIX/bin/) keeps its data in PREFIX/share/tovicore/ and
+// its libraries, ours and the verifiers, in PREFIX/lib/tovicore/. When neither layout is found
+// the program folder is answered, so that a message about a missing file names it.
+QString MibProgramFolder(MibProgramFiles kind);
+// The same for an executable in programFolder.
+QString MibProgramFolderOf(const QString& programFolder, MibProgramFiles kind);
 // Writes data to path through a temporary file in the same folder, flushed to disk and
 // renamed into place, so that a failure (full disk, read-only folder) or a kill at any moment
 // leaves any old file as it was. The environment variable TOVI_WRITE_PAUSE_MS makes it wait

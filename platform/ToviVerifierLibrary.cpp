@@ -31,7 +31,8 @@ QString ToviVerifierLibrary::FileName(const QString& baseName) {
 }
 
 QString ToviVerifierLibrary::ProgramPath() {
-    return ProgramPathOverride().isEmpty() ? MibProgramPath() : ProgramPathOverride();
+    return ProgramPathOverride().isEmpty() ? MibProgramFolder(MibProgramFiles::Libraries)
+                                           : ProgramPathOverride();
 }
 
 void ToviVerifierLibrary::SetProgramPathOverride(const QString& folder) {

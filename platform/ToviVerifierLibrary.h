@@ -7,9 +7,9 @@
 class QLibrary;
 
 // One of the outside parties' tamper verifiers: a shared library that lies in the program
-// folder under a fixed base name ("RVRFYJPG", "JACICCHS") with this platform's suffix. It is
-// loaded at run time, so that the program runs without it, and its functions are resolved by
-// name whenever they are needed.
+// folder (an installed copy's library folder, see MibProgramFolder) under a fixed base name
+// ("RVRFYJPG", "JACICCHS") with this platform's suffix. It is loaded at run time, so that the
+// program runs without it, and its functions are resolved by name whenever they are needed.
 class ToviVerifierLibrary {
 public:
     // What Resolve hands back; the caller casts it to the function's real type.
@@ -24,7 +24,8 @@ public:
     // The library's file name on this platform: "JACICCHS.dll", "JACICCHS.dylib" or
     // "JACICCHS.so".
     static QString FileName(const QString& baseName);
-    // The folder searched: the program folder, or the test override; ends in a separator.
+    // The folder searched: the program folder or an installed copy's library folder, or the
+    // test override; ends in a separator.
     static QString ProgramPath();
     // Tests point the search at a folder of their own; an empty folder returns to the
     // program folder.

@@ -16,6 +16,7 @@ packages=(
     clang libclang-rt-14-dev # scripts/sanitize.sh: clang and its sanitizer and libFuzzer runtimes
     fontconfig fonts-ipafont-gothic
     xvfb xauth # a virtual display: xvfb-run for looking at the windows where there is none
+    dpkg-dev desktop-file-utils man-db # the package (cpack, dpkg-shlibdeps) and its checks
 )
 
 missing=()
