@@ -122,6 +122,7 @@ int main(int argc, char* argv[]) {
 
     QApplication app(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
+    ToviQtUi::InstallTranslations(&app);
     parser.process(app);
     if (parser.isSet(profileOption)) {
         ToviProfile::Instance().UseFile(parser.value(profileOption));

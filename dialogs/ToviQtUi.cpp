@@ -11,7 +11,10 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QMainWindow>
+#include <QAbstractButton>
+#include <QLibraryInfo>
 #include <QMessageBox>
+#include <QTranslator>
 #include <QStatusBar>
 #include <QUrl>
 
@@ -33,8 +36,9 @@ QString ToviQtUi::ApplicationName() const {
     return name.isEmpty() ? ToviUi::ApplicationName() : name;
 }
 
-int ToviQtUi::MessageBox(QWidget* parent, const QString& text, const QString& caption,
-                         Buttons buttons, Icon icon) {
+std::unique_ptr<QMessageBox> ToviQtUi::CreateMessageBox(QWidget* parent, const QString& text,
+                                                        const QString& caption, Buttons buttons,
+                                                        Icon icon) const {
     QMessageBox::Icon shown = QMessageBox::NoIcon;
     switch (icon) {
         case IconError:
@@ -66,8 +70,28 @@ int ToviQtUi::MessageBox(QWidget* parent, const QString& text, const QString& ca
         default:
             break;
     }
-    QMessageBox box(shown, caption.isEmpty() ? ApplicationName() : caption, text, standard, parent);
-    box.setObjectName(QStringLiteral("ToviMessageBox"));
+    auto box = std::make_unique<QMessageBox>(shown, caption.isEmpty() ? ApplicationName() : caption,
+                                             text, standard, parent);
+    box->setObjectName(QStringLiteral("ToviMessageBox"));
+    // The buttons speak the program's language whatever the desktop's is.
+    const std::pair<QMessageBox::StandardButton, const char*> texts[] = {
+        {QMessageBox::Ok, "OK"},
+        {QMessageBox::Cancel, "キャンセル"},
+        {QMessageBox::Yes, "はい(&Y)"},
+        {QMessageBox::No, "いいえ(&N)"}};
+    for (const auto& [button, label] : texts) {
+        if (QAbstractButton* b = box->button(button)) {
+            b->setText(QString::fromUtf8(label));
+        }
+    }
+    return box;
+}
+
+int ToviQtUi::MessageBox(QWidget* parent, const QString& text, const QString& caption,
+                         Buttons buttons, Icon icon) {
+    const std::unique_ptr<QMessageBox> owned =
+        CreateMessageBox(parent, text, caption, buttons, icon);
+    QMessageBox& box = *owned;
     switch (box.exec()) {
         case QMessageBox::Ok:
             return AnswerOk;
@@ -139,5 +163,17 @@ void ToviQtUi::ShowStatus(QWidget* parent, const QString& text, int ms) {
     QWidget* window = parent ? parent->window() : QApplication::activeWindow();
     if (auto* main = qobject_cast<QMainWindow*>(window)) {
         main->statusBar()->showMessage(text, ms);
+    }
+}
+
+void ToviQtUi::InstallTranslations(QCoreApplication* app) {
+    // Qt's own words (file dialogs, the edit menus of text fields, standard buttons) in the
+    // language of the program's, where the translations are installed.
+    auto* translator = new QTranslator(app);
+    if (translator->load(QStringLiteral("qtbase_ja"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(translator);
+    } else {
+        delete translator;
     }
 }

@@ -7,6 +7,8 @@
 #include <functional>
 #include <memory>
 
+class QCoreApplication;
+class QMessageBox;
 class ToviWaitWindow;
 
 // The presenter of the viewer: message boxes, Qt's file and folder choosers, the named dialogs
@@ -28,6 +30,13 @@ public:
     QString ApplicationName() const override;
     int MessageBox(QWidget* parent, const QString& text, const QString& caption, Buttons buttons,
                    Icon icon) override;
+    // The box MessageBox shows, not yet shown: the caption defaults to the application's name,
+    // the buttons carry the program's own words.
+    std::unique_ptr<QMessageBox> CreateMessageBox(QWidget* parent, const QString& text,
+                                                  const QString& caption, Buttons buttons,
+                                                  Icon icon) const;
+    // Loads Qt's own Japanese texts when the system has them; owned by app.
+    static void InstallTranslations(QCoreApplication* app);
     // An unknown name answers false, as a dialog cancelled would.
     bool RunDialog(QWidget* parent, const QString& name, QVariantMap& values) override;
     bool BrowseForFolder(QWidget* parent, const QString& title, QString& folder) override;

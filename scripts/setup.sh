@@ -9,6 +9,7 @@ packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-svg-dev libqt6svg6 libgl-dev
     qt6-image-formats-plugins qt6-qpa-plugins
+    qt6-translations-l10n # Qt's own texts (file dialogs, standard buttons) in Japanese
     libpugixml-dev libexiv2-dev
     libxlsxwriter-dev libminizip-dev # the check report's workbook, and reading it back
     libxslt1-dev # the index page: XSLT over the index copy

@@ -142,12 +142,9 @@ private:
 };
 
 // A message box as the viewer's presenter shows one, without its modal loop.
-QWidget* ShowMessage(Gallery& g, QMessageBox::Icon icon, const QString& text,
-                     QMessageBox::StandardButtons buttons) {
-    auto* box =
-        new QMessageBox(icon, ToviUi::Instance().ApplicationName(), text, buttons, &g.Main());
-    box->setObjectName(QStringLiteral("ToviMessageBox"));
-    return g.Keep(box);
+QWidget* ShowMessage(Gallery& g, ToviUi::Icon icon, const QString& text, ToviUi::Buttons buttons) {
+    auto& ui = static_cast<ToviQtUi&>(ToviUi::Instance());
+    return g.Keep(ui.CreateMessageBox(&g.Main(), text, QString(), buttons, icon).release());
 }
 
 struct Shot {
@@ -256,23 +253,23 @@ std::vector<Shot> Shots() {
          }},
         {QStringLiteral("message-information.png"),
          [](Gallery& g) {
-             return ShowMessage(g, QMessageBox::Information,
-                                QStringLiteral("検査状況を保存しました。"), QMessageBox::Ok);
+             return ShowMessage(g, ToviUi::IconInformation,
+                                QStringLiteral("検査状況を保存しました。"), ToviUi::ButtonsOk);
          }},
         {QStringLiteral("message-warning.png"),
          [](Gallery& g) {
              return ShowMessage(
-                 g, QMessageBox::Warning,
+                 g, ToviUi::IconWarning,
                  QStringLiteral("フォルダ /media/cdrom は電子納品のフォルダではありま"
                                 "せん。\nPHOTO.XML のあるフォルダを指定してください。"),
-                 QMessageBox::Ok);
+                 ToviUi::ButtonsOk);
          }},
         {QStringLiteral("message-question.png"),
          [](Gallery& g) {
              return ShowMessage(
-                 g, QMessageBox::Question,
+                 g, ToviUi::IconQuestion,
                  QStringLiteral("付箋またはコメントが変更されています。\n検査状況を保存しますか？"),
-                 QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+                 ToviUi::ButtonsYesNoCancel);
          }},
     };
     return shots;
@@ -324,6 +321,7 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Orvane Systems"));
     QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
+    ToviQtUi::InstallTranslations(&app);
     QStringList args = QCoreApplication::arguments().mid(1);
     const std::vector<Shot> shots = Shots();
     if (args == QStringList{QStringLiteral("--list")}) {

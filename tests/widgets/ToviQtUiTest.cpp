@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QAbstractButton>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -83,11 +84,15 @@ private slots:
         QFETCH(int, answer);
         QString caption;
         QMessageBox::Icon icon = QMessageBox::NoIcon;
+        QStringList texts;
         WhenModal([&](QWidget* modal) {
             auto* box = qobject_cast<QMessageBox*>(modal);
             QVERIFY(box);
             caption = box->windowTitle();
             icon = box->icon();
+            for (QAbstractButton* button : box->buttons()) {
+                texts.append(button->text());
+            }
             if (press) {
                 QTest::mouseClick(box->button(QMessageBox::StandardButton(press)), Qt::LeftButton);
             } else {
@@ -99,6 +104,14 @@ private slots:
                  answer);
         QCOMPARE(caption, QStringLiteral("ToviCore テスト"));
         QCOMPARE(icon, QMessageBox::Question);
+        // The buttons in the program's words, not the desktop's.
+        for (const QString& text : texts) {
+            QVERIFY2(QStringList({QStringLiteral("OK"), QStringLiteral("キャンセル"),
+                                  QStringLiteral("はい(&Y)"), QStringLiteral("いいえ(&N)")})
+                         .contains(text),
+                     qPrintable(text));
+        }
+        QVERIFY(!texts.isEmpty());
     }
 
     // The progress window disables its owner but not itself, shows the loop's message and
