@@ -9,6 +9,8 @@
 #include <QStyleOptionFocusRect>
 #include <QSvgRenderer>
 
+#include <algorithm>
+
 namespace {
 
 const char* const kLabelIcons[6] = {"ok", "ng1", "ng2", "ng3", "comment", "user"};
@@ -122,7 +124,10 @@ void ToviNamePlate::Layout() {
     const int w = width();
     const int h = height();
     const int s = kMarkSize;
-    const int b = static_cast<int>(h * 1.8);
+    // The buttons are wide where the plate is, and give way down to square ones before the
+    // title, of which a third of the plate stays, loses its place.
+    const int room = (w - 2 * s - 2 - w / 3) / 6;
+    const int b = std::clamp(room, h, static_cast<int>(h * 1.8));
     photoMark->move(w - 2 * s - 1, 3 + (h - 6 - s) / 2);
     checkMark->move(w - s - 1, 3 + (h - 6 - s) / 2);
     for (int i = 0; i < 6; ++i) {
