@@ -12,10 +12,14 @@
 #include "dialogs/ToviConfirmDlg.h"
 #include "dialogs/ToviDetailPanel.h"
 #include "dialogs/ToviImageWnd.h"
+#include "dialogs/ToviIndexPageDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
+#include "dialogs/ToviItemSetUpDlg.h"
 #include "dialogs/ToviMultiDlg.h"
 #include "dialogs/ToviQtUi.h"
+#include "dialogs/ToviSelectImageTypeDlg.h"
 #include "dialogs/ToviSelectOutputPhotoDlg.h"
+#include "dialogs/ToviSetUpDlg.h"
 #include "dialogs/ToviTabBaseWnd.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
@@ -28,6 +32,7 @@
 #include "platform/ToviProgressDlg.h"
 #include "platform/widgets/LumImgWnd.h"
 #include "platform/widgets/ToviProgressWindow.h"
+#include "settings/ToviItemManager.h"
 #include "settings/ToviPhotoCtrlVisualSetting.h"
 
 #include <QApplication>
@@ -107,6 +112,7 @@ public:
     void Reset() {
         progress.reset();
         transient.clear();
+        items.reset();
         window->MpiPanel()->DeleteAllDialog();
         HideDetail();
         if (window->MpiPanel()->ConfirmDlg()) {
@@ -139,6 +145,10 @@ private:
     std::unique_ptr<ToviMainWindow> window;
     std::vector<std::unique_ptr<QWidget>> transient;
     std::unique_ptr<ToviProgressDlg> progress;
+
+public:
+    // The item dialog's own copy of the item list, as the setup dialog hands it one.
+    std::unique_ptr<ToviItemManager> items;
 };
 
 // A message box as the viewer's presenter shows one, without its modal loop.
@@ -233,6 +243,31 @@ std::vector<Shot> Shots() {
          [](Gallery& g) { return g.Keep(new LabelProcessSelectDlg(&g.Main(), {})); }},
         {QStringLiteral("save-choice-dialog.png"),
          [](Gallery& g) { return g.Keep(new ToviSelectOutputPhotoDlg(&g.Main())); }},
+        {QStringLiteral("setup-dialog.png"),
+         [](Gallery& g) {
+             ToviData* data = g.Data();
+             return g.Keep(new ToviSetUpDlg(*data->GetLabelManager(), data->GetVisualSetting(),
+                                            data->GetSortCondition(), *data->GetItemManager(),
+                                            &g.Main()));
+         }},
+        {QStringLiteral("setup-items-dialog.png"),
+         [](Gallery& g) {
+             g.items = std::make_unique<ToviItemManager>(*g.Data()->GetItemManager());
+             return g.Keep(new ToviItemSetUpDlg(g.items.get(), &g.Main()));
+         }},
+        {QStringLiteral("setup-type-dialog.png"),
+         [](Gallery& g) {
+             return g.Keep(new ToviSelectImageTypeDlg({0, 1}, &g.Main()));
+         }},
+        {QStringLiteral("index-page.png"),
+         [](Gallery& g) -> QWidget* {
+             auto* page = new ToviIndexPageDlg(&g.Main());
+             if (!page->SetData(g.Data())) {
+                 delete page;
+                 return nullptr;
+             }
+             return g.Keep(page);
+         }},
         {QStringLiteral("progress-window.png"),
          [](Gallery& g) -> QWidget* {
              // The loop's own logic makes the window through the presenter, as a long command
