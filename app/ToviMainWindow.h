@@ -16,6 +16,7 @@ class QMimeData;
 class QStackedWidget;
 class QTabWidget;
 class ToviDetailPanel;
+class ToviExtractionDlg;
 class ToviFolderTreePanel;
 class ToviLabelTreePanel;
 class ToviMpiPanel;
@@ -66,6 +67,10 @@ public:
     // Shows or hides the detail panel, kept in the document's settings (F9).
     void ToggleDetailPanel();
     QTabWidget* TreeTabs() const { return treeTabs; }
+    ToviExtractionDlg* ExtractionDlg() const { return extractionDlg; }
+    QDockWidget* ExtractionDock() const { return extractionDock; }
+    // Shows the extraction window and puts the keyboard in it (Ctrl+F).
+    void ShowExtraction();
     QString PageIndicatorText() const;
     // The node or label whose photographs are shown, with their number.
     QString CurrentSetText() const;
@@ -81,6 +86,8 @@ private:
     void CreateActions();
     void CreateMenus();
     void CreateToolBar();
+    // The extraction window's dock and its action (ToviMainWindowExtraction.cpp).
+    void CreateExtractionDock();
     void UpdateActions();
     void UpdateTitle();
     void UpdateLabelActions();
@@ -106,6 +113,10 @@ private:
     ToviLabelTreePanel* labelTree;
     QDockWidget* detailDock;
     ToviDetailPanel* detailPanel;
+    QDockWidget* extractionDock = nullptr;
+    ToviExtractionDlg* extractionDlg = nullptr;
+    ToviPanel* extractionPane = nullptr;
+    bool extractionHiddenForSlides = false;
     int shownTab = 0;
     QLabel* pageLabel;
     QLabel* placeLabel;
@@ -139,6 +150,7 @@ private:
     QAction* confirmAction;
     QAction* detailAction;
     QAction* zoomAction;
+    QAction* extractionAction = nullptr;
     QList<QAction*> labelActions;
     QAction* removeAllLabelsAction;
     QAction* aboutAction;
