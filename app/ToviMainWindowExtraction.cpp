@@ -67,6 +67,7 @@ void ToviMainWindow::CreateExtractionDock() {
     // Under the trees, where the inspector narrows down what they selected.
     addDockWidget(Qt::LeftDockWidgetArea, extractionDock);
     splitDockWidget(treeDock, extractionDock, Qt::Vertical);
+    resizeDocks({extractionDock}, {pane->sizeHint().height()}, Qt::Vertical);
     document->AddPanel(pane);
 
     extractionAction = new QAction(QStringLiteral("抽出(&X)..."), this);

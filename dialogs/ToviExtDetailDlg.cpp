@@ -93,7 +93,7 @@ ToviExtDetailDlg::ToviExtDetailDlg(QWidget* parent)
         row.values->setCompleter(nullptr);
         row.values->setInsertPolicy(QComboBox::NoInsert);
         row.values->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        row.values->setMinimumContentsLength(18);
+        row.values->setMinimumContentsLength(24);
         grid->addWidget(row.check, j, 0);
         grid->addWidget(row.items, j, 1);
         grid->addWidget(new QLabel(QStringLiteral("文字列"), itemBox), j, 2);
