@@ -763,6 +763,20 @@ private slots:
         QCOMPARE(window->Document()->Data()->GetExtractionData(),
                  static_cast<ToviExtractionSource*>(dlg));
         QVERIFY(!window->Document()->Data()->IsExtractionOn());
+
+        // The same without the main window, whose own Escape ends a slide show.
+        QWidget holder;
+        auto* bare = new ToviExtractionDlg(&holder);
+        holder.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&holder));
+        for (QWidget* target : {static_cast<QWidget*>(Check(bare, QStringLiteral("ngPhoto"))),
+                                static_cast<QWidget*>(bare)}) {
+            target->setFocus();
+            for (Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+                QTest::keyClick(target, key);
+            }
+        }
+        QVERIFY(bare->isVisible());
     }
 
     // The dock's visibility is kept with the window's layout.
