@@ -8,6 +8,8 @@
 //                             first page of the result is on screen and painted
 //   BM_ExecuteToFirstPage/N   the same condition switched on by a click on 抽出実行, until the
 //                             first page is on screen and painted (then off again, untimed)
+//   BM_OpenDetails/N          a click on 詳細設定... with one item condition set (工種), until
+//                             the dialog is up with that item's values listed
 
 #include "app/ToviMainWindow.h"
 #include "dialogs/ToviExtDetailDlg.h"
@@ -257,6 +259,41 @@ void BM_ExecuteToFirstPage(benchmark::State& state) {
     }
 }
 
+void BM_OpenDetails(benchmark::State& state) {
+    ToviMainWindow& window = Window(static_cast<int>(state.range(0)));
+    ToviData& data = *window.Document()->Data();
+    ToviExtractionDlg* dlg = window.ExtractionDlg();
+    const QStringList works = WorkValues(data);
+    double ignored = 0;
+    if (works.isEmpty() || !DetailOk(window, QStringLiteral("工種"), works[0], ignored)) {
+        state.SkipWithError("no 工種 to extract by");
+        return;
+    }
+    for (auto _ : state) {
+        QElapsedTimer clock;
+        double seconds = -1;
+        std::function<void()> close;
+        close = [&] {
+            QWidget* modal = QApplication::activeModalWidget();
+            if (!modal) {
+                QTimer::singleShot(1, close);
+                return;
+            }
+            seconds = static_cast<double>(clock.nsecsElapsed()) / 1e9;
+            static_cast<QDialog*>(modal)->reject();
+        };
+        QTimer::singleShot(0, close);
+        clock.start();
+        QTest::mouseClick(dlg->DetailsButton(), Qt::LeftButton);
+        if (seconds < 0) {
+            state.SkipWithError("the dialog did not come");
+            return;
+        }
+        state.SetIterationTime(seconds);
+    }
+    state.counters["values"] = static_cast<double>(works.size());
+}
+
 }  // namespace
 
 BENCHMARK(BM_DetailOkToFirstPage)
@@ -266,6 +303,13 @@ BENCHMARK(BM_DetailOkToFirstPage)
     ->Arg(10000)
     ->Arg(100000);
 BENCHMARK(BM_ExecuteToFirstPage)
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime()
+    ->Iterations(10)
+    ->Arg(10000)
+    ->Arg(100000);
+
+BENCHMARK(BM_OpenDetails)
     ->Unit(benchmark::kMillisecond)
     ->UseManualTime()
     ->Iterations(10)
