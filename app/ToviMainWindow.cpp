@@ -138,6 +138,7 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
     connect(&slideTimer, &QTimer::timeout, this, &ToviMainWindow::OnSlideTimer);
 
     CreateActions();
+    CreateExtractionDock();
     CreateMenus();
     CreateToolBar();
     LoadFrameSettings();
@@ -149,7 +150,7 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
 ToviMainWindow::~ToviMainWindow() {
     document->Close(this);
     for (ToviPanel* panel : {static_cast<ToviPanel*>(mpiPanel), static_cast<ToviPanel*>(folderTree),
-                             static_cast<ToviPanel*>(labelTree)}) {
+                             static_cast<ToviPanel*>(labelTree), extractionPane}) {
         document->RemovePanel(panel);
     }
 }

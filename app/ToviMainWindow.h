@@ -16,6 +16,7 @@ class QMimeData;
 class QStackedWidget;
 class QTabWidget;
 class ToviDetailPanel;
+class ToviExtractionDlg;
 class ToviFolderTreePanel;
 class ToviLabelTreePanel;
 class ToviMpiPanel;
@@ -91,6 +92,10 @@ public:
     // Shows or hides the detail panel, kept in the document's settings (F9).
     void ToggleDetailPanel();
     QTabWidget* TreeTabs() const { return treeTabs; }
+    ToviExtractionDlg* ExtractionDlg() const { return extractionDlg; }
+    QDockWidget* ExtractionDock() const { return extractionDock; }
+    // Shows the extraction window and puts the keyboard in it (Ctrl+F).
+    void ShowExtraction();
     QString PageIndicatorText() const;
     // The node or label whose photographs are shown, with their number.
     QString CurrentSetText() const;
@@ -111,6 +116,8 @@ private:
     void CreateToolBar();
     void CreateToolActions();
     void UpdateToolActions();
+    // The extraction window's dock and its action (ToviMainWindowExtraction.cpp).
+    void CreateExtractionDock();
     void UpdateActions();
     void UpdateTitle();
     void UpdateLabelActions();
@@ -136,6 +143,10 @@ private:
     ToviLabelTreePanel* labelTree;
     QDockWidget* detailDock;
     ToviDetailPanel* detailPanel;
+    QDockWidget* extractionDock = nullptr;
+    ToviExtractionDlg* extractionDlg = nullptr;
+    ToviPanel* extractionPane = nullptr;
+    bool extractionHiddenForSlides = false;
     int shownTab = 0;
     QLabel* pageLabel;
     QLabel* placeLabel;
@@ -172,6 +183,7 @@ private:
     QAction* confirmAction;
     QAction* detailAction;
     QAction* zoomAction;
+    QAction* extractionAction = nullptr;
     QList<QAction*> labelActions;
     QAction* removeAllLabelsAction;
     QAction* batchLabelAction;

@@ -308,6 +308,7 @@ void ToviMainWindow::CreateMenus() {
     dockToggle->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
     view->addAction(dockToggle);
     view->addAction(detailAction);
+    view->addAction(extractionAction);
     view->addAction(focusAction);
     view->addSeparator();
     view->addAction(zoomAction);
@@ -371,6 +372,15 @@ void ToviMainWindow::CreateToolBar() {
             button->setToolButtonStyle(Qt::ToolButtonTextOnly);
             button->setText(PlainText(a));
         }
+    }
+    bar->addSeparator();
+    bar->addAction(extractionAction);
+    if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(extractionAction))) {
+        button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+        button->setText(PlainText(extractionAction));
+        button->setToolTip(QStringLiteral("%1 (%2)").arg(
+            PlainText(extractionAction),
+            extractionAction->shortcut().toString(QKeySequence::NativeText)));
     }
 }
 
