@@ -181,7 +181,7 @@ void ToviMainWindow::CreateActions() {
     nextPhotoAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Right));
     connect(nextPhotoAction, &QAction::triggered, mpiPanel, &ToviMpiPanel::OperateNextPhoto);
 
-    slideAction = new QAction(QStringLiteral("スライドショー(&S)"), this);
+    slideAction = new QAction(QStringLiteral("スライドショー(&W)"), this);
     slideAction->setShortcut(QKeySequence(Qt::Key_F5));
     slideAction->setCheckable(true);
     connect(slideAction, &QAction::toggled, this, [this](bool on) {
