@@ -11,6 +11,7 @@
 #include "dialogs/LabelProcessSelectDlg.h"
 #include "dialogs/ToviConfirmDlg.h"
 #include "dialogs/ToviDetailPanel.h"
+#include "dialogs/ToviExtDetailDlg.h"
 #include "dialogs/ToviImageWnd.h"
 #include "dialogs/ToviIndexPageDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
@@ -243,6 +244,24 @@ std::vector<Shot> Shots() {
          [](Gallery& g) { return g.Keep(new LabelProcessSelectDlg(&g.Main(), {})); }},
         {QStringLiteral("save-choice-dialog.png"),
          [](Gallery& g) { return g.Keep(new ToviSelectOutputPhotoDlg(&g.Main())); }},
+        // The extraction dock in front of the trees' dock.
+        {QStringLiteral("extraction-dock.png"),
+         [](Gallery& g) {
+             QWidget* main = g.MainIn(V::Divide4);
+             g.Main().ShowExtraction();
+             return main;
+         }},
+        {QStringLiteral("extraction-detail-dialog.png"),
+         [](Gallery& g) {
+             auto* dialog = new ToviExtDetailDlg(&g.Main());
+             dialog->SetData(g.Data());
+             dialog->conditions.itemOn[0] = true;
+             dialog->conditions.itemTitle[0] = QStringLiteral("工種");
+             dialog->conditions.dateOn = true;
+             dialog->conditions.dateFrom = QStringLiteral("2023-07-01");
+             dialog->conditions.dateTo = QStringLiteral("2023-09-30");
+             return g.Keep(dialog);
+         }},
         {QStringLiteral("setup-dialog.png"),
          [](Gallery& g) {
              ToviData* data = g.Data();

@@ -107,6 +107,8 @@ private slots:
                                       QStringLiteral("comment-dialog.png"),
                                       QStringLiteral("label-batch-dialog.png"),
                                       QStringLiteral("save-choice-dialog.png"),
+                                      QStringLiteral("extraction-dock.png"),
+                                      QStringLiteral("extraction-detail-dialog.png"),
                                       QStringLiteral("setup-dialog.png"),
                                       QStringLiteral("setup-items-dialog.png"),
                                       QStringLiteral("setup-type-dialog.png"),
