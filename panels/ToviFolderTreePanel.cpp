@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 
 namespace {
 
@@ -68,8 +69,7 @@ private:
         if (!index.parent().isValid()) {
             return 0;  // the root is never bold nor counted
         }
-        const auto* node = static_cast<const ToviNode*>(index.data(Qt::UserRole).value<void*>());
-        return node ? node->GetImageCount() : 0;
+        return index.data(ToviTreePanel::CountRole).toInt();
     }
 };
 
@@ -97,6 +97,13 @@ void ToviFolderTreePanel::ConstructImageList() {
 }
 
 void ToviFolderTreePanel::OnUpdate(QWidget* sender, ToviData::UpdateHint hint, QObject* object) {
+    if (hint == ToviData::HintDetach) {
+        // The tree stays on show as it was, but its items let go of the document's nodes,
+        // which go with the document.
+        for (QTreeWidgetItemIterator it(tree); *it; ++it) {
+            (*it)->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(nullptr)));
+        }
+    }
     ToviPanel::OnUpdate(sender, hint, object);
     const bool acted = hint == ToviData::HintInitialize || hint == ToviData::HintRefresh1 ||
                        hint == ToviData::HintSettingsChanged || hint == ToviData::HintRefresh8 ||

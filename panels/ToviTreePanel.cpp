@@ -40,6 +40,7 @@ QTreeWidgetItem* ToviTreePanel::RegNode(QTreeWidgetItem* parent, ToviNode* node,
                                         int selectedImage) {
     auto* item = new QTreeWidgetItem(parent, QStringList{node->Title()});
     item->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(node)));
+    item->setData(0, CountRole, node->GetImageCount());
     SetImages(item, image, selectedImage);
     for (int i = 0; i < node->GetChildNodeCount(); ++i) {
         RegNode(item, node->GetNode(i), image + 1, selectedImage + 1);

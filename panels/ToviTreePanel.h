@@ -14,6 +14,10 @@ class ToviNode;
 class ToviTreePanel : public ToviPanel {
     Q_OBJECT
 public:
+    // Item roles: Qt::UserRole holds the node (null once the document is gone), this one the
+    // number of photographs under it, so that drawing never needs the node.
+    static constexpr int CountRole = Qt::UserRole + 1;
+
     explicit ToviTreePanel(QWidget* parent = nullptr);
 
     QTreeWidget* GetTreeCtrl() const { return tree; }

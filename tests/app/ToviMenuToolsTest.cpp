@@ -25,6 +25,7 @@
 #include <QTextBrowser>
 #include <QTemporaryDir>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 #include <QtTest>
 
 namespace {
@@ -262,8 +263,15 @@ private slots:
         QVERIFY(dialog && dialog->isVisible());
         QVERIFY(dialog->Browser()->toPlainText().contains(
             QStringLiteral("緑ヶ丘県緑ヶ丘市本町一丁目")));
-        // It goes with its delivery.
+        // It goes with its delivery. The tree stays as it was, its items no longer pointing
+        // into the document, and draws on.
         window.Document()->Close(&window);
+        QTreeWidget* tree = window.FolderTree()->GetTreeCtrl();
+        QVERIFY(tree->topLevelItemCount() > 0);
+        for (QTreeWidgetItemIterator it(tree); *it; ++it) {
+            QVERIFY(!(*it)->data(0, Qt::UserRole).value<void*>());
+        }
+        tree->viewport()->repaint();
         QTRY_VERIFY(!window.findChild<ToviIndexPageDlg*>());
 
         DeliveryOptions options;
