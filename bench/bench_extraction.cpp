@@ -23,7 +23,7 @@
 #include "tests/support/ExifJpegWriter.h"
 #include "tests/support/WorkArea.h"
 
-#include "bench/BenchCommon.h"
+#include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
 
@@ -317,23 +317,6 @@ BENCHMARK(BM_OpenDetails)
     ->Arg(100000);
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
-    if (!Temp().isValid()) {
-        return 1;
-    }
-    UseWorkFolder(Temp().path());
-    ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
-    BenchUi ui;
-    ToviUi::Install(&ui);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    windows.clear();
-    ToviUi::Install(nullptr);
-    ToviProfile::Instance().UseFile(QString());
-    ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-    Temp().remove();
-    return 0;
+    return RunWindowBenchmarks(
+        argc, argv, [] { return std::unique_ptr<ToviUi>(new BenchUi); }, [] { windows.clear(); });
 }

@@ -12,7 +12,7 @@
 #include "tests/support/ScriptedUi.h"
 #include "tests/support/WorkArea.h"
 
-#include "bench/BenchCommon.h"
+#include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
 
@@ -81,22 +81,6 @@ void BM_SetUpDialogOpen(benchmark::State& state) {
 BENCHMARK(BM_SetUpDialogOpen)->Unit(benchmark::kMillisecond)->Iterations(20);
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    if (!Temp().isValid()) {
-        return 1;
-    }
-    UseWorkFolder(Temp().path());
-    ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
-    ScriptedUi ui;
-    ToviUi::Install(&ui);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    window.reset();
-    ToviUi::Install(nullptr);
-    ToviProfile::Instance().UseFile(QString());
-    ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-    Temp().remove();
-    return 0;
+    return RunWindowBenchmarks(
+        argc, argv, [] { return std::unique_ptr<ToviUi>(new ScriptedUi); }, [] { window.reset(); });
 }

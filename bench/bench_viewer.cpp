@@ -40,7 +40,7 @@
 #include "tests/support/ScriptedUi.h"
 #include "tests/support/WorkArea.h"
 
-#include "bench/BenchCommon.h"
+#include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
 
@@ -455,24 +455,6 @@ BENCHMARK(BM_SwitchToThumbList)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(BM_PeakAfterThumbListEnd)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
-    if (!Temp().isValid()) {
-        return 1;
-    }
-    UseWorkFolder(Temp().path());
-    ToviProfile::Instance().UseFile(Temp().filePath(QStringLiteral("profile.ini")));
-    // Questions get their safe answers: nobody is there to close a message box.
-    ScriptedUi ui;
-    ToviUi::Install(&ui);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    window.reset();
-    ToviUi::Install(nullptr);
-    ToviProfile::Instance().UseFile(QString());
-    ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-    Temp().remove();
-    return 0;
+    return RunWindowBenchmarks(
+        argc, argv, [] { return std::unique_ptr<ToviUi>(new ScriptedUi); }, [] { window.reset(); });
 }
