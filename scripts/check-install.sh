@@ -70,14 +70,14 @@ check_copy() {
     for file in lib/tovicore/libtovicore.so lib/tovicore/libtoviui.so \
         share/tovicore/READITEM.XML share/tovicore/XSLPLATE/MLIT/INDEX_C.XSL \
         share/applications/tovicore.desktop share/icons/hicolor/scalable/apps/tovicore.svg \
-        share/man/man1/tovi.1 share/man/man1/tovi-viewer.1; do
+        share/man/man1/tovi.1.gz share/man/man1/tovi-viewer.1.gz; do
         [ -f "$prefix/$file" ] || fail "$name: $file is missing"
     done
     desktop-file-validate "$prefix/share/applications/tovicore.desktop" ||
         fail "$name: the desktop file is not valid"
     for page in tovi tovi-viewer; do
         local said
-        said=$(MANWIDTH=80 man --warnings -l "$prefix/share/man/man1/$page.1" 2>&1 >/dev/null)
+        said=$(MANWIDTH=80 man --warnings -l "$prefix/share/man/man1/$page.1.gz" 2>&1 >/dev/null)
         [ -z "$said" ] || fail "$name: man $page: $said"
     done
     # Our libraries come from the installed copy, never from the build tree.
