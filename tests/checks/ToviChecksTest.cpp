@@ -241,6 +241,40 @@ private slots:
         }
     }
 
+    // A file name that reaches out of PIC/ names no file, whatever lies there (here a FIFO
+    // that would hold up anything opening it): missing, and the photograph's own file stray.
+    void nameReachingOut_data() {
+        QTest::addColumn<QString>("value");  // {fifo}: the FIFO's path; {up}: PIC/ to temp
+        QTest::newRow("up to a FIFO") << u"{up}/trap"_s;
+        QTest::newRow("absolute") << u"{fifo}"_s;
+        QTest::newRow("backslashes") << u"..\\..\\..\\trap"_s;
+        QTest::newRow("a folder") << u"../DRA"_s;
+        QTest::newRow("very long") << QString(70000, u'P');
+    }
+    void nameReachingOut() {
+        QFETCH(QString, value);
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        fifo = std::make_unique<FifoTrap>(temp.filePath(u"trap"_s));
+        QVERIFY(fifo->IsValid());
+        value.replace(u"{fifo}"_s, temp.filePath(u"trap"_s))
+            .replace(u"{up}"_s, QDir(folder + u"/PIC"_s).relativeFilePath(temp.path()));
+        QVERIFY(SetValue(folder, 1, u"写真ファイル名"_s, value));
+
+        ToviFindingCollector findings;
+        Check(folder, 0, findings);
+        QStringList errors;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            if (f.severity == ToviCheckFinding::Error) {
+                errors << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(Where(f));
+            }
+        }
+        QCOMPARE(errors, (QStringList{u"file.missing 1 PIC/"_s + value,
+                                      u"file.stray -1 PIC/P0000002.JPG"_s}));
+        QVERIFY(!fifo->Opened());
+    }
+
     // The writer's own deliveries are clean in every generation, and their dates lie in the
     // work period the index file gives.
     void cleanDelivery_data() {
