@@ -107,10 +107,10 @@ const MibPathResolver::Listing& ToviCheckContext::Folder(const QString& name, QS
         if (info.isDir() && !root.isEmpty() && real.startsWith(root + QLatin1Char('/'))) {
             found.listing = MibPathResolver::List(photoFolder + found.name);
         }
-        it = folders.insert(name, std::move(found));
+        it = folders.emplace(name, std::move(found)).first;
     }
     if (folderName) {
-        *folderName = it->name;
+        *folderName = it->second.name;
     }
-    return it->listing;
+    return it->second.listing;
 }

@@ -7,7 +7,7 @@
 #include <QList>
 #include <QString>
 
-#include <functional>
+#include <map>
 #include <optional>
 
 class ToviData;
@@ -22,9 +22,6 @@ public:
         QDate start;
         QDate end;
     };
-    // Answers false to stop the run.
-    using Tick = std::function<bool(qint64 done)>;
-
     explicit ToviCheckContext(const ToviData& document);
 
     const ToviData& Document() const { return document; }
@@ -43,22 +40,6 @@ public:
     // sub-folder's name as on the disc.
     const MibPathResolver::Listing& Folder(const QString& name, QString* folderName = nullptr);
 
-    // Called by a check for each photograph it has looked at (position in its own walk):
-    // moves the progress on and answers false once the run is cancelled.
-    bool Continue(int position) {
-        if ((position & 1023) != 0 || !tick) {
-            return !stopped;
-        }
-        stopped = stopped || !tick(base + position);
-        return !stopped;
-    }
-    bool Stopped() const { return stopped; }
-    // For the checker: where the current check's walk starts in the whole run.
-    void SetTick(Tick callback, qint64 startAt) {
-        tick = std::move(callback);
-        base = startAt;
-    }
-
 private:
     void ReadWorkPeriod();
 
@@ -70,8 +51,5 @@ private:
         QString name;
         MibPathResolver::Listing listing;
     };
-    QHash<QString, FolderListing> folders;
-    Tick tick;
-    qint64 base = 0;
-    bool stopped = false;
+    std::map<QString, FolderListing> folders;  // stable: Folder hands out references
 };

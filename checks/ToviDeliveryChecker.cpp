@@ -5,20 +5,9 @@
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 
-#include <algorithm>
-
 void ToviFindingCollector::Add(ToviCheckFinding finding) {
     ++counts[finding.severity];
     findings.push_back(std::move(finding));
-}
-
-void ToviFindingCollector::SortByPhotograph() {
-    const auto key = [](const ToviCheckFinding& f) {
-        return f.index < 0 ? std::numeric_limits<int>::max() : f.index;
-    };
-    std::stable_sort(
-        findings.begin(), findings.end(),
-        [&](const ToviCheckFinding& a, const ToviCheckFinding& b) { return key(a) < key(b); });
 }
 
 ToviDeliveryChecker::ToviDeliveryChecker() = default;
@@ -43,32 +32,34 @@ std::unique_ptr<ToviDeliveryChecker> ToviDeliveryChecker::Standard(bool withImag
     return checker;
 }
 
-bool ToviDeliveryChecker::Run(const ToviData& document, ToviFindingCollector& findings) {
+bool ToviDeliveryChecker::Run(const ToviData& document, ToviFindingSink& sink) {
     ToviCheckContext context(document);
-    const qint64 perCheck = std::max(1, context.PhotoCount());
-    const qint64 total = perCheck * static_cast<qint64>(checks.size());
-    qint64 start = 0;
+    const int total = context.PhotoCount();
+    const auto cancelled = [&] { return cancel && cancel->load(std::memory_order_relaxed); };
     for (const auto& check : checks) {
-        context.SetTick(
-            [&](qint64 done) {
-                if (progress) {
-                    progress(done, total);
-                }
-                return !(cancel && cancel->load(std::memory_order_relaxed));
-            },
-            start);
-        if (cancel && cancel->load(std::memory_order_relaxed)) {
-            break;
+        check->Begin(context);
+    }
+    for (int index = 0; index < total; ++index) {
+        if ((index & 1023) == 0) {
+            if (cancelled()) {
+                return false;
+            }
+            if (progress && index > 0) {
+                progress(index, total);
+            }
         }
-        check->Run(context, findings);
-        if (context.Stopped()) {
-            break;
-        }
-        start += perCheck;
-        if (progress) {
-            progress(start, total);
+        for (const auto& check : checks) {
+            check->CheckPhoto(context, index, sink);
         }
     }
-    findings.SortByPhotograph();
-    return !context.Stopped() && !(cancel && cancel->load(std::memory_order_relaxed));
+    if (cancelled()) {
+        return false;
+    }
+    for (const auto& check : checks) {
+        check->Finish(context, sink);
+    }
+    if (progress) {
+        progress(total, total);
+    }
+    return true;
 }

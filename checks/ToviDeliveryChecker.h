@@ -19,9 +19,6 @@ public:
     void Add(ToviCheckFinding finding) override;
     const std::vector<ToviCheckFinding>& Findings() const { return findings; }
     int Count(ToviCheckFinding::Severity severity) const { return counts[severity]; }
-    // Orders the findings by photograph (those about no photograph last), keeping the order
-    // the checks found them in within one photograph.
-    void SortByPhotograph();
 
 private:
     std::vector<ToviCheckFinding> findings;
@@ -33,8 +30,8 @@ private:
 // meanwhile (see Run).
 class ToviDeliveryChecker {
 public:
-    // done out of total steps (one per photograph per check); called now and then from the
-    // thread that runs the checks.
+    // done out of total photographs; called now and then, and at the end, from the thread that
+    // runs the checks.
     using Progress = std::function<void(qint64 done, qint64 total)>;
 
     ToviDeliveryChecker();
@@ -51,10 +48,11 @@ public:
     // Set from any thread to stop the run at the next photograph.
     void SetCancelFlag(const std::atomic<bool>* flag) { cancel = flag; }
 
-    // Runs every check in turn; answers false when cancelled (findings holds those found so
-    // far). The findings come sorted by photograph. The document must not change during the
+    // Walks the photographs once, each through every check, then lets each check end; answers
+    // false when cancelled (sink has what was found so far). The findings reach the sink by
+    // photograph, those about no photograph last. The document must not change during the
     // run: the caller keeps edits, reloads and label changes away meanwhile.
-    bool Run(const ToviData& document, ToviFindingCollector& findings);
+    bool Run(const ToviData& document, ToviFindingSink& sink);
 
 private:
     std::vector<std::unique_ptr<ToviDeliveryCheck>> checks;

@@ -79,41 +79,47 @@ QList<const char*> ToviDateCheck::Codes() const {
     return {kDateFormat, kDateInvalid, kDateOutside};
 }
 
-void ToviDateCheck::Run(ToviCheckContext& context, ToviFindingSink& sink) {
-    const QSet<int> dates = Definitions(context, {"撮影年月日"});
+void ToviDateCheck::Begin(ToviCheckContext& context) {
+    dates = Definitions(context, {"撮影年月日"});
+    start.reset();
+    end.reset();
+    if (const auto& period = context.WorkPeriod()) {
+        start = period->start;
+        end = period->end;
+    }
+}
+
+void ToviDateCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindingSink& sink) {
     if (dates.isEmpty()) {
         return;
     }
-    const auto& period = context.WorkPeriod();
     const QString item = QStringLiteral("撮影年月日");
-    for (int index = 0; index < context.PhotoCount() && context.Continue(index); ++index) {
-        for (const ToviItem& it : context.Photo(index).GetItems()) {
-            const QString& value = it.Value();
-            if (!dates.contains(it.GetDefIndex()) || value.isEmpty()) {
-                continue;
-            }
-            const bool shaped = value.size() == 10 && value[4] == QLatin1Char('-') &&
-                                value[7] == QLatin1Char('-') && IsAsciiDigits(value.left(4)) &&
-                                IsAsciiDigits(value.mid(5, 2)) && IsAsciiDigits(value.mid(8, 2));
-            if (!shaped) {
-                sink.Add(Finding(kDateFormat, ToviCheckFinding::Error, index, item,
-                                 QStringLiteral("撮影年月日「%1」が CCYY-MM-DD の形 (例 "
-                                                "2024-04-01) で書かれていません")
-                                     .arg(value)));
-                continue;
-            }
-            const QDate date = QDate::fromString(value, Qt::ISODate);
-            if (!date.isValid()) {
-                sink.Add(Finding(kDateInvalid, ToviCheckFinding::Error, index, item,
-                                 QStringLiteral("撮影年月日「%1」は暦にない日付です").arg(value)));
-                continue;
-            }
-            if (period && (date < period->start || date > period->end)) {
-                sink.Add(Finding(kDateOutside, ToviCheckFinding::Warning, index, item,
-                                 QStringLiteral("撮影年月日 %1 が工期 (%2 ～ %3) の外です")
-                                     .arg(value, period->start.toString(Qt::ISODate),
-                                          period->end.toString(Qt::ISODate))));
-            }
+    for (const ToviItem& it : context.Photo(index).GetItems()) {
+        const QString& value = it.Value();
+        if (!dates.contains(it.GetDefIndex()) || value.isEmpty()) {
+            continue;
+        }
+        const bool shaped = value.size() == 10 && value[4] == QLatin1Char('-') &&
+                            value[7] == QLatin1Char('-') && IsAsciiDigits(value.left(4)) &&
+                            IsAsciiDigits(value.mid(5, 2)) && IsAsciiDigits(value.mid(8, 2));
+        if (!shaped) {
+            sink.Add(Finding(kDateFormat, ToviCheckFinding::Error, index, item,
+                             QStringLiteral("撮影年月日「%1」が CCYY-MM-DD の形 (例 "
+                                            "2024-04-01) で書かれていません")
+                                 .arg(value)));
+            continue;
+        }
+        const QDate date = QDate::fromString(value, Qt::ISODate);
+        if (!date.isValid()) {
+            sink.Add(Finding(kDateInvalid, ToviCheckFinding::Error, index, item,
+                             QStringLiteral("撮影年月日「%1」は暦にない日付です").arg(value)));
+            continue;
+        }
+        if (start && (date < *start || date > *end)) {
+            sink.Add(
+                Finding(kDateOutside, ToviCheckFinding::Warning, index, item,
+                        QStringLiteral("撮影年月日 %1 が工期 (%2 ～ %3) の外です")
+                            .arg(value, start->toString(Qt::ISODate), end->toString(Qt::ISODate))));
         }
     }
 }
@@ -124,23 +130,24 @@ QList<const char*> ToviFlagCheck::Codes() const {
     return {kFlagNotBinary};
 }
 
-void ToviFlagCheck::Run(ToviCheckContext& context, ToviFindingSink& sink) {
-    const QSet<int> flags = Definitions(context, {"代表写真", "提出頻度写真"});
+void ToviFlagCheck::Begin(ToviCheckContext& context) {
+    flags = Definitions(context, {"代表写真", "提出頻度写真"});
+}
+
+void ToviFlagCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindingSink& sink) {
     if (flags.isEmpty()) {
         return;
     }
-    for (int index = 0; index < context.PhotoCount() && context.Continue(index); ++index) {
-        for (const ToviItem& it : context.Photo(index).GetItems()) {
-            const QString& value = it.Value();
-            if (!flags.contains(it.GetDefIndex()) || value.isEmpty() ||
-                value == QLatin1String("0") || value == QLatin1String("1")) {
-                continue;
-            }
-            const QString title = context.DefinitionTitle(it.GetDefIndex());
-            sink.Add(Finding(kFlagNotBinary, ToviCheckFinding::Error, index, title,
-                             QStringLiteral("%1は 0 か 1 で書きます (「%2」と書かれています)")
-                                 .arg(title, value)));
+    for (const ToviItem& it : context.Photo(index).GetItems()) {
+        const QString& value = it.Value();
+        if (!flags.contains(it.GetDefIndex()) || value.isEmpty() || value == QLatin1String("0") ||
+            value == QLatin1String("1")) {
+            continue;
         }
+        const QString title = context.DefinitionTitle(it.GetDefIndex());
+        sink.Add(Finding(
+            kFlagNotBinary, ToviCheckFinding::Error, index, title,
+            QStringLiteral("%1は 0 か 1 で書きます (「%2」と書かれています)").arg(title, value)));
     }
 }
 
@@ -150,45 +157,45 @@ QList<const char*> ToviSerialCheck::Codes() const {
     return {kSerialNotDigits, kSerialDuplicate, kSerialOrder};
 }
 
-void ToviSerialCheck::Run(ToviCheckContext& context, ToviFindingSink& sink) {
-    const QSet<int> serials = Definitions(context, {"シリアル番号"});
+void ToviSerialCheck::Begin(ToviCheckContext& context) {
+    serials = Definitions(context, {"シリアル番号"});
+    firstWith.clear();
+    firstWith.reserve(context.PhotoCount());
+    previous.clear();
+}
+
+void ToviSerialCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindingSink& sink) {
     if (serials.isEmpty()) {
         return;
     }
     const QString item = QStringLiteral("シリアル番号");
-    QHash<QString, int> firstWith;  // number -> the first photograph that carries it
-    firstWith.reserve(context.PhotoCount());
-    QString previous;  // the last number read, to see the order
-    for (int index = 0; index < context.PhotoCount() && context.Continue(index); ++index) {
-        for (const ToviItem& it : context.Photo(index).GetItems()) {
-            const QString& value = it.Value();
-            if (!serials.contains(it.GetDefIndex()) || value.isEmpty()) {
-                continue;
-            }
-            if (!IsAsciiDigits(value)) {
-                sink.Add(
-                    Finding(kSerialNotDigits, ToviCheckFinding::Error, index, item,
-                            QStringLiteral("シリアル番号「%1」が半角数字だけで書かれていません")
-                                .arg(value)));
-                continue;
-            }
-            const QString number = Normalized(value);
-            const auto at = firstWith.constFind(number);
-            if (at != firstWith.cend()) {
-                // A repeated number is said once, as a repeat; its order follows from it.
-                sink.Add(Finding(kSerialDuplicate, ToviCheckFinding::Error, index, item,
-                                 QStringLiteral("シリアル番号 %1 は %2 番目の写真と重複しています")
-                                     .arg(value)
-                                     .arg(*at + 1)));
-            } else if (firstWith.insert(number, index);
-                       !previous.isEmpty() && CompareNumbers(number, previous) < 0) {
-                sink.Add(Finding(kSerialOrder, ToviCheckFinding::Error, index, item,
-                                 QStringLiteral("シリアル番号 %1 が前の写真の番号 %2 より小さく、"
-                                                "昇順になっていません")
-                                     .arg(value, previous)));
-            }
-            previous = number;
+    for (const ToviItem& it : context.Photo(index).GetItems()) {
+        const QString& value = it.Value();
+        if (!serials.contains(it.GetDefIndex()) || value.isEmpty()) {
+            continue;
         }
+        if (!IsAsciiDigits(value)) {
+            sink.Add(Finding(
+                kSerialNotDigits, ToviCheckFinding::Error, index, item,
+                QStringLiteral("シリアル番号「%1」が半角数字だけで書かれていません").arg(value)));
+            continue;
+        }
+        const QString number = Normalized(value);
+        const auto at = firstWith.constFind(number);
+        if (at != firstWith.cend()) {
+            // A repeated number is said once, as a repeat; its order follows from it.
+            sink.Add(Finding(kSerialDuplicate, ToviCheckFinding::Error, index, item,
+                             QStringLiteral("シリアル番号 %1 は %2 番目の写真と重複しています")
+                                 .arg(value)
+                                 .arg(*at + 1)));
+        } else if (firstWith.insert(number, index);
+                   !previous.isEmpty() && CompareNumbers(number, previous) < 0) {
+            sink.Add(Finding(kSerialOrder, ToviCheckFinding::Error, index, item,
+                             QStringLiteral("シリアル番号 %1 が前の写真の番号 %2 より小さく、"
+                                            "昇順になっていません")
+                                 .arg(value, previous)));
+        }
+        previous = number;
     }
 }
 
@@ -296,25 +303,30 @@ bool AllAscii(const QString& value) {
 
 }  // namespace
 
-void ToviTextCheck::Run(ToviCheckContext& context, ToviFindingSink& sink) {
-    QHash<char32_t, CharKind> known;
-    const auto check = [&](const ToviItemArray& items, int index) {
-        for (const ToviItem& it : items) {
-            if (AllAscii(it.Value())) {
-                continue;
-            }
-            Offenders found;
-            Gather(it.Value(), known, found);
-            if (found.Any()) {
-                const QString title = context.DefinitionTitle(it.GetDefIndex());
-                sink.Add(Finding(kTextNonJis, ToviCheckFinding::Error, index, title,
-                                 found.Message(title)));
-            }
+void ToviTextCheck::Begin(ToviCheckContext&) {
+    known.clear();
+}
+
+void ToviTextCheck::CheckItems(const ToviCheckContext& context, const ToviItemArray& items,
+                               int index, ToviFindingSink& sink) {
+    for (const ToviItem& it : items) {
+        if (AllAscii(it.Value())) {
+            continue;
         }
-    };
-    // The management items (基礎情報) belong to no photograph.
-    check(*context.Document().GetMngItemPhoto(), -1);
-    for (int index = 0; index < context.PhotoCount() && context.Continue(index); ++index) {
-        check(context.Photo(index).GetItems(), index);
+        Offenders found;
+        Gather(it.Value(), known, found);
+        if (found.Any()) {
+            const QString title = context.DefinitionTitle(it.GetDefIndex());
+            sink.Add(
+                Finding(kTextNonJis, ToviCheckFinding::Error, index, title, found.Message(title)));
+        }
     }
+}
+
+void ToviTextCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindingSink& sink) {
+    CheckItems(context, context.Photo(index).GetItems(), index, sink);
+}
+
+void ToviTextCheck::Finish(ToviCheckContext& context, ToviFindingSink& sink) {
+    CheckItems(context, *context.Document().GetMngItemPhoto(), -1, sink);
 }

@@ -1,5 +1,6 @@
 // tovi validate DIR [--family N] [--json] [--no-images]: the delivery checks, their findings
-// grouped by photograph and a count per severity.
+// grouped by photograph and a count per severity. Findings are written as the checks make
+// them, so that a delivery faulty in every photograph is reported in bounded memory.
 
 #include "cli/CliCommon.h"
 #include "cli/JsonWriter.h"
@@ -9,93 +10,118 @@
 #include "document/ToviPhoto.h"
 
 #include <array>
+#include <optional>
 
 namespace {
 
-void WriteJson(const ToviFindingCollector& findings) {
-    JsonWriter json;
-    json.BeginObject();
-    json.Key("findings");
-    json.BeginArray();
-    for (const ToviCheckFinding& f : findings.Findings()) {
-        json.BeginObject();
-        json.Key("code");
-        json.Value(f.code);
-        json.Key("severity");
-        json.Value(ToviCheckFinding::SeverityName(f.severity));
-        json.Key("index");
-        if (f.index >= 0) {
-            json.Value(f.index);
-        } else {
-            json.Null();
+// Writes each finding on at once and counts them by severity.
+class WritingSink : public ToviFindingSink {
+public:
+    WritingSink(const ToviData& document, bool json) : document(document) {
+        if (json) {
+            this->json.emplace();
+            this->json->BeginObject();
+            this->json->Key("findings");
+            this->json->BeginArray();
         }
-        json.Key("file");
-        if (!f.file.isEmpty()) {
-            json.Value(f.file);
-        } else {
-            json.Null();
-        }
-        json.Key("item");
-        if (!f.item.isEmpty()) {
-            json.Value(f.item);
-        } else {
-            json.Null();
-        }
-        json.Key("message");
-        json.Value(f.message);
-        json.EndObject();
+        fileTitle = document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真ファイル名"));
     }
-    json.EndArray();
-    json.Key("counts");
-    json.BeginObject();
-    for (const auto severity :
-         {ToviCheckFinding::Error, ToviCheckFinding::Warning, ToviCheckFinding::Note}) {
-        json.Key(ToviCheckFinding::SeverityName(severity));
-        json.Value(findings.Count(severity));
-    }
-    json.EndObject();
-    json.EndObject();
-    json.Finish();
-}
 
-// One heading per photograph with findings, its findings below it; those about no photograph
-// last. Written out in pieces, so that a long list is never held whole as text.
-void WriteText(const ToviData& document, const ToviFindingCollector& findings) {
-    const int fileTitle =
-        document.GetItemDef()->GetIndexFromTitle(QStringLiteral("写真ファイル名"));
-    QString out;
-    int heading = -2;
-    for (const ToviCheckFinding& f : findings.Findings()) {
+    void Add(ToviCheckFinding finding) override {
+        ++counts[finding.severity];
+        if (json) {
+            WriteJson(finding);
+        } else {
+            WriteText(finding);
+        }
+    }
+
+    void Finish() {
+        if (json) {
+            json->EndArray();
+            json->Key("counts");
+            json->BeginObject();
+            for (const auto severity :
+                 {ToviCheckFinding::Error, ToviCheckFinding::Warning, ToviCheckFinding::Note}) {
+                json->Key(ToviCheckFinding::SeverityName(severity));
+                json->Value(counts[severity]);
+            }
+            json->EndObject();
+            json->EndObject();
+            json->Finish();
+            return;
+        }
+        text += QStringLiteral("結果: エラー %1 件, 警告 %2 件, 注意 %3 件\n")
+                    .arg(counts[ToviCheckFinding::Error])
+                    .arg(counts[ToviCheckFinding::Warning])
+                    .arg(counts[ToviCheckFinding::Note]);
+        PrintOut(text.toUtf8());
+        text.clear();
+    }
+
+    int Errors() const { return counts[ToviCheckFinding::Error]; }
+
+private:
+    void WriteJson(const ToviCheckFinding& f) {
+        json->BeginObject();
+        json->Key("code");
+        json->Value(f.code);
+        json->Key("severity");
+        json->Value(ToviCheckFinding::SeverityName(f.severity));
+        json->Key("index");
+        if (f.index >= 0) {
+            json->Value(f.index);
+        } else {
+            json->Null();
+        }
+        for (const auto& [key, value] : {std::pair{"file", &f.file}, std::pair{"item", &f.item}}) {
+            json->Key(key);
+            if (!value->isEmpty()) {
+                json->Value(*value);
+            } else {
+                json->Null();
+            }
+        }
+        json->Key("message");
+        json->Value(f.message);
+        json->EndObject();
+    }
+
+    // One heading per photograph with findings, its findings below it; those about no
+    // photograph come last from the checker, under a heading of their own.
+    void WriteText(const ToviCheckFinding& f) {
         if (f.index != heading) {
             heading = f.index;
             if (f.index < 0) {
-                out += QStringLiteral("写真以外\n");
+                text += QStringLiteral("写真以外\n");
             } else {
                 const ToviPhoto* photo = document.GetPhotoActualPhotoArray(f.index);
                 const QString name = photo ? photo->GetTitle(fileTitle) : QString();
-                out += QStringLiteral("写真 %1%2\n")
-                           .arg(f.index)
-                           .arg(name.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(name));
+                text += QStringLiteral("写真 %1%2\n")
+                            .arg(f.index)
+                            .arg(name.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(name));
             }
         }
         QString where = f.item;
         if (!f.file.isEmpty()) {
             where = where.isEmpty() ? f.file : where + QLatin1Char(' ') + f.file;
         }
-        out += QStringLiteral("  %1 %2%3: %4\n")
-                   .arg(ToviCheckFinding::SeverityLabel(f.severity), QLatin1String(f.code),
-                        where.isEmpty() ? QString() : QLatin1Char(' ') + where, f.message);
-        if (out.size() > 1 << 15) {
-            PrintOut(out.toUtf8());
-            out.clear();
+        text += QStringLiteral("  %1 %2%3: %4\n")
+                    .arg(ToviCheckFinding::SeverityLabel(f.severity), QLatin1String(f.code),
+                         where.isEmpty() ? QString() : QLatin1Char(' ') + where, f.message);
+        if (text.size() > 1 << 15) {
+            PrintOut(text.toUtf8());
+            text.clear();
         }
     }
-    out += QStringLiteral("結果: エラー %1 件, 警告 %2 件, 注意 %3 件\n")
-               .arg(findings.Count(ToviCheckFinding::Error))
-               .arg(findings.Count(ToviCheckFinding::Warning))
-               .arg(findings.Count(ToviCheckFinding::Note));
-    PrintOut(out.toUtf8());
-}
+
+    const ToviData& document;
+    std::optional<JsonWriter> json;
+    QString text;
+    int heading = -2;
+    int fileTitle = -1;
+    std::array<int, ToviCheckFinding::kSeverityCount> counts{};
+};
 
 }  // namespace
 
@@ -114,12 +140,8 @@ int RunValidate(QStringList args) {
         return ExitNotLoaded;
     }
     const std::unique_ptr<ToviDeliveryChecker> checker = ToviDeliveryChecker::Standard(!noImages);
-    ToviFindingCollector findings;
-    checker->Run(*document, findings);
-    if (options.json) {
-        WriteJson(findings);
-    } else {
-        WriteText(*document, findings);
-    }
-    return findings.Count(ToviCheckFinding::Error) > 0 ? ExitNotLoaded : ExitOk;
+    WritingSink sink(*document, options.json);
+    checker->Run(*document, sink);
+    sink.Finish();
+    return sink.Errors() > 0 ? ExitNotLoaded : ExitOk;
 }
