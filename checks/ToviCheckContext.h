@@ -3,7 +3,6 @@
 #include "platform/MibPathResolver.h"
 
 #include <QDate>
-#include <QHash>
 #include <QList>
 #include <QString>
 

@@ -3,8 +3,6 @@
 #include "checks/ToviCheckFinding.h"
 #include "checks/ToviDeliveryCheck.h"
 
-#include <QList>
-
 #include <array>
 #include <atomic>
 #include <functional>

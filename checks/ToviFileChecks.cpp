@@ -150,9 +150,9 @@ void ToviFilePresenceCheck::CheckPhoto(ToviCheckContext& context, int index,
                 photoOwners.insert(folded, index);
             } else {
                 add(kShared, ToviCheckFinding::Error,
-                    QStringLiteral("写真ファイル %1 は %2 番目の写真も指しています")
+                    QStringLiteral("写真ファイル %1 は写真 %2 も指しています")
                         .arg(file.name)
-                        .arg(*first + 1));
+                        .arg(*first));
             }
         }
         const MibPathResolver::Listing& listing = isPhoto ? pic : dra;

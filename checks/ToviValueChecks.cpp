@@ -184,10 +184,9 @@ void ToviSerialCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindi
         const auto at = firstWith.constFind(number);
         if (at != firstWith.cend()) {
             // A repeated number is said once, as a repeat; its order follows from it.
-            sink.Add(Finding(kSerialDuplicate, ToviCheckFinding::Error, index, item,
-                             QStringLiteral("シリアル番号 %1 は %2 番目の写真と重複しています")
-                                 .arg(value)
-                                 .arg(*at + 1)));
+            sink.Add(Finding(
+                kSerialDuplicate, ToviCheckFinding::Error, index, item,
+                QStringLiteral("シリアル番号 %1 は写真 %2 と重複しています").arg(value).arg(*at)));
         } else if (firstWith.insert(number, index);
                    !previous.isEmpty() && CompareNumbers(number, previous) < 0) {
             sink.Add(Finding(kSerialOrder, ToviCheckFinding::Error, index, item,
