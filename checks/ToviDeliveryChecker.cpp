@@ -32,6 +32,14 @@ std::unique_ptr<ToviDeliveryChecker> ToviDeliveryChecker::Standard(bool withImag
     return checker;
 }
 
+QList<const char*> ToviDeliveryChecker::Codes() const {
+    QList<const char*> codes;
+    for (const auto& check : checks) {
+        codes += check->Codes();
+    }
+    return codes;
+}
+
 bool ToviDeliveryChecker::Run(const ToviData& document, ToviFindingSink& sink) {
     ToviCheckContext context(document);
     const int total = context.PhotoCount();

@@ -3,6 +3,8 @@
 #include "checks/ToviCheckFinding.h"
 #include "checks/ToviDeliveryCheck.h"
 
+#include <QList>
+
 #include <array>
 #include <atomic>
 #include <functional>
@@ -41,6 +43,8 @@ public:
     // The value and file checks; withImages adds those that read image files (none yet).
     static std::unique_ptr<ToviDeliveryChecker> Standard(bool withImages);
     int CheckCount() const { return static_cast<int>(checks.size()); }
+    // Every code the checks can report, in the checks' order.
+    QList<const char*> Codes() const;
 
     void SetProgress(Progress callback) { progress = std::move(callback); }
     // Set from any thread to stop the run at the next photograph.
