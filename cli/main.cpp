@@ -15,6 +15,7 @@ int RunLabel(QStringList args);
 int RunReport(QStringList args);
 int RunExport(QStringList args);
 int RunIndex(QStringList args);
+int RunValidate(QStringList args);
 
 namespace {
 
@@ -60,6 +61,13 @@ const char kUsage[] =
     "    そのスタイルシート、スタイルシートを指すように書き換えた写しのパスを表示する\n"
     "    (--json: {\"indexPath\", \"stylesheetPath\", \"copyPath\"})。--html: 写しを\n"
     "    スタイルシートで変換したページを FILE に書き出す\n"
+    "  tovi validate DIR [--family N] [--json] [--no-images]   納品データを検査し、\n"
+    "    指摘を写真ごとにまとめ、重大度ごとの件数とともに表示する (撮影年月日、代表写真、\n"
+    "    提出頻度写真、シリアル番号、JIS X 0208 にない文字、写真・参考図ファイルの有無と\n"
+    "    名前、指定のないファイル)。エラーがなければ終了コード 0、あれば 1\n"
+    "    --json       {\"findings\": [{\"code\", \"severity\", \"index\", \"file\", \"item\",\n"
+    "                 \"message\"}], \"counts\": {\"error\", \"warning\", \"note\"}}\n"
+    "    --no-images  画像を読む検査を行わない\n"
     "  --profile FILE   設定をこの INI ファイルに読み書きする\n"
     "終了コード: 0 読み込めた, 1 読み込めなかった, 2 使い方の誤り\n";
 
@@ -107,6 +115,9 @@ int main(int argc, char** argv) {
     }
     if (command == QLatin1String("index")) {
         return RunIndex(args);
+    }
+    if (command == QLatin1String("validate")) {
+        return RunValidate(args);
     }
     PrintError(QStringLiteral("tovi: 不明なコマンド %1 (tovi --help で使い方を表示)").arg(command));
     return ExitUsage;

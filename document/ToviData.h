@@ -65,6 +65,7 @@ public:
     const ToviItemDef* GetItemDef() const { return &itemDef; }
     ToviPhotoArray* GetPhotoDataArray() { return &photoData; }
     ToviItemArray* GetMngItemPhoto() { return &mngItems; }
+    const ToviItemArray* GetMngItemPhoto() const { return &mngItems; }
     ToviHostDocument* GetHostDocument() const { return hostDocument; }
     // ToviPhoto::MakePath on every photograph, in order.
     void MakePath();

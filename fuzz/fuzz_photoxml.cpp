@@ -1,10 +1,12 @@
 // PHOTO.XML in, a document out: the delivery reader walks the file against the item
-// definitions beside the program, and the document is read back as `tovi info --json` reads
-// it. The first byte picks the family (its value modulo 4), the rest is the file; each seed
-// starts with the family of its generation.
+// definitions beside the program, the document is read back as `tovi info --json` reads it,
+// and the delivery checks that read no image run over it. The first byte picks the family
+// (its value modulo 4), the rest is the file; each seed starts with the family of its
+// generation.
 #include "FuzzSupport.h"
 #include "SilentHost.h"
 
+#include "checks/ToviDeliveryChecker.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
 #include "imagefacts/ToviControlValueArray.h"
@@ -43,5 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         photo->GetControlValueArray(rows);
         sink = photo->GetImagePath();
     }
+    ToviFindingCollector findings;
+    ToviDeliveryChecker::Standard(false)->Run(*document, findings);
     return 0;
 }

@@ -179,6 +179,10 @@ private slots:
         row("check, eleven types", {"check", "{d}", "--types", "0,1,2,0,1,2,0,1,2,0,1"}, 2);
         row("check, no folder", {"check"}, 2);
         row("check, not a delivery", {"check", "{t}"}, 1);
+        row("validate, no folder", {"validate"}, 2, "フォルダ");
+        row("validate, an option of later", {"validate", "{w}", "--xlsx", "{t}/v.xlsx"}, 2,
+            "--xlsx");
+        row("validate, not a delivery", {"validate", "{t}"}, 1);
         // Only the first 19 characters count; the rest is no usage error.
         row("check, ten types", {"check", "{d}", "--types", "0,1,2,0,1,2,0,1,2,0"}, 0,
             "3 不明: 5 枚");
@@ -355,6 +359,67 @@ private slots:
             QCOMPARE(profile.value(u"VisualSetting/DoEditCheck"_s).toInt(), 100);
             QCOMPARE(profile.value(u"VisualSetting/EditCheckTypes"_s).toString(), u"0"_s);
         }
+    }
+
+    // validate --json: exactly the six keys of a finding and the three counts, which add up
+    // the findings; exit 1 with an error, 0 with none, whatever warnings there are.
+    void validate() {
+        // The delivery without images: every photograph and drawing is missing.
+        ProgramRun run = Tovi({u"validate"_s, written.photoFolder, u"--json"_s});
+        QCOMPARE(run.exitCode, 1);
+        QJsonObject json = Json(run);
+        QCOMPARE(json.keys(), (QStringList{u"counts"_s, u"findings"_s}));
+        QMap<QString, int> counted;
+        QSet<int> missing;
+        for (const QJsonValue& value : json["findings"_L1].toArray()) {
+            const QJsonObject f = value.toObject();
+            QCOMPARE(f.keys(), (QStringList{u"code"_s, u"file"_s, u"index"_s, u"item"_s,
+                                            u"message"_s, u"severity"_s}));
+            ++counted[f["severity"_L1].toString()];
+            QVERIFY(!f["message"_L1].toString().isEmpty());
+            if (f["code"_L1] == u"file.missing"_s && f["item"_L1] == u"写真ファイル名"_s) {
+                const int index = f["index"_L1].toInt(-1);
+                QCOMPARE(f["file"_L1].toString(), u"PIC/"_s + written.photos[index].fileName);
+                missing.insert(index);
+            }
+        }
+        QCOMPARE(missing.size(), written.photos.size());
+        const QJsonObject counts = json["counts"_L1].toObject();
+        QCOMPARE(counts.keys(), (QStringList{u"error"_s, u"note"_s, u"warning"_s}));
+        for (const QString& severity : counts.keys()) {
+            QCOMPARE(counts[severity].toInt(), counted.value(severity));
+        }
+        // In the text the photograph's heading comes before its findings, the counts last.
+        run = Tovi({u"validate"_s, written.photoFolder});
+        QCOMPARE(run.exitCode, 1);
+        const QString text = QString::fromUtf8(run.out);
+        QVERIFY2(text.startsWith(
+                     u"写真 0 (%1)\n  エラー file.missing"_s.arg(written.photos[0].fileName)),
+                 qPrintable(text));
+        QVERIFY(text.endsWith(
+            u"結果: エラー %1 件, 警告 %2 件, 注意 %3 件\n"_s.arg(counted.value(u"error"_s))
+                .arg(counted.value(u"warning"_s))
+                .arg(counted.value(u"note"_s))));
+
+        // A clean delivery, then a stray file in it: a finding about no photograph.
+        run = Tovi({u"validate"_s, checked.photoFolder, u"--json"_s, u"--no-images"_s});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(Json(run)["counts"_L1].toObject()["error"_L1].toInt(-1), 0);
+        const QString stray = checked.photoFolder + u"/PIC/Thumbs.db"_s;
+        QVERIFY(QFile(stray).open(QIODevice::WriteOnly));
+        run = Tovi({u"validate"_s, checked.photoFolder, u"--json"_s});
+        QVERIFY(QFile::remove(stray));
+        QCOMPARE(run.exitCode, 1);
+        json = Json(run);
+        const QJsonArray findings = json["findings"_L1].toArray();
+        const auto found = std::find_if(findings.begin(), findings.end(), [](const QJsonValue& f) {
+            return f["code"_L1] == u"file.stray"_s;
+        });
+        QVERIFY(found != findings.end());
+        QVERIFY((*found)["index"_L1].isNull());
+        QVERIFY((*found)["item"_L1].isNull());
+        QCOMPARE((*found)["file"_L1].toString(), u"PIC/Thumbs.db"_s);
+        QCOMPARE((*found)["severity"_L1].toString(), u"error"_s);
     }
 
 private:

@@ -1,0 +1,369 @@
+#include "checks/ToviDeliveryChecker.h"
+#include "checks/ToviValueChecks.h"
+#include "document/ToviData.h"
+#include "loading/ToviEnouDataFactory.h"
+#include "platform/Cp932.h"
+#include "platform/ToviProfile.h"
+#include "tests/support/DeliveryWriter.h"
+#include "tests/support/FifoTrap.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray ReadAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool WriteAll(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(bytes) == bytes.size();
+}
+
+// Sets the text of element tag of the photograph at index in the Shift_JIS PHOTO.XML; index
+// -1 is the part before the first photograph (基礎情報).
+bool SetValue(const QString& photoFolder, int index, const QString& tag, const QString& text) {
+    const QString path = photoFolder + u"/PHOTO.XML"_s;
+    QByteArray xml = ReadAll(path);
+    const QByteArray block = Cp932::FromUnicode(u"<写真情報>"_s);
+    qsizetype at = index < 0 ? 0 : -1;
+    for (int i = 0; i <= index; ++i) {
+        at = xml.indexOf(block, at + 1);
+        if (at < 0) {
+            return false;
+        }
+    }
+    const QByteArray open = Cp932::FromUnicode(u"<"_s + tag + u">"_s);
+    const QByteArray close = Cp932::FromUnicode(u"</"_s + tag + u">"_s);
+    const qsizetype from = xml.indexOf(open, at);
+    const qsizetype to = xml.indexOf(close, from);
+    const qsizetype end =
+        index < 0 ? xml.indexOf(block) : xml.indexOf(Cp932::FromUnicode(u"</写真情報>"_s), at);
+    if (from < 0 || to < 0 || to > end) {
+        return false;
+    }
+    bool ok = false;
+    const QByteArray value = Cp932::FromUnicode(text, &ok);
+    xml.replace(from + open.size(), to - from - open.size(), value);
+    return ok && WriteAll(path, xml);
+}
+
+struct Expected {
+    QString code;
+    int index;
+    QString where;  // the item, or the file when the finding names one
+};
+
+QString Where(const ToviCheckFinding& f) {
+    return f.file.isEmpty() ? f.item : f.file;
+}
+
+}  // namespace
+
+// The delivery checks on written deliveries: each fault planted alone is found by its code on
+// its photograph and nothing else is an error; a clean delivery of any generation has no error.
+class ToviChecksTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir temp;
+    int deliveries = 0;
+    std::unique_ptr<FifoTrap> fifo;
+
+    // A delivery of six photographs, each with one reference drawing, tiny images.
+    QString Write(WrittenDelivery& written, Generation generation = Generation::Mlit20) {
+        DeliveryOptions options;
+        options.generation = generation;
+        options.photoCount = 6;
+        options.images = DeliveryOptions::Images::Tiny;
+        options.drawingShare = 1.0;
+        options.maxRepeats = 1;
+        QString error;
+        const QString root = temp.filePath(u"d%1"_s.arg(++deliveries));
+        return WriteDelivery(root, options, &written, &error) ? written.photoFolder : QString();
+    }
+
+    static void Check(const QString& folder, int family, ToviFindingCollector& findings) {
+        std::unique_ptr<ToviData> document =
+            ToviEnouDataFactory().Create(nullptr, folder, static_cast<PhotoXMLType>(family));
+        QVERIFY(document);
+        QCOMPARE(document->GetErrorType(), ReadErrNone);
+        QVERIFY(ToviDeliveryChecker::Standard(true)->Run(*document, findings));
+    }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(temp.isValid());
+        ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
+    }
+    void cleanup() { fifo.reset(); }
+
+    void plantedFault_data() {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("code");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("where");
+        const auto row = [](const char* fault, const char* code, int index, const QString& where) {
+            QTest::newRow(fault) << QString::fromUtf8(fault) << QString::fromLatin1(code) << index
+                                 << where;
+        };
+        row("date with slashes", "date.format", 2, u"撮影年月日"_s);
+        row("date with full-width digits", "date.format", 1, u"撮影年月日"_s);
+        row("date 30 February", "date.invalid", 3, u"撮影年月日"_s);
+        row("date before the work", "date.outside-period", 4, u"撮影年月日"_s);
+        row("代表写真 2", "flag.not-binary", 0, u"代表写真"_s);
+        row("提出頻度写真 yes", "flag.not-binary", 5, u"提出頻度写真"_s);
+        row("serial with a letter", "serial.not-digits", 2, u"シリアル番号"_s);
+        row("serial repeated", "serial.duplicate", 3, u"シリアル番号"_s);
+        row("serial repeated with zeros", "serial.duplicate", 4, u"シリアル番号"_s);
+        row("serial falling", "serial.order", 2, u"シリアル番号"_s);
+        row("circled digit", "text.non-jis", 1, u"写真タイトル"_s);
+        row("company sign in the place", "text.non-jis", 2, u"撮影箇所"_s);
+        row("user-defined character", "text.non-jis", 3, u"写真タイトル"_s);
+        row("half-width katakana", "text.non-jis", 0, u"写真タイトル"_s);
+        row("emoji", "text.non-jis", 5, u"写真タイトル"_s);
+        row("roman numeral in 基礎情報", "text.non-jis", -1, u"適用要領基準"_s);
+        row("photograph missing", "file.missing", 2, u"PIC/P0000003.JPG"_s);
+        row("drawing missing", "file.missing", 0, u"DRA/D0000001.JPG"_s);
+        row("photograph in lower case", "file.case-mismatch", 1, u"PIC/P0000002.JPG"_s);
+        row("photograph named freely", "file.name-pattern", 4, u"PIC/IMG_0005.JPG"_s);
+        row("drawing named in lower case", "file.name-pattern", 3, u"DRA/d0000004.JPG"_s);
+        row("Thumbs.db", "file.stray", -1, u"PIC/Thumbs.db"_s);
+        row("folder in DRA", "file.stray", -1, u"DRA/old"_s);
+        row("one file for two photographs", "file.shared", 3, u"PIC/P0000002.JPG"_s);
+        row("photograph a FIFO", "file.special", 1, u"PIC/P0000002.JPG"_s);
+        row("photograph a link outside", "file.special", 2, u"PIC/P0000003.JPG"_s);
+        row("photograph a dangling link", "file.missing", 4, u"PIC/P0000005.JPG"_s);
+    }
+    void plantedFault() {
+        QFETCH(QString, fault);
+        QFETCH(QString, code);
+        QFETCH(int, index);
+        QFETCH(QString, where);
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        const QString pic = folder + u"/PIC/"_s;
+        const QString dra = folder + u"/DRA/"_s;
+        const QHash<QString, std::function<bool()>> plants{
+            {u"date with slashes"_s,
+             [&] { return SetValue(folder, 2, u"撮影年月日"_s, u"2024/04/01"_s); }},
+            {u"date with full-width digits"_s,
+             [&] { return SetValue(folder, 1, u"撮影年月日"_s, u"２０２４-０４-０１"_s); }},
+            {u"date 30 February"_s,
+             [&] { return SetValue(folder, 3, u"撮影年月日"_s, u"2023-02-30"_s); }},
+            {u"date before the work"_s,
+             [&] { return SetValue(folder, 4, u"撮影年月日"_s, u"1999-12-31"_s); }},
+            {u"代表写真 2"_s, [&] { return SetValue(folder, 0, u"代表写真"_s, u"2"_s); }},
+            {u"提出頻度写真 yes"_s,
+             [&] { return SetValue(folder, 5, u"提出頻度写真"_s, u"有"_s); }},
+            {u"serial with a letter"_s,
+             [&] { return SetValue(folder, 2, u"シリアル番号"_s, u"3a"_s); }},
+            {u"serial repeated"_s, [&] { return SetValue(folder, 3, u"シリアル番号"_s, u"3"_s); }},
+            {u"serial repeated with zeros"_s,
+             [&] { return SetValue(folder, 4, u"シリアル番号"_s, u"004"_s); }},
+            {u"serial falling"_s, [&] { return SetValue(folder, 1, u"シリアル番号"_s, u"10"_s); }},
+            {u"circled digit"_s,
+             [&] { return SetValue(folder, 1, u"写真タイトル"_s, u"①番 全景"_s); }},
+            {u"company sign in the place"_s,
+             [&] { return SetValue(folder, 2, u"撮影箇所"_s, u"㈱緑ヶ丘 前"_s); }},
+            {u"user-defined character"_s,
+             [&] {
+                 return SetValue(folder, 3, u"写真タイトル"_s, QString(QChar(0xE000)) + u"全景"_s);
+             }},
+            {u"half-width katakana"_s,
+             [&] { return SetValue(folder, 0, u"写真タイトル"_s, u"ｾﾞﾝｹｲ"_s); }},
+            // No Shift_JIS form: written as a character reference.
+            {u"emoji"_s,
+             [&] { return SetValue(folder, 5, u"写真タイトル"_s, u"全景&#x1F600;"_s); }},
+            {u"roman numeral in 基礎情報"_s,
+             [&] { return SetValue(folder, -1, u"適用要領基準"_s, u"土木Ⅲ"_s); }},
+            {u"photograph missing"_s, [&] { return QFile::remove(pic + u"P0000003.JPG"_s); }},
+            {u"drawing missing"_s, [&] { return QFile::remove(dra + u"D0000001.JPG"_s); }},
+            {u"photograph in lower case"_s,
+             [&] { return QFile::rename(pic + u"P0000002.JPG"_s, pic + u"p0000002.jpg"_s); }},
+            {u"photograph named freely"_s,
+             [&] {
+                 return SetValue(folder, 4, u"写真ファイル名"_s, u"IMG_0005.JPG"_s) &&
+                        QFile::rename(pic + u"P0000005.JPG"_s, pic + u"IMG_0005.JPG"_s);
+             }},
+            {u"drawing named in lower case"_s,
+             [&] {
+                 return SetValue(folder, 3, u"参考図ファイル名"_s, u"d0000004.JPG"_s) &&
+                        QFile::rename(dra + u"D0000004.JPG"_s, dra + u"d0000004.JPG"_s);
+             }},
+            {u"Thumbs.db"_s, [&] { return WriteAll(pic + u"Thumbs.db"_s, "cache"); }},
+            {u"folder in DRA"_s, [&] { return QDir().mkdir(dra + u"old"_s); }},
+            {u"one file for two photographs"_s,
+             [&] {
+                 return SetValue(folder, 3, u"写真ファイル名"_s, u"P0000002.JPG"_s) &&
+                        QFile::remove(pic + u"P0000004.JPG"_s);
+             }},
+            {u"photograph a FIFO"_s,
+             [&] {
+                 if (!QFile::remove(pic + u"P0000002.JPG"_s)) {
+                     return false;
+                 }
+                 fifo = std::make_unique<FifoTrap>(pic + u"P0000002.JPG"_s);
+                 return fifo->IsValid();
+             }},
+            {u"photograph a link outside"_s,
+             [&] {
+                 const QString outside = temp.filePath(u"outside-%1.JPG"_s.arg(deliveries));
+                 return QFile::rename(pic + u"P0000003.JPG"_s, outside) &&
+                        QFile::link(outside, pic + u"P0000003.JPG"_s);
+             }},
+            {u"photograph a dangling link"_s,
+             [&] {
+                 return QFile::remove(pic + u"P0000005.JPG"_s) &&
+                        QFile::link(pic + u"gone.JPG"_s, pic + u"P0000005.JPG"_s);
+             }},
+        };
+        QVERIFY2(plants.contains(fault), qPrintable(fault));
+        QVERIFY(plants[fault]());
+
+        ToviFindingCollector findings;
+        Check(folder, 0, findings);
+        QStringList codes;  // what the checks say they report
+        for (const char* c : ToviDeliveryChecker::Standard(true)->Codes()) {
+            codes << QString::fromLatin1(c);
+        }
+        QList<QString> found;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            QVERIFY2(codes.contains(QLatin1String(f.code)), f.code);
+            if (f.severity == ToviCheckFinding::Error || code == QLatin1String(f.code)) {
+                found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(Where(f));
+            }
+        }
+        QCOMPARE(found, QList<QString>{u"%1 %2 %3"_s.arg(code).arg(index).arg(where)});
+        if (fifo) {
+            QVERIFY(!fifo->Opened());
+        }
+    }
+
+    // A file name that reaches out of PIC/ names no file, whatever lies there (here a FIFO
+    // that would hold up anything opening it): missing, and the photograph's own file stray.
+    void nameReachingOut_data() {
+        QTest::addColumn<QString>("value");  // {fifo}: the FIFO's path; {up}: PIC/ to temp
+        QTest::newRow("up to a FIFO") << u"{up}/trap"_s;
+        QTest::newRow("absolute") << u"{fifo}"_s;
+        QTest::newRow("backslashes") << u"..\\..\\..\\trap"_s;
+        QTest::newRow("a folder") << u"../DRA"_s;
+        QTest::newRow("very long") << QString(70000, u'P');
+    }
+    void nameReachingOut() {
+        QFETCH(QString, value);
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        fifo = std::make_unique<FifoTrap>(temp.filePath(u"trap"_s));
+        QVERIFY(fifo->IsValid());
+        value.replace(u"{fifo}"_s, temp.filePath(u"trap"_s))
+            .replace(u"{up}"_s, QDir(folder + u"/PIC"_s).relativeFilePath(temp.path()));
+        QVERIFY(SetValue(folder, 1, u"写真ファイル名"_s, value));
+
+        ToviFindingCollector findings;
+        Check(folder, 0, findings);
+        QStringList errors;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            if (f.severity == ToviCheckFinding::Error) {
+                errors << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(Where(f));
+            }
+        }
+        QCOMPARE(errors, (QStringList{u"file.missing 1 PIC/"_s + value,
+                                      u"file.stray -1 PIC/P0000002.JPG"_s}));
+        QVERIFY(!fifo->Opened());
+    }
+
+    // The writer's own deliveries are clean in every generation, and their dates lie in the
+    // work period the index file gives.
+    void cleanDelivery_data() {
+        QTest::addColumn<Generation>("generation");
+        for (const Generation generation : AllGenerations()) {
+            QTest::newRow(qPrintable(SectionName(generation))) << generation;
+        }
+    }
+    void cleanDelivery() {
+        QFETCH(Generation, generation);
+        WrittenDelivery written;
+        const QString folder = Write(written, generation);
+        QVERIFY(!folder.isEmpty());
+        ToviFindingCollector findings;
+        Check(folder, FamilyOf(generation), findings);
+        QStringList errors;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            errors << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.message);
+        }
+        QVERIFY2(errors.isEmpty(), qPrintable(errors.join(u'\n')));
+    }
+
+    // The kinds of characters, at the edges of the code page's rows.
+    void characterKinds_data() {
+        QTest::addColumn<uint>("character");
+        QTest::addColumn<int>("kind");
+        QTest::newRow("kanji") << uint(0x6F22) << int(ToviTextCheck::Jis);
+        QTest::newRow("full-width digit") << uint(0xFF11) << int(ToviTextCheck::Jis);
+        QTest::newRow("not-equal sign, row 2") << uint(0x2252) << int(ToviTextCheck::Jis);
+        QTest::newRow("circled 1, first of row 13") << uint(0x2460) << int(ToviTextCheck::Vendor);
+        QTest::newRow("roman III") << uint(0x2162) << int(ToviTextCheck::Vendor);
+        QTest::newRow("IBM kanji 纊") << uint(0x7E8A) << int(ToviTextCheck::Vendor);
+        QTest::newRow("first user-defined") << uint(0xE000) << int(ToviTextCheck::UserDefined);
+        QTest::newRow("last user-defined") << uint(0xE757) << int(ToviTextCheck::UserDefined);
+        QTest::newRow("half-width ka") << uint(0xFF76) << int(ToviTextCheck::HalfWidthKana);
+        QTest::newRow("hangul") << uint(0xD55C) << int(ToviTextCheck::NoCp932);
+        QTest::newRow("emoji") << uint(0x1F600) << int(ToviTextCheck::NoCp932);
+    }
+    void characterKinds() {
+        QFETCH(uint, character);
+        QFETCH(int, kind);
+        QCOMPARE(int(ToviTextCheck::Classify(char32_t(character))), kind);
+    }
+
+    // Progress rises to the number of photographs; a cancel stops the run within the next
+    // thousand photographs and says so.
+    void progressAndCancel() {
+        DeliveryOptions options;
+        options.photoCount = 5000;
+        options.images = DeliveryOptions::Images::None;  // every photograph a missing file
+        QString error;
+        WrittenDelivery written;
+        QVERIFY(WriteDelivery(temp.filePath(u"large"_s), options, &written, &error));
+        std::unique_ptr<ToviData> document =
+            ToviEnouDataFactory().Create(nullptr, written.photoFolder, PhotoXMLMlit);
+        QVERIFY(document);
+
+        std::unique_ptr<ToviDeliveryChecker> checker = ToviDeliveryChecker::Standard(false);
+        qint64 last = 0;
+        qint64 total = 0;
+        checker->SetProgress([&](qint64 done, qint64 all) {
+            QVERIFY(done >= last);
+            last = done;
+            total = all;
+        });
+        ToviFindingCollector all;
+        QVERIFY(checker->Run(*document, all));
+        QCOMPARE(last, total);
+        QCOMPARE(total, qint64(5000));
+        QVERIFY(all.Count(ToviCheckFinding::Error) >= 5000);
+
+        std::atomic<bool> cancel{false};
+        checker->SetCancelFlag(&cancel);
+        checker->SetProgress([&](qint64, qint64) { cancel = true; });
+        ToviFindingCollector some;
+        QVERIFY(!checker->Run(*document, some));
+        QVERIFY(some.Findings().size() < all.Findings().size());
+    }
+};
+
+QTEST_GUILESS_MAIN(ToviChecksTest)
+#include "ToviChecksTest.moc"
