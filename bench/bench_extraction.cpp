@@ -23,6 +23,7 @@
 #include "tests/support/ExifJpegWriter.h"
 #include "tests/support/WorkArea.h"
 
+#include "bench/BenchPictures.h"
 #include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
@@ -81,7 +82,6 @@ QString Delivery(int count) {
         qFatal("cannot write the delivery: %s", qPrintable(error));
     }
     const QString photo = root + QStringLiteral("/INDEX_C/PHOTO");
-    QDir().mkpath(photo + QStringLiteral("/PIC"));
     QStringList pictures;
     for (int i = 0; i < kDistinctImages; ++i) {
         const QString path = Temp().filePath(QStringLiteral("image%1.jpg").arg(i));
@@ -99,21 +99,7 @@ QString Delivery(int count) {
         }
         pictures.append(path);
     }
-    QFile xml(photo + QStringLiteral("/PHOTO.XML"));
-    if (!xml.open(QIODevice::ReadOnly)) {
-        qFatal("no PHOTO.XML");
-    }
-    const QString text = Cp932::ToUnicode(xml.readAll());
-    static const QRegularExpression name(
-        QStringLiteral("<写真ファイル名>([^<]+)</写真ファイル名>"));
-    int n = 0;
-    for (auto it = name.globalMatch(text); it.hasNext(); ++n) {
-        const QString target = photo + QStringLiteral("/PIC/") + it.next().captured(1);
-        const QByteArray from = QFile::encodeName(pictures[n % kDistinctImages]);
-        if (::link(from.constData(), QFile::encodeName(target).constData()) != 0) {
-            qFatal("cannot link %s", qPrintable(target));
-        }
-    }
+    LinkPictures(photo, pictures);
     folders[count] = photo;
     return photo;
 }

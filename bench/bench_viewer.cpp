@@ -40,6 +40,7 @@
 #include "tests/support/ScriptedUi.h"
 #include "tests/support/WorkArea.h"
 
+#include "bench/BenchPictures.h"
 #include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
@@ -83,7 +84,6 @@ QString Delivery() {
             qFatal("cannot write the delivery: %s", qPrintable(error));
         }
         const QString photo = root + QStringLiteral("/INDEX_C/PHOTO");
-        QDir().mkpath(photo + QStringLiteral("/PIC"));
         QStringList pictures;
         for (int i = 0; i < kDistinctImages; ++i) {
             QImage image(1600, 1200, QImage::Format_RGB32);
@@ -101,22 +101,7 @@ QString Delivery() {
             }
             pictures.append(path);
         }
-        // The file names PHOTO.XML gives, in order.
-        QFile xml(photo + QStringLiteral("/PHOTO.XML"));
-        if (!xml.open(QIODevice::ReadOnly)) {
-            qFatal("no PHOTO.XML");
-        }
-        const QString text = Cp932::ToUnicode(xml.readAll());
-        static const QRegularExpression name(
-            QStringLiteral("<写真ファイル名>([^<]+)</写真ファイル名>"));
-        int n = 0;
-        for (auto it = name.globalMatch(text); it.hasNext(); ++n) {
-            const QString target = photo + QStringLiteral("/PIC/") + it.next().captured(1);
-            const QByteArray from = QFile::encodeName(pictures[n % kDistinctImages]);
-            if (::link(from.constData(), QFile::encodeName(target).constData()) != 0) {
-                qFatal("cannot link %s", qPrintable(target));
-            }
-        }
+        LinkPictures(photo, pictures);
         return photo;
     }();
     return folder;
