@@ -29,6 +29,7 @@
 
 #include <memory>
 #include <numeric>
+#include <optional>
 
 namespace {
 
@@ -79,13 +80,15 @@ class ToviPhotoListTest : public QObject {
     QString folder;
     std::unique_ptr<ToviData> document;
     std::unique_ptr<ToviImageLoader> loader;
-    ToviPhotoCtrlVisualSetting setting;
+    // Ends in cleanupTestCase: a setting writes itself to the store as it ends, and that must
+    // be the test's store, not the user's.
+    std::optional<ToviPhotoCtrlVisualSetting> setting;
     int brokenPhoto = -1;  // the photo index whose image file is gone
 
     // A list of the mode over the document, shown at a fixed size, with row 0 selected.
     std::unique_ptr<ToviPhotoListCtrl> MakeList(Mode mode, QSize size = QSize(800, 600)) {
         auto list =
-            std::make_unique<ToviPhotoListCtrl>(mode, document.get(), &setting, loader.get());
+            std::make_unique<ToviPhotoListCtrl>(mode, document.get(), &*setting, loader.get());
         list->resize(size);
         list->show();
         if (!QTest::qWaitForWindowExposed(list.get())) {
@@ -319,14 +322,15 @@ private slots:
     void cleanupTestCase() {
         loader->WaitForDone();
         loader.reset();
+        setting.reset();
         document.reset();
         ToviProfile::Instance().UseFile(QString());
     }
 
     void init() {
         setting = document->GetVisualSetting();
-        setting.SetVisibleComment(true);
-        setting.SetDoEditCheck(false);
+        setting->SetVisibleComment(true);
+        setting->SetDoEditCheck(false);
     }
 
     // Paging down through both lists with the keyboard asks for the rows that come into
@@ -596,13 +600,13 @@ private slots:
     }
     void managementColumns() {
         QFETCH(bool, comments);
-        setting.SetVisibleComment(comments);
+        setting->SetVisibleComment(comments);
         document->GetPhoto(0)->SetComment(QStringLiteral("要確認"));
         auto list = MakeList(Mode::ManagementList);
         QVERIFY(list);
         ToviMngListModel* model = list->MngModel();
         QStringList shown;
-        for (const ToviItemShowSetting& entry : setting.GetItemShowSettings()) {
+        for (const ToviItemShowSetting& entry : setting->GetItemShowSettings()) {
             if (entry.bold) {
                 shown.append(entry.title);
             }
