@@ -124,9 +124,16 @@ void ToviRequiredItemCheck::Begin(ToviCheckContext& context) {
             valueLists.append({QString::fromUtf8(list.major), Words(list.values)});
         }
     }
-    majors = Definitions(context, kMajor);
-    categories = Definitions(context, kCategory);
-    submissions = Definitions(context, kSubmission);
+    roles.clear();
+    for (const auto& [title, role] :
+         {std::pair{kMajor, MajorRole}, {kCategory, CategoryRole}, {kSubmission, SubmissionRole}}) {
+        for (const int def : context.DefinitionsTitled(title)) {
+            roles[def] |= role;
+        }
+    }
+    for (const int def : wanted) {
+        roles[def] |= WantedRole;
+    }
 }
 
 void ToviRequiredItemCheck::CheckPhoto(ToviCheckContext& context, int index,
@@ -138,15 +145,21 @@ void ToviRequiredItemCheck::CheckPhoto(ToviCheckContext& context, int index,
     QStringList filled;  // titles of the wanted items that hold a value
     for (const ToviItem& it : context.Photo(index).GetItems()) {
         const int def = it.GetDefIndex();
+        const unsigned role = roles.value(def);
+        if (role == 0) {
+            continue;
+        }
         const QString value = it.Value().trimmed();
-        if (majors.contains(def)) {
+        if (role & MajorRole) {
             major = value;
-        } else if (categories.contains(def)) {
+        }
+        if (role & CategoryRole) {
             category = value;
-        } else if (submissions.contains(def)) {
+        }
+        if (role & SubmissionRole) {
             submission = value;
         }
-        if (!value.isEmpty() && wanted.contains(def)) {
+        if ((role & WantedRole) && !value.isEmpty()) {
             filled.append(context.DefinitionTitle(def));
         }
     }

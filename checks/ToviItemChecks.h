@@ -59,8 +59,11 @@ private:
     };
     QList<ActiveRule> rules;
     QList<ActiveList> valueLists;
-    // Definition indexes of 写真-大分類, 写真区分, 提出頻度写真 and the required items.
-    QSet<int> majors, categories, submissions, wanted;
+    // What the definitions the check reads are: 写真-大分類, 写真区分, 提出頻度写真, and an item
+    // some rule of the generation requires.
+    enum Role : unsigned { MajorRole = 1, CategoryRole = 2, SubmissionRole = 4, WantedRole = 8 };
+    QHash<int, unsigned> roles;  // definition index -> roles
+    QSet<int> wanted;
 };
 
 // Values longer than the standard allows for their item in the delivery's generation. Every
