@@ -523,12 +523,23 @@ private slots:
         QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList{u"検査.xlsx"_s});
 
-        // A clean delivery still exits 0 with its sheet written; a folder that is not there is
-        // a failure.
+        // A clean delivery still exits 0 with its sheet written, no finding below the header;
+        // a stray file is a row without a photograph; a folder that is not there is a failure.
         run = Tovi({u"validate"_s, checked.photoFolder, u"--no-images"_s, u"--xlsx"_s, out});
         QCOMPARE(run.exitCode, 0);
         QVERIFY(MibReadZipEntry(out, u"xl/worksheets/sheet1.xml"_s, sheet));
         QCOMPARE(SheetCells(sheet).value(u"B5"_s), u"0"_s);
+        QVERIFY(!SheetCells(sheet).contains(u"A8"_s));
+        const QString stray = checked.photoFolder + u"/PIC/Thumbs.db"_s;
+        QVERIFY(QFile(stray).open(QIODevice::WriteOnly));
+        run = Tovi({u"validate"_s, checked.photoFolder, u"--no-images"_s, u"--xlsx"_s, out});
+        QVERIFY(QFile::remove(stray));
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(MibReadZipEntry(out, u"xl/worksheets/sheet1.xml"_s, sheet));
+        const QMap<QString, QString> strayCells = SheetCells(sheet);
+        QCOMPARE((QStringList{strayCells.value(u"A8"_s), strayCells.value(u"B8"_s),
+                              strayCells.value(u"C8"_s), strayCells.value(u"F8"_s)}),
+                 (QStringList{QString(), QString(), u"PIC/Thumbs.db"_s, u"file.stray"_s}));
         run = Tovi(
             {u"validate"_s, checked.photoFolder, u"--xlsx"_s, temp.filePath(u"gone/v.xlsx"_s)});
         QCOMPARE(run.exitCode, 1);
