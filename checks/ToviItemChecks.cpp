@@ -76,12 +76,13 @@ const QList<ToviRequiredItemCheck::Rule>& ToviRequiredItemCheck::Rules() {
     //   category; see http://const.livedoor.biz/archives/51706488.html.
     // 工種, 種別, 細別, 国交省 H20.5 and later: written for works photographs that are
     //   提出頻度写真 (1), as far as that table asks. 着手前及び完成写真 and 災害写真 need none of
-    //   the three: demanding them there was an acknowledged fault of a checker of 2009
-    //   (http://const.livedoor.biz/archives/51706488.html,
-    //   http://culgon.doorblog.jp/archives/51300378.html). The categories kept here are those
-    //   that the shooting list of the 写真管理基準 orders by work type (施工状況, 使用材料,
-    //   品質管理, 出来形管理); 安全管理写真 and その他 are left out, as no source was found that
-    //   puts them on either side. A photograph with 提出頻度写真 0 needs none of them.
+    //   the three even then: blank there is proper data by that table, as two site engineers'
+    //   notes of 2009 quoting it say (http://const.livedoor.biz/archives/51706488.html,
+    //   http://culgon.doorblog.jp/archives/51300378.html). No copy of the table itself was at
+    //   hand, so which other categories need them is this program's reading: the four that
+    //   the shooting list of the 写真管理基準 orders by work type (施工状況, 使用材料, 品質管理,
+    //   出来形管理). 安全管理写真 and その他 are left out, no source putting them on either
+    //   side. A photograph with 提出頻度写真 0 needs none of them.
     // 工種, 種別, 細別, NEXCO H24.7 (PHOTO04): every category needs all three, except that
     //   着手前写真 and その他写真 need none and 完成写真 needs 工種 only. NEXCO FAQ 534
     //   (2021-09-30) on the 工事記録写真等撮影要領 H24.7, pp.44-45,
