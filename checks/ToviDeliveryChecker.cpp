@@ -2,6 +2,7 @@
 
 #include "checks/ToviCheckContext.h"
 #include "checks/ToviFileChecks.h"
+#include "checks/ToviItemChecks.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 
@@ -23,6 +24,8 @@ std::unique_ptr<ToviDeliveryChecker> ToviDeliveryChecker::Standard(bool withImag
     checker->AddCheck(std::make_unique<ToviFlagCheck>());
     checker->AddCheck(std::make_unique<ToviSerialCheck>());
     checker->AddCheck(std::make_unique<ToviTextCheck>());
+    checker->AddCheck(std::make_unique<ToviRequiredItemCheck>());
+    checker->AddCheck(std::make_unique<ToviLengthCheck>());
     checker->AddCheck(std::make_unique<ToviFileNameCheck>());
     checker->AddCheck(std::make_unique<ToviFilePresenceCheck>());
     checker->AddCheck(std::make_unique<ToviStrayFileCheck>());

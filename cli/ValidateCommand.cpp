@@ -1,6 +1,7 @@
-// tovi validate DIR [--family N] [--json] [--no-images]: the delivery checks, their findings
-// grouped by photograph and a count per severity. Findings are written as the checks make
-// them, so that a delivery faulty in every photograph is reported in bounded memory.
+// tovi validate DIR [--family N] [--json] [--xlsx FILE] [--no-images]: the delivery checks,
+// their findings grouped by photograph and a count per severity, and with --xlsx the same
+// findings as a print-ready sheet. Findings are written as the checks make them, so that a
+// delivery faulty in every photograph is reported in bounded memory.
 
 #include "cli/CliCommon.h"
 #include "cli/JsonWriter.h"
@@ -8,6 +9,7 @@
 #include "checks/ToviDeliveryChecker.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
+#include "reports/ToviFindingSheet.h"
 
 #include <array>
 #include <optional>
@@ -123,11 +125,36 @@ private:
     std::array<int, ToviCheckFinding::kSeverityCount> counts{};
 };
 
+// Hands each finding to the output and to the sheet.
+class TeeSink : public ToviFindingSink {
+public:
+    TeeSink(ToviFindingSink& first, ToviFindingSink& second) : first(first), second(second) {}
+    void Add(ToviCheckFinding finding) override {
+        second.Add(finding);
+        first.Add(std::move(finding));
+    }
+
+private:
+    ToviFindingSink& first;
+    ToviFindingSink& second;
+};
+
 }  // namespace
 
 int RunValidate(QStringList args) {
     OpenOptions options;
     const bool noImages = args.removeAll(QStringLiteral("--no-images")) > 0;
+    QString xlsx;
+    if (const qsizetype at = args.indexOf(QStringLiteral("--xlsx")); at >= 0) {
+        if (at + 1 >= args.size() || args[at + 1].isEmpty() ||
+            args[at + 1].startsWith(QLatin1String("--"))) {
+            PrintError(QStringLiteral(
+                "tovi validate: --xlsx に書き出す .xlsx ファイルを指定してください"));
+            return ExitUsage;
+        }
+        xlsx = args[at + 1];
+        args.remove(at, 2);
+    }
     if (!ParseOpenOptions(args, options, "validate")) {
         return ExitUsage;
     }
@@ -141,7 +168,13 @@ int RunValidate(QStringList args) {
     }
     const std::unique_ptr<ToviDeliveryChecker> checker = ToviDeliveryChecker::Standard(!noImages);
     WritingSink sink(*document, options.json);
-    checker->Run(*document, sink);
+    ToviFindingSheet sheet(*document);
+    TeeSink both(sink, sheet);
+    checker->Run(*document, xlsx.isEmpty() ? static_cast<ToviFindingSink&>(sink) : both);
     sink.Finish();
+    if (QString error; !xlsx.isEmpty() && !sheet.Write(xlsx, &error)) {
+        PrintError(QStringLiteral("tovi validate: ") + error);
+        return ExitNotLoaded;
+    }
     return sink.Errors() > 0 ? ExitNotLoaded : ExitOk;
 }

@@ -103,9 +103,9 @@ bool SwapSheetView(const QString& path, QString* error) {
                 }
             }
             ok = unzCloseCurrentFile(in.get()) == UNZ_OK && ok;
-            const int closed = patch ? zipCloseFileInZip(out.get())
-                                     : zipCloseFileInZipRaw64(out.get(), info.uncompressed_size,
-                                                              info.crc);
+            const int closed =
+                patch ? zipCloseFileInZip(out.get())
+                      : zipCloseFileInZipRaw64(out.get(), info.uncompressed_size, info.crc);
             if (!ok || closed != ZIP_OK) {
                 break;
             }
@@ -125,7 +125,7 @@ bool SwapSheetView(const QString& path, QString* error) {
 struct MibSheetWriter::Book {
     lxw_workbook* workbook = nullptr;
     lxw_worksheet* sheet = nullptr;
-    lxw_format* formats[3] = {};
+    lxw_format* formats[MibSheetWriter::kStyleCount] = {};
     QByteArray path;
     QByteArray scratch;
     std::vector<lxw_row_t> breaks;
@@ -147,17 +147,27 @@ MibSheetWriter::MibSheetWriter(const QString& path, const QString& sheetName,
     if (!book->sheet) {
         return;
     }
-    for (int style = StyleText; style <= StyleHeader; ++style) {
+    for (int style = StyleText; style < kStyleCount; ++style) {
         lxw_format* format = workbook_add_format(book->workbook);
-        format_set_border(format, LXW_BORDER_THIN);
-        format_set_align(format, LXW_ALIGN_VERTICAL_CENTER);
+        if (style != StyleTitle && style != StylePlain) {
+            format_set_border(format, LXW_BORDER_THIN);
+        }
+        format_set_align(
+            format, style == StyleWrapped ? LXW_ALIGN_VERTICAL_TOP : LXW_ALIGN_VERTICAL_CENTER);
         format_set_num_format(format, "@");
-        if (style != StyleText) {
+        if (style == StyleCentered || style == StyleHeader) {
             format_set_align(format, LXW_ALIGN_CENTER);
         }
         if (style == StyleHeader) {
             format_set_bold(format);
             format_set_bg_color(format, 0xD9D9D9);
+        }
+        if (style == StyleWrapped) {
+            format_set_text_wrap(format);
+        }
+        if (style == StyleTitle) {
+            format_set_bold(format);
+            format_set_font_size(format, 14);
         }
         book->formats[style] = format;
     }
@@ -192,7 +202,11 @@ void MibSheetWriter::SetPageSetup(const PageSetup& setup) {
     }
     if (setup.a4Portrait) {
         worksheet_set_paper(book->sheet, 9);
-        worksheet_set_portrait(book->sheet);
+        if (setup.landscape) {
+            worksheet_set_landscape(book->sheet);
+        } else {
+            worksheet_set_portrait(book->sheet);
+        }
     }
     worksheet_set_print_scale(book->sheet, static_cast<uint16_t>(setup.scale));
     if (setup.fitToWidth) {
@@ -203,11 +217,15 @@ void MibSheetWriter::SetPageSetup(const PageSetup& setup) {
 }
 
 bool MibSheetWriter::SetPrintArea(int firstRow, int firstColumn, int lastRow, int lastColumn) {
-    return IsOpen() &&
-           worksheet_print_area(book->sheet, static_cast<lxw_row_t>(firstRow),
-                                static_cast<lxw_col_t>(firstColumn),
-                                static_cast<lxw_row_t>(lastRow),
-                                static_cast<lxw_col_t>(lastColumn)) == LXW_NO_ERROR;
+    return IsOpen() && worksheet_print_area(book->sheet, static_cast<lxw_row_t>(firstRow),
+                                            static_cast<lxw_col_t>(firstColumn),
+                                            static_cast<lxw_row_t>(lastRow),
+                                            static_cast<lxw_col_t>(lastColumn)) == LXW_NO_ERROR;
+}
+
+bool MibSheetWriter::SetRepeatRows(int firstRow, int lastRow) {
+    return IsOpen() && worksheet_repeat_rows(book->sheet, static_cast<lxw_row_t>(firstRow),
+                                             static_cast<lxw_row_t>(lastRow)) == LXW_NO_ERROR;
 }
 
 int MibSheetWriter::MaxRowBreaks() {
@@ -243,16 +261,21 @@ bool MibSheetWriter::WriteString(int row, int column, const QString& text, Style
                                   kMaxCellCharacters - 1) +
                 QChar(0x2026);
     }
-    return IsOpen() && worksheet_write_string(book->sheet, static_cast<lxw_row_t>(row),
-                                              static_cast<lxw_col_t>(column),
-                                              shown.toUtf8().constData(),
-                                              book->formats[style]) == LXW_NO_ERROR;
+    return IsOpen() && worksheet_write_string(
+                           book->sheet, static_cast<lxw_row_t>(row), static_cast<lxw_col_t>(column),
+                           shown.toUtf8().constData(), book->formats[style]) == LXW_NO_ERROR;
 }
 
 bool MibSheetWriter::WriteBlank(int row, int column, Style style) {
     return IsOpen() && worksheet_write_blank(book->sheet, static_cast<lxw_row_t>(row),
                                              static_cast<lxw_col_t>(column),
                                              book->formats[style]) == LXW_NO_ERROR;
+}
+
+bool MibSheetWriter::WriteNumber(int row, int column, double number, Style style) {
+    return IsOpen() && worksheet_write_number(book->sheet, static_cast<lxw_row_t>(row),
+                                              static_cast<lxw_col_t>(column), number,
+                                              book->formats[style]) == LXW_NO_ERROR;
 }
 
 bool MibSheetWriter::Close(QString* error) {

@@ -12,12 +12,16 @@
 // at any time before Close.
 class MibSheetWriter {
 public:
-    // How a cell looks. Every cell has a thin border on all four sides.
-    enum Style { StyleText, StyleCentered, StyleHeader };
+    // How a cell looks. The first four have a thin border on all four sides; StyleWrapped
+    // breaks its text into lines at the column's width; StyleTitle and StylePlain stand
+    // outside the table, without a border.
+    enum Style { StyleText, StyleCentered, StyleHeader, StyleWrapped, StyleTitle, StylePlain };
+    static constexpr int kStyleCount = StylePlain + 1;
 
     struct PageSetup {
         bool a4Portrait = true;
-        int scale = 100;  // print scale in percent, 10 to 400, when not fitted to the width
+        bool landscape = false;   // with a4Portrait: A4 turned on its side
+        int scale = 100;          // print scale in percent, 10 to 400, when not fitted to the width
         bool fitToWidth = false;  // as small as makes the columns fit one page wide
         double marginLeft = 0.5, marginRight = 0.5, marginTop = 0.75, marginBottom = 0.75;  // in
     };
@@ -36,6 +40,8 @@ public:
     void SetRowHeight(double points);
     void SetPageSetup(const PageSetup& setup);
     bool SetPrintArea(int firstRow, int firstColumn, int lastRow, int lastColumn);
+    // Rows printed again at the top of every page (a table's header).
+    bool SetRepeatRows(int firstRow, int lastRow);
     // Manual page breaks before each of rows (0-based, ascending, > 0). At most MaxRowBreaks
     // are kept, the format's own limit; the rest are dropped.
     bool SetRowBreaks(const std::vector<int>& rows);
@@ -47,6 +53,7 @@ public:
     static constexpr int kMaxCellCharacters = 32767;
     bool WriteString(int row, int column, const QString& text, Style style);
     bool WriteBlank(int row, int column, Style style);
+    bool WriteNumber(int row, int column, double number, Style style);
     // Writes the file. False (with a reason in error) when it could not be written whole; the
     // file may then be missing or partial.
     bool Close(QString* error = nullptr);

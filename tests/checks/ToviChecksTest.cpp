@@ -1,4 +1,5 @@
 #include "checks/ToviDeliveryChecker.h"
+#include "checks/ToviItemChecks.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
@@ -305,6 +306,127 @@ private slots:
             errors << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.message);
         }
         QVERIFY2(errors.isEmpty(), qPrintable(errors.join(u'\n')));
+    }
+
+    // Which classification items a photograph needs. Each fault row leaves one item out of
+    // photograph 2; the clean rows are the categories and flags that need nothing, among them
+    // a 着手前及び完成写真 photograph that is a 提出頻度写真 and has no 工種. "-" leaves an
+    // element out, "" writes it empty.
+    void requiredItems_data() {
+        QTest::addColumn<Generation>("generation");
+        QTest::addColumn<QStringList>("classification");  // 大分類 区分 工種 種別 細別
+        QTest::addColumn<QString>("submission");
+        QTest::addColumn<QString>("expected");  // "code item", empty for none
+        const auto row = [](const char* name, Generation generation, const char* values,
+                            const char* submission, const char* expected) {
+            QTest::newRow(name) << generation << QString::fromUtf8(values).split(u' ')
+                                << QString::fromLatin1(submission) << QString::fromUtf8(expected);
+        };
+        const Generation mlit = Generation::Mlit20;
+        const Generation nexco = Generation::Nexco24;
+        row("施工状況 submitted without 工種", mlit, "工事 施工状況写真 - 擁壁工 場所打擁壁工", "1",
+            "item.required 工種");
+        row("品質管理 submitted, 細別 empty", mlit, "工事 品質管理写真 道路改良 擁壁工 ''", "1",
+            "item.required 細別");
+        row("works without 写真区分", mlit, "工事 - 道路改良 擁壁工 場所打擁壁工", "0",
+            "item.required 写真区分");
+        row("works with 写真区分 empty, H14", Generation::Mlit14, "工事 '' - - -", "0",
+            "item.required 写真区分");
+        row("写真区分 off the list", mlit, "工事 施工写真 道路改良 擁壁工 場所打擁壁工", "1",
+            "item.value 写真区分");
+        row("NEXCO 完成写真 without 工種", nexco, "工事 完成写真 - - -", "0", "item.required 工種");
+        row("NEXCO 出来形 without 種別", nexco, "工事 出来形管理写真 道路改良 - 場所打擁壁工", "0",
+            "item.required 種別");
+        row("着手前及び完成 submitted without 工種", mlit, "工事 着手前及び完成写真 - - -", "1",
+            "");
+        row("着手前及び完成 submitted, items empty", mlit, "工事 着手前及び完成写真 '' '' ''", "1",
+            "");
+        row("災害 submitted without 工種", mlit, "工事 災害写真 - - -", "1", "");
+        row("施工状況 not submitted without 工種", mlit, "工事 施工状況写真 - - -", "0", "");
+        row("survey without 写真区分 or 工種", mlit, "測量 - - - -", "1", "");
+        row("NEXCO 完成写真 with 工種 only", nexco, "工事 完成写真 道路改良 - -", "0", "");
+        row("NEXCO 着手前写真 without any", nexco, "工事 着手前写真 - - -", "1", "");
+        // Without a 写真区分 the category rules cannot be judged, and nothing is guessed.
+        row("NEXCO without 写真区分 or 工種", nexco, "工事 - - - -", "1", "");
+    }
+    void requiredItems() {
+        QFETCH(Generation, generation);
+        QFETCH(QStringList, classification);
+        QFETCH(QString, submission);
+        QFETCH(QString, expected);
+        WrittenDelivery written;
+        const QString folder = Write(written, generation);
+        QVERIFY(!folder.isEmpty());
+        static const QStringList kTags{u"写真-大分類"_s, u"写真区分"_s, u"工種"_s, u"種別"_s,
+                                       u"細別"_s};
+        QString block;
+        for (int i = 0; i < kTags.size(); ++i) {
+            const QString value = classification.value(i);
+            if (value != u"-"_s) {
+                block += u"<%1>%2</%1>"_s.arg(kTags[i], value == u"''"_s ? QString() : value);
+            }
+        }
+        block += u"<写真タイトル>全景</写真タイトル>"_s;
+        QVERIFY(SetValue(folder, 2, u"撮影工種区分"_s, block));
+        QVERIFY(SetValue(folder, 2, u"提出頻度写真"_s, submission));
+
+        ToviFindingCollector findings;
+        Check(folder, FamilyOf(generation), findings);
+        const QString code = expected.section(u' ', 0, 0);
+        QStringList found;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            if (f.severity == ToviCheckFinding::Error || code == QLatin1String(f.code)) {
+                found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.item);
+            }
+        }
+        QCOMPARE(found, expected.isEmpty()
+                            ? QStringList()
+                            : QStringList{u"%1 2 %2"_s.arg(code, expected.section(u' ', 1, 1))});
+    }
+
+    // Lengths against each generation's limits, at the limit and one past it.
+    void lengths_data() {
+        QTest::addColumn<Generation>("generation");
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("tooLong");
+        QTest::newRow("title of 128")
+            << Generation::Mlit20 << u"写真タイトル"_s << QString(128, u'景') << true;
+        QTest::newRow("title of 127")
+            << Generation::Mlit20 << u"写真タイトル"_s << QString(127, u'景') << false;
+        QTest::newRow("title of 128 half-width")
+            << Generation::Mlit20 << u"写真タイトル"_s << QString(128, u'A') << true;
+        QTest::newRow("category of 17, H14")
+            << Generation::Mlit14 << u"写真区分"_s << QString(17, u'区') << true;
+        QTest::newRow("category of 16, H16")
+            << Generation::Mlit16 << u"写真区分"_s << QString(16, u'区') << false;
+        QTest::newRow("category of 17 where no limit is known")
+            << Generation::Mlit18 << u"写真区分"_s << QString(17, u'区') << false;
+    }
+    void lengths() {
+        QFETCH(Generation, generation);
+        QFETCH(QString, tag);
+        QFETCH(QString, value);
+        QFETCH(bool, tooLong);
+        WrittenDelivery written;
+        const QString folder = Write(written, generation);
+        QVERIFY(!folder.isEmpty());
+        // A survey photograph, whose 写真区分 is free text.
+        QVERIFY(SetValue(folder, 2, u"撮影工種区分"_s,
+                         u"<写真-大分類>測量</写真-大分類><写真区分>区分</写真区分>"
+                         "<写真タイトル>全景</写真タイトル>"_s));
+        QVERIFY(SetValue(folder, 2, tag, value));
+
+        ToviFindingCollector findings;
+        Check(folder, FamilyOf(generation), findings);
+        QStringList errors;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            if (f.severity == ToviCheckFinding::Error) {
+                errors << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.item);
+            }
+        }
+        QCOMPARE(errors, tooLong ? QStringList{u"item.too-long 2 "_s + tag} : QStringList());
+        QCOMPARE(ToviLengthCheck::Length(u"\U00020BB7野家"_s), 3);
     }
 
     // The kinds of characters, at the edges of the code page's rows.

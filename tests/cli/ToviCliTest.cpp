@@ -1,4 +1,5 @@
 #include "platform/Cp932.h"
+#include "platform/MibSheet.h"
 #include "platform/ToviVerifierLibrary.h"
 #include "tests/imagefacts/ExifFixture.h"
 #include "tests/support/DeliveryWriter.h"
@@ -8,6 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -39,6 +41,25 @@ void Collect(const QJsonObject& node, QList<int>& out) {
     for (const QJsonValue& child : node["children"_L1].toArray()) {
         Collect(child.toObject(), out);
     }
+}
+
+// The cells of a written sheet by reference ("A2"): inline strings unescaped, numbers as
+// written; a cell with neither is "".
+QMap<QString, QString> SheetCells(const QByteArray& sheetXml) {
+    static const QRegularExpression kCell(
+        uR"re(<c r="([A-Z]+\d+)"[^>]*?(?:/>|>(?:<is><t[^>]*>(.*?)</t></is>|<v>(.*?)</v>)?</c>))re"_s);
+    QMap<QString, QString> cells;
+    const QString xml = QString::fromUtf8(sheetXml);
+    for (auto it = kCell.globalMatch(xml); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        QString text = m.captured(2) + m.captured(3);
+        text.replace(u"&lt;"_s, u"<"_s)
+            .replace(u"&gt;"_s, u">"_s)
+            .replace(u"&quot;"_s, u"\""_s)
+            .replace(u"&amp;"_s, u"&"_s);
+        cells.insert(m.captured(1), text);
+    }
+    return cells;
 }
 
 }  // namespace
@@ -180,7 +201,8 @@ private slots:
         row("check, no folder", {"check"}, 2);
         row("check, not a delivery", {"check", "{t}"}, 1);
         row("validate, no folder", {"validate"}, 2, "フォルダ");
-        row("validate, an option of later", {"validate", "{w}", "--xlsx", "{t}/v.xlsx"}, 2,
+        row("validate, --xlsx without a file", {"validate", "{w}", "--xlsx"}, 2, "--xlsx");
+        row("validate, --xlsx then an option", {"validate", "{w}", "--xlsx", "--json"}, 2,
             "--xlsx");
         row("validate, not a delivery", {"validate", "{t}"}, 1);
         // Only the first 19 characters count; the rest is no usage error.
@@ -420,6 +442,108 @@ private slots:
         QVERIFY((*found)["item"_L1].isNull());
         QCOMPARE((*found)["file"_L1].toString(), u"PIC/Thumbs.db"_s);
         QCOMPARE((*found)["severity"_L1].toString(), u"error"_s);
+    }
+
+    // validate --xlsx: the sheet has the counts the JSON has and one row per finding in the
+    // same order, with the photograph's number and シリアル番号; it is set up to print. A sheet
+    // that cannot be written leaves what was there, says why and exits 1, with the findings
+    // still printed.
+    void validateSheet() {
+        const QString out = temp.filePath(u"sheet/検査.xlsx"_s);
+        QVERIFY(QDir().mkpath(temp.filePath(u"sheet"_s)));
+        ProgramRun run = Tovi({u"validate"_s, written.photoFolder, u"--xlsx"_s, out, u"--json"_s});
+        QCOMPARE(run.exitCode, 1);
+        const QJsonObject json = Json(run);
+        const QJsonArray findings = json["findings"_L1].toArray();
+        QVERIFY(!findings.isEmpty());
+        QByteArray sheet;
+        QVERIFY(MibReadZipEntry(out, u"xl/worksheets/sheet1.xml"_s, sheet));
+        const QMap<QString, QString> cells = SheetCells(sheet);
+        const QJsonObject counts = json["counts"_L1].toObject();
+        QCOMPARE(cells.value(u"A5"_s), u"エラー"_s);
+        QCOMPARE(cells.value(u"B5"_s), QString::number(counts["error"_L1].toInt()));
+        QCOMPARE(cells.value(u"D5"_s), QString::number(counts["warning"_L1].toInt()));
+        QCOMPARE(cells.value(u"F5"_s), QString::number(counts["note"_L1].toInt()));
+        QCOMPARE(cells.value(u"G7"_s), u"内容"_s);
+        const QHash<QString, QString> labels{
+            {u"error"_s, u"エラー"_s}, {u"warning"_s, u"警告"_s}, {u"note"_s, u"注意"_s}};
+        for (int k = 0; k < findings.size(); ++k) {
+            const QJsonObject f = findings[k].toObject();
+            const int row = 8 + k;
+            const auto cell = [&](char column) {
+                return cells.value(u"%1%2"_s.arg(QLatin1Char(column)).arg(row));
+            };
+            const int index = f["index"_L1].toInt(-1);
+            QCOMPARE(cell('A'), index < 0 ? QString() : QString::number(index + 1));
+            QString serial;
+            for (const auto& [tag, text] : written.photos.value(index).elements) {
+                if (tag == u"シリアル番号"_s) {
+                    serial = text;
+                }
+            }
+            QCOMPARE(cell('B'), serial);
+            QCOMPARE(cell('C'), f["file"_L1].toString());
+            QCOMPARE(cell('D'), f["item"_L1].toString());
+            QCOMPARE(cell('E'), labels.value(f["severity"_L1].toString()));
+            QCOMPARE(cell('F'), f["code"_L1].toString());
+            QCOMPARE(cell('G'), f["message"_L1].toString());
+        }
+        QVERIFY(!cells.contains(u"A%1"_s.arg(8 + findings.size())));
+        QVERIFY(sheet.contains("orientation=\"landscape\""));
+        QVERIFY(sheet.contains("paperSize=\"9\""));
+        QVERIFY(sheet.contains("<pageSetUpPr fitToPage=\"1\"/>"));
+        QByteArray styles;
+        QVERIFY(MibReadZipEntry(out, u"xl/styles.xml"_s, styles));
+        QVERIFY(styles.contains("wrapText=\"1\""));
+        QByteArray workbook;
+        QVERIFY(MibReadZipEntry(out, u"xl/workbook.xml"_s, workbook));
+        QVERIFY2(workbook.contains("_xlnm.Print_Titles") && workbook.contains("$7:$7"),
+                 workbook.constData());
+        QVERIFY(QFileInfo(out).permissions().testFlag(QFile::ReadOther));
+        QCOMPARE(QDir(temp.filePath(u"sheet"_s))
+                     .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList{u"検査.xlsx"_s});
+
+        // The text output goes on beside the sheet; a read-only folder keeps its old file.
+        const QByteArray old("an older sheet");
+        QFile file(out);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(old) > 0);
+        file.close();
+        const QString folder = temp.filePath(u"sheet"_s);
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        run = Tovi({u"validate"_s, written.photoFolder, u"--xlsx"_s, out});
+        QVERIFY(
+            QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY2(run.err.contains(out), qPrintable(run.err));
+        QVERIFY(QString::fromUtf8(run.out).contains(u"結果: エラー"_s));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), old);
+        file.close();
+        QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList{u"検査.xlsx"_s});
+
+        // A clean delivery still exits 0 with its sheet written, no finding below the header;
+        // a stray file is a row without a photograph; a folder that is not there is a failure.
+        run = Tovi({u"validate"_s, checked.photoFolder, u"--no-images"_s, u"--xlsx"_s, out});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(MibReadZipEntry(out, u"xl/worksheets/sheet1.xml"_s, sheet));
+        QCOMPARE(SheetCells(sheet).value(u"B5"_s), u"0"_s);
+        QVERIFY(!SheetCells(sheet).contains(u"A8"_s));
+        const QString stray = checked.photoFolder + u"/PIC/Thumbs.db"_s;
+        QVERIFY(QFile(stray).open(QIODevice::WriteOnly));
+        run = Tovi({u"validate"_s, checked.photoFolder, u"--no-images"_s, u"--xlsx"_s, out});
+        QVERIFY(QFile::remove(stray));
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(MibReadZipEntry(out, u"xl/worksheets/sheet1.xml"_s, sheet));
+        const QMap<QString, QString> strayCells = SheetCells(sheet);
+        QCOMPARE((QStringList{strayCells.value(u"A8"_s), strayCells.value(u"B8"_s),
+                              strayCells.value(u"C8"_s), strayCells.value(u"F8"_s)}),
+                 (QStringList{QString(), QString(), u"PIC/Thumbs.db"_s, u"file.stray"_s}));
+        run = Tovi(
+            {u"validate"_s, checked.photoFolder, u"--xlsx"_s, temp.filePath(u"gone/v.xlsx"_s)});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(!QFileInfo::exists(temp.filePath(u"gone"_s)));
     }
 
 private:

@@ -342,10 +342,14 @@ PhotoPlan PlanPhoto(Rng& rng, const DeliveryPlan& delivery, const DeliveryOption
     if (works || rng.Chance(optional)) {
         p.category = works ? category : QStringLiteral("その他");
     }
+    // Categories shot by work type always name it (and every NEXCO works photograph), so that
+    // a written delivery has every item its classification makes required.
+    const bool byWorkType = categoryIndex == 1 || (categoryIndex >= 3 && categoryIndex <= 5) ||
+                            delivery.info->family == 3;
     for (auto [field, text] : {std::pair{&PhotoPlan::kousyu, p.work->kousyu},
                                {&PhotoPlan::syubetsu, p.work->syubetsu},
                                {&PhotoPlan::saibetsu, p.work->saibetsu}}) {
-        if (works && rng.Chance(classified)) {
+        if (works && (rng.Chance(classified) || byWorkType)) {
             p.*field = Text(text);
         }
     }
