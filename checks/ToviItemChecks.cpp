@@ -82,7 +82,10 @@ const QList<ToviRequiredItemCheck::Rule>& ToviRequiredItemCheck::Rules() {
     //   hand, so which other categories need them is this program's reading: the four that
     //   the shooting list of the 写真管理基準 orders by work type (施工状況, 使用材料, 品質管理,
     //   出来形管理). 安全管理写真 and その他 are left out, no source putting them on either
-    //   side. A photograph with 提出頻度写真 0 needs none of them.
+    //   side. A photograph with 提出頻度写真 0 needs none of them. 種別 and 細別 are needed
+    //   only where the work breakdown has them under the 工種 (種別) named: many 工種 have none,
+    //   and the breakdown is not part of the delivery, so a missing one is a note once the
+    //   level above it is named, never an error.
     // 工種, 種別, 細別, NEXCO H24.7 (PHOTO04): every category needs all three, except that
     //   着手前写真 and その他写真 need none and 完成写真 needs 工種 only. NEXCO FAQ 534
     //   (2021-09-30) on the 工事記録写真等撮影要領 H24.7, pp.44-45,
@@ -94,8 +97,8 @@ const QList<ToviRequiredItemCheck::Rule>& ToviRequiredItemCheck::Rules() {
     static const QList<Rule> kRules{
         {"国交省-14 国交省-16 国交省-20", "写真区分", "工事", "", AnyCategory, ""},
         {"国交省-20", "工種", "工事", "1", Among, kWorkTypes},
-        {"国交省-20", "種別", "工事", "1", Among, kWorkTypes},
-        {"国交省-20", "細別", "工事", "1", Among, kWorkTypes},
+        {"国交省-20", "種別", "工事", "1", Among, kWorkTypes, ToviCheckFinding::Note, "工種"},
+        {"国交省-20", "細別", "工事", "1", Among, kWorkTypes, ToviCheckFinding::Note, "種別"},
         {"NEXCO-24", "工種", "工事", "", Outside, "着手前写真 その他写真"},
         {"NEXCO-24", "種別", "工事", "", Outside, "着手前写真 完成写真 その他写真"},
         {"NEXCO-24", "細別", "工事", "", Outside, "着手前写真 完成写真 その他写真"},
@@ -114,9 +117,13 @@ void ToviRequiredItemCheck::Begin(ToviCheckContext& context) {
     for (const Rule& rule : Rules()) {
         if (Words(rule.sections).contains(section)) {
             const QString item = QString::fromUtf8(rule.item);
+            const QString given = QString::fromUtf8(rule.given);
             rules.append({item, QString::fromUtf8(rule.major), QString::fromUtf8(rule.submission),
-                          rule.test, Words(rule.categories)});
+                          rule.test, Words(rule.categories), rule.severity, given});
             wanted.unite(Definitions(context, item));
+            if (!given.isEmpty()) {
+                wanted.unite(Definitions(context, given));
+            }
         }
     }
     valueLists.clear();
@@ -174,7 +181,15 @@ void ToviRequiredItemCheck::CheckPhoto(ToviCheckContext& context, int index,
             (category.isEmpty() || rule.categories.contains(category) != (rule.test == Among))) {
             continue;
         }
-        if (filled.contains(rule.item)) {
+        if (filled.contains(rule.item) || (!rule.given.isEmpty() && !filled.contains(rule.given))) {
+            continue;
+        }
+        if (rule.severity == ToviCheckFinding::Note) {
+            sink.Add(
+                Finding(kRequired, rule.severity, index, rule.item,
+                        QStringLiteral("%1が記入されていません。写真区分が「%2」の提出頻度写真で"
+                                       "は、工種体系で%3の下に%1があれば記入が必要です")
+                            .arg(rule.item, category, rule.given)));
             continue;
         }
         QString why = QStringLiteral("写真-大分類が「%1」").arg(major);

@@ -23,7 +23,9 @@ public:
     // One requirement: in the generations listed, item must hold a value when the
     // photograph's 写真-大分類 is major, its 提出頻度写真 is submission (any when empty) and its
     // 写真区分 is one of categories (Among) or none of them (Outside). Lists are separated by
-    // spaces; generations are the item-definition sections ("国交省-20").
+    // spaces; generations are the item-definition sections ("国交省-20"). A rule with a given
+    // item applies only once that item holds a value (種別 once 工種 is named); its severity
+    // says how sure the rule is.
     enum CategoryTest { AnyCategory, Among, Outside };
     struct Rule {
         const char* sections;
@@ -32,6 +34,8 @@ public:
         const char* submission;
         CategoryTest test;
         const char* categories;
+        ToviCheckFinding::Severity severity = ToviCheckFinding::Error;
+        const char* given = "";
     };
     // The values 写真区分 takes when 写真-大分類 is major, in the generations listed.
     struct ValueList {
@@ -52,6 +56,8 @@ private:
         QString item, major, submission;
         CategoryTest test;
         QStringList categories;
+        ToviCheckFinding::Severity severity;
+        QString given;
     };
     struct ActiveList {
         QString major;

@@ -326,14 +326,18 @@ private slots:
         const Generation nexco = Generation::Nexco24;
         row("施工状況 submitted without 工種", mlit, "工事 施工状況写真 - 擁壁工 場所打擁壁工", "1",
             "item.required 工種");
+        // Whether the work breakdown has a 種別 or 細別 under the one named is not in the
+        // delivery: a note, and only once the level above is there.
         row("品質管理 submitted, 細別 empty", mlit, "工事 品質管理写真 道路改良 擁壁工 ''", "1",
-            "item.required 細別");
+            "item.required 細別 note");
+        row("出来形 submitted, 種別 and 細別 empty", mlit, "工事 出来形管理写真 道路改良 - -", "1",
+            "item.required 種別 note");
         row("works without 写真区分", mlit, "工事 - 道路改良 擁壁工 場所打擁壁工", "0",
             "item.required 写真区分");
         row("works with 写真区分 empty, H14", Generation::Mlit14, "工事 '' - - -", "0",
             "item.required 写真区分");
         row("写真区分 off the list", mlit, "工事 施工写真 道路改良 擁壁工 場所打擁壁工", "1",
-            "item.value 写真区分");
+            "item.value 写真区分 warning");
         row("NEXCO 完成写真 without 工種", nexco, "工事 完成写真 - - -", "0", "item.required 工種");
         row("NEXCO 出来形 without 種別", nexco, "工事 出来形管理写真 道路改良 - 場所打擁壁工", "0",
             "item.required 種別");
@@ -376,12 +380,17 @@ private slots:
         QStringList found;
         for (const ToviCheckFinding& f : findings.Findings()) {
             if (f.severity == ToviCheckFinding::Error || code == QLatin1String(f.code)) {
-                found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.item);
+                found << u"%1 %2 %3 %4"_s.arg(QLatin1String(f.code))
+                             .arg(f.index)
+                             .arg(f.item,
+                                  QLatin1String(ToviCheckFinding::SeverityName(f.severity)));
             }
         }
-        QCOMPARE(found, expected.isEmpty()
-                            ? QStringList()
-                            : QStringList{u"%1 2 %2"_s.arg(code, expected.section(u' ', 1, 1))});
+        const QString severity = expected.section(u' ', 2, 2);
+        QCOMPARE(found, expected.isEmpty() ? QStringList()
+                                           : QStringList{u"%1 2 %2 %3"_s.arg(
+                                                 code, expected.section(u' ', 1, 1),
+                                                 severity.isEmpty() ? u"error"_s : severity)});
     }
 
     // Lengths against each generation's limits, at the limit and one past it.
