@@ -221,6 +221,8 @@ private slots:
         row("メディア番号 missing", "structure.multiplicity", 2, u"メディア番号"_s,
             Generation::Mlit20, error);
         row("unknown element", "structure.unknown", 4, u"撮影者"_s, Generation::Mlit20, error);
+        row("写真フォルダ名 after 参考図フォルダ名", "structure.order", -1, u"写真フォルダ名"_s,
+            Generation::Mlit20, error);
         row("unknown element in 基礎情報", "structure.unknown", -1, u"発注者"_s, Generation::Mlit20,
             error);
         row("18: 撮影箇所 after 撮影年月日", "structure.order", 3, u"撮影箇所"_s,
@@ -346,6 +348,15 @@ private slots:
              }},
             {u"unknown element"_s, [&] { return AddUnknown(folder, 4); }},
             {u"18: unknown element"_s, [&] { return AddUnknown(folder, 4); }},
+            {u"写真フォルダ名 after 参考図フォルダ名"_s,
+             [&] {
+                 const QString path = folder + u"/PHOTO.XML"_s;
+                 QString xml = Cp932::ToUnicode(ReadAll(path));
+                 xml.remove(QRegularExpression(u"<参考図フォルダ名>.*?</参考図フォルダ名>"_s));
+                 xml.replace(u"<写真フォルダ名>"_s,
+                             u"<参考図フォルダ名>DRA</参考図フォルダ名><写真フォルダ名>"_s);
+                 return WriteAll(path, Cp932::FromUnicode(xml));
+             }},
             {u"unknown element in 基礎情報"_s,
              [&] {
                  const QString path = folder + u"/PHOTO.XML"_s;
