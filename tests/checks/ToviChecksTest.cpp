@@ -4,6 +4,7 @@
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/Cp932.h"
+#include "platform/DoxDocument.h"
 #include "platform/MibFile.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
@@ -165,6 +166,9 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
+        // Small slices: the load and the structure check's second read cross from slice to
+        // slice between every two photographs.
+        DoxDocument::SetSliceSizeForTesting(64);
     }
     void cleanup() {
         fifo.reset();
