@@ -397,7 +397,8 @@ private slots:
 
     // Findings of a 写真情報 go to its photograph counted without the ones left out; those of
     // one left out, and of elements between photographs, are about no photograph; photographs
-    // the load never reached are reported as such.
+    // the load never reached are reported as such. Bytes the load could not decode are told
+    // once besides the characters they became.
     void structureAroundLeftOut_data() {
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QStringList>("expected");
@@ -408,6 +409,10 @@ private slots:
         QTest::newRow("unknown between photographs")
             << u"between"_s
             << QStringList{u"structure.unread -1 写真情報"_s, u"structure.unknown -1 区切り"_s};
+        QTest::newRow("undecodable bytes in two titles")
+            << u"undecodable"_s
+            << QStringList{u"text.non-jis 1 写真タイトル"_s, u"text.non-jis 4 写真タイトル"_s,
+                           u"load.undecodable -1 "_s};
     }
     void structureAroundLeftOut() {
         QFETCH(QString, fault);
@@ -421,8 +426,20 @@ private slots:
             QVERIFY(QFile::remove(folder + u"/PIC/P0000002.JPG"_s));
             QVERIFY(QFile::remove(folder + u"/DRA/D0000002.JPG"_s));
             QVERIFY(AddUnknown(folder, 1) && AddUnknown(folder, 3));
-        } else {
+        } else if (fault == u"between"_s) {
             QVERIFY(EditPhoto(folder, 4, u"^<写真情報>"_s, u"<区切り/><写真情報>"_s));
+        } else {
+            // 0xFF is no Shift_JIS byte.
+            QByteArray xml = ReadAll(folder + u"/PHOTO.XML"_s);
+            const QByteArray title = Cp932::FromUnicode(u"<写真タイトル>"_s);
+            qsizetype at = -1;
+            for (int i = 0; i < 5; ++i) {
+                at = xml.indexOf(title, at + 1);
+                if (i == 1 || i == 4) {
+                    xml.insert(at + title.size(), "\xFF");
+                }
+            }
+            QVERIFY(WriteAll(folder + u"/PHOTO.XML"_s, xml));
         }
         ToviFindingCollector findings;
         Check(folder, 0, findings);
