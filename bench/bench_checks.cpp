@@ -5,6 +5,9 @@
 //
 // BM_Checks keeps every finding (ToviFindingCollector, as a viewer would); BM_ChecksPassedOn
 // hands each to a sink that only counts it, as tovi validate writes each one out at once.
+// BM_ChecksStructureFaulty is BM_ChecksPassedOn on a delivery whose every 写真情報 also holds
+// an element the generation does not define, so that the second, streamed read of PHOTO.XML
+// by the structure check finds something in every photograph as well.
 // Reports "findings", "peak_MB" (the process's resident high-water mark during the first run
 // of the size, reset just before it, the loaded document included) and "loaded_MB" (what was
 // resident before that run). Run one size alone (--benchmark_filter=/100000) for a fresh
@@ -13,6 +16,7 @@
 #include "checks/ToviDeliveryChecker.h"
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
+#include "platform/Cp932.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 
@@ -29,26 +33,43 @@
 
 namespace {
 
-ToviData& DocumentOf(int count) {
+// PHOTO.XML with an unknown element at the end of every 写真ファイル情報.
+void AddUnknownElements(const QString& photoFolder) {
+    QFile file(photoFolder + QStringLiteral("/PHOTO.XML"));
+    if (!file.open(QIODevice::ReadWrite)) {
+        qFatal("cannot open PHOTO.XML");
+    }
+    const QByteArray close = Cp932::FromUnicode(QStringLiteral("</メディア番号>"));
+    QByteArray xml = file.readAll();
+    xml.replace(close, close + Cp932::FromUnicode(QStringLiteral("<撮影者>山田</撮影者>")));
+    file.seek(0);
+    file.write(xml);
+}
+
+ToviData& DocumentOf(int count, bool structureFaulty = false) {
     static QMap<int, std::shared_ptr<ToviData>> documents;
-    if (!documents.contains(count)) {
+    const int key = structureFaulty ? -count : count;
+    if (!documents.contains(key)) {
         DeliveryOptions options;
         options.photoCount = count;
         options.images = DeliveryOptions::Images::None;
         options.seed = 42;
         QString error;
-        const QString root = Temp().filePath(QString::number(count));
+        const QString root = Temp().filePath(QString::number(key));
         if (!WriteDelivery(root, options, nullptr, &error)) {
             qFatal("cannot write the delivery: %s", qPrintable(error));
+        }
+        if (structureFaulty) {
+            AddUnknownElements(root + QStringLiteral("/INDEX_C/PHOTO"));
         }
         std::shared_ptr<ToviData> document = ToviEnouDataFactory().Create(
             nullptr, root + QStringLiteral("/INDEX_C/PHOTO"), PhotoXMLMlit);
         if (!document || document->GetTotalCountPhoto() != count) {
             qFatal("the delivery did not load");
         }
-        documents.insert(count, document);
+        documents.insert(key, document);
     }
-    return *documents.value(count);
+    return *documents.value(key);
 }
 
 // A field of /proc/self/status in kB.
@@ -79,10 +100,10 @@ public:
     size_t count = 0;
 };
 
-template <bool keep>
+template <bool keep, bool structureFaulty = false>
 void RunChecks(benchmark::State& state) {
     const int count = static_cast<int>(state.range(0));
-    ToviData& document = DocumentOf(count);
+    ToviData& document = DocumentOf(count, structureFaulty);
     static QMap<int, QPair<long, long>> measured;  // size -> (loaded, peak), per kind
     bool first = !measured.contains(count);
     size_t findings = 0;
@@ -104,6 +125,9 @@ void RunChecks(benchmark::State& state) {
         }
         state.PauseTiming();
         findings = keep ? collector->Findings().size() : counter.count;
+        if (structureFaulty && findings < 2 * static_cast<size_t>(count)) {
+            qFatal("the structure faults were not all found");
+        }
         if (first) {
             measured.insert(count, {loaded, StatusKb("VmHWM:")});
             first = false;
@@ -122,8 +146,12 @@ void BM_Checks(benchmark::State& state) {
 void BM_ChecksPassedOn(benchmark::State& state) {
     RunChecks<false>(state);
 }
+void BM_ChecksStructureFaulty(benchmark::State& state) {
+    RunChecks<false, true>(state);
+}
 BENCHMARK(BM_Checks)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ChecksPassedOn)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ChecksStructureFaulty)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

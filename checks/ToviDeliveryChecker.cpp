@@ -3,6 +3,8 @@
 #include "checks/ToviCheckContext.h"
 #include "checks/ToviFileChecks.h"
 #include "checks/ToviItemChecks.h"
+#include "checks/ToviLoadFaultCheck.h"
+#include "checks/ToviStructureCheck.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 
@@ -29,6 +31,8 @@ std::unique_ptr<ToviDeliveryChecker> ToviDeliveryChecker::Standard(bool withImag
     checker->AddCheck(std::make_unique<ToviFileNameCheck>());
     checker->AddCheck(std::make_unique<ToviFilePresenceCheck>());
     checker->AddCheck(std::make_unique<ToviStrayFileCheck>());
+    checker->AddCheck(std::make_unique<ToviLoadFaultCheck>());
+    checker->AddCheck(std::make_unique<ToviStructureCheck>());
     if (!withImages) {
         std::erase_if(checker->checks, [](const auto& check) { return check->ReadsImages(); });
     }

@@ -12,6 +12,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 ToviData::ToviData(ToviHostDocument* hostDocument, const QString& path, PhotoXMLType type)
     : rootPath(path), pathResolver(path), hostDocument(hostDocument) {
     visualSetting.reset(OnCreateVisualSettings());
@@ -33,6 +35,17 @@ ToviData::~ToviData() {
 
 ToviSortCondition* ToviData::OnCreateSortCondition() {
     return new ToviSortCondition();
+}
+
+int ToviData::LoadFaults::IndexOfOrdinal(int ordinal) const {
+    if (ordinal < 1 || ordinal > photoBlocks) {
+        return -1;
+    }
+    const auto below = std::lower_bound(droppedOrdinals.begin(), droppedOrdinals.end(), ordinal);
+    if (below != droppedOrdinals.end() && *below == ordinal) {
+        return -1;
+    }
+    return ordinal - 1 - static_cast<int>(below - droppedOrdinals.begin());
 }
 
 void ToviData::RootPath(const QString& path) {

@@ -9,12 +9,14 @@
 #include "extraction/ToviExtractionConditions.h"
 #include "platform/MibPathResolver.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <array>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class QObject;
 class QWidget;
@@ -76,13 +78,38 @@ public:
     void SetStandAlone(bool on) { standAlone = on; }
     PhotoXMLReadErr GetErrorType() const { return errorType; }
     void SetErrorType(PhotoXMLReadErr type) { errorType = type; }
-    // What the load had to mend, for the delivery checks: values in which bytes that are not
-    // Shift_JIS became U+FFFD, photographs that lacked an element whose data count is "0"
-    // (they keep what they had), and the same for a repeating block of management items.
+    // What the load had to mend or leave out, for the delivery checks: values in which bytes
+    // that are not Shift_JIS became U+FFFD, and photographs (or occurrences of a repeating
+    // block) that lacked an element whose data count is "0" and so were not read.
     struct LoadFaults {
+        // One thing left out: a whole photograph (index -1), or one occurrence of a repeating
+        // block inside the photograph now at index, or inside the management items (ordinal 0).
+        struct Dropped {
+            int ordinal = 0;      // 1-based among the 写真情報 elements of the file; 0 for none
+            int index = -1;       // the photograph that kept its other values; -1 for none
+            QString serial;       // its シリアル番号 as written, when it had one
+            QString missing;      // the element that was not there
+            QString block;        // the repeating block that was left out; empty for a photograph
+            int occurrences = 1;  // of that block in one photograph (missing: of the first)
+        };
+        // Only the first ones are kept in full; droppedPhotoCount and droppedBlockCount count
+        // them all.
+        static constexpr int kDroppedKept = 10000;
+
         int undecodableValues = 0;
-        int incompletePhotos = 0;
+        QList<Dropped> dropped;
+        int droppedPhotoCount = 0;
+        int droppedBlockCount = 0;
+        // The ordinal of every photograph left out, ascending: the photograph index of the
+        // 写真情報 element at ordinal n is n - 1 less the ordinals below n in this list.
+        std::vector<int> droppedOrdinals;
+        // How many 写真情報 elements the walk went through, read or left out. Those after
+        // them in the file were not reached (something unknown stood between).
+        int photoBlocks = 0;
         bool incompleteManagement = false;
+        // The photograph index of the 写真情報 element at ordinal (1-based); -1 when that one
+        // was left out or not reached.
+        int IndexOfOrdinal(int ordinal) const;
     };
     const LoadFaults& GetLoadFaults() const { return loadFaults; }
     void SetLoadFaults(const LoadFaults& faults) { loadFaults = faults; }

@@ -175,6 +175,31 @@ QString ToviEnouDataFactory::ValueOf(int i, const DoxIterator& it) {
     return last.text;
 }
 
+QString ToviEnouDataFactory::SerialOf(const ToviItemArray& items, int serialDef) {
+    for (const ToviItem& item : items) {
+        if (item.GetDefIndex() == serialDef) {
+            return item.Value();
+        }
+    }
+    return QString();
+}
+
+void ToviEnouDataFactory::RecordDropped(int ordinal, int index, const QString& serial,
+                                        const QString& missing, const QString& block, int count) {
+    if (block.isEmpty()) {
+        faults.droppedPhotoCount += count;
+        faults.droppedOrdinals.push_back(ordinal);  // the walk goes forward: stays ascending
+        used += static_cast<qint64>(sizeof(int));
+    } else {
+        faults.droppedBlockCount += count;
+    }
+    if (faults.dropped.size() < ToviData::LoadFaults::kDroppedKept) {
+        faults.dropped.append({ordinal, index, serial, missing, block, count});
+        // The entry and its list place; the texts are shared with the values read.
+        used += static_cast<qint64>(sizeof(ToviData::LoadFaults::Dropped) + 48);
+    }
+}
+
 void ToviEnouDataFactory::StoreElement(const ToviItemDef* def, int i, ToviItemArray& items,
                                        DoxIterator& it) {
     const Definition& d = def->GetDef(i);
@@ -211,8 +236,8 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
         if (it.IsTag(d.titleUtf8)) {
             matched = true;
             if (d.readType == Definition::ReadPhotoItem) {
-                // Photographs short of a required element are kept and counted in the load
-                // faults by the block walker; the rest of the delivery loads all the same.
+                // Photographs short of an element of data count "0" are left out and listed
+                // in the load faults by the block walker; the others load all the same.
                 static_cast<void>(
                     LoadPhotoItem(def, document->GetPhotoDataArray(), it, i, callback, arg));
                 if (refused) {
@@ -222,8 +247,12 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
                 continue;
             }
             if (d.blockPlural) {
+                blockDrops = 0;
+                blockMissing.clear();
                 if (!LoadBlockPuralData(def, mngItems, it, i, callback, arg)) {
-                    faults.incompleteManagement = true;  // it keeps what it had
+                    // The occurrences short of an element are left out; the others stay.
+                    faults.incompleteManagement = true;
+                    RecordDropped(0, -1, QString(), blockMissing, d.title, blockDrops);
                 }
                 ++i;
                 continue;
@@ -285,12 +314,18 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
     bool siblingOk = true;
     bool allComplete = true;
     int i = index;
+    const int serialDef = def->GetIndexFromTitle(QStringLiteral("シリアル番号"));
     ToviItemArray items;
     for (;;) {
         const DoxIterator::Place start = it.Position();
+        const int ordinal = ++faults.photoBlocks;
         int skipped = 0;
         int depth = 0;
-        bool complete = true;
+        QString missing;  // the first absent element of data count "0"
+        // Occurrences of repeating blocks left out, and the first of their absent elements.
+        int lostBlocks = 0;
+        QString lostBlockMissing;
+        QString lostBlock;
         i = index;
         items.clear();
         while (i < end) {
@@ -298,14 +333,23 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
             const bool present = it.IsTag(d.titleUtf8);
             if (present && d.blockPlural) {
                 int at = i;
-                complete = LoadBlockPuralData(def, items, it, at, callback, arg) && complete;
+                blockDrops = 0;
+                blockMissing.clear();
+                if (!LoadBlockPuralData(def, items, it, at, callback, arg)) {
+                    if (lostBlocks == 0) {
+                        lostBlockMissing = blockMissing;
+                        lostBlock = d.title;
+                    }
+                    lostBlocks += blockDrops;
+                }
                 i = at + 1;
                 continue;
             }
-            // An absent element of data count "0" (the strict form) leaves the photograph
-            // incomplete, and is passed over as carefully as an optional one.
-            if (!present && d.count == Definition::CountZero) {
-                complete = false;
+            // An absent element of data count "0" (the strict form) loses the photograph; it
+            // is passed over as carefully as an optional one, so that the walk reaches the
+            // end of this photograph and goes on with the next.
+            if (!present && d.count == Definition::CountZero && missing.isEmpty()) {
+                missing = d.title;
             }
             bool move = true;
             if (present) {
@@ -351,20 +395,31 @@ bool ToviEnouDataFactory::LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos
             }
             ++i;
         }
-        photos->append(std::make_unique<ToviPhoto>(document, items));
-        ++photoCount;
-        // The photograph, its place in the array (which grows by doubling), its item list
-        // and the allocator's share of each.
-        used += static_cast<qint64>(sizeof(ToviPhoto) + 96 +
+        if (missing.isEmpty()) {
+            photos->append(std::make_unique<ToviPhoto>(document, items));
+            // The photograph, its place in the array (which grows by doubling), its item list
+            // and the allocator's share of each.
+            used +=
+                static_cast<qint64>(sizeof(ToviPhoto) + 96 +
                                     sizeof(ToviItem) * static_cast<size_t>(items.capacity()) + 48);
+            if (lostBlocks > 0) {
+                RecordDropped(ordinal, static_cast<int>(photos->size()) - 1,
+                              SerialOf(items, serialDef), lostBlockMissing, lostBlock, lostBlocks);
+                allComplete = false;
+            }
+        } else {
+            // Only this photograph is lost: the values it had are not kept (their texts were
+            // counted as they were read and stay counted), the next 写真情報 comes next.
+            RecordDropped(ordinal, -1, SerialOf(items, serialDef), missing, QString(), 1);
+            allComplete = false;
+        }
         if (used > budget) {
             refused = true;
             return false;
         }
-        if (!complete) {
-            ++faults.incompletePhotos;
-            allComplete = false;
-        }
+        // Counted by 写真情報 element, left out or not, so that the progress keeps moving
+        // through a file whose photographs are all short of an element.
+        ++photoCount;
         if (photoCount % 50 == 0) {
             // The result is ignored: a load can't be cancelled.
             OnProgress(callback, QStringLiteral("写真データの読み込み　%1枚完了").arg(photoCount),
@@ -397,12 +452,18 @@ bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& it
     int i = index;
     for (;;) {
         const DoxIterator::Place start = it.Position();
+        const qsizetype mark = items.size();
+        bool occurrenceComplete = true;
         i = index;
         while (i < end) {
             const Definition& d = def->GetDef(i);
             const bool present = it.IsTag(d.titleUtf8);
             if (!present && d.count == Definition::CountZero) {
-                complete = false;  // passed over as in the photograph block
+                // This occurrence is lost; passed over as in the photograph block.
+                if (occurrenceComplete && blockMissing.isEmpty()) {
+                    blockMissing = d.title;
+                }
+                occurrenceComplete = false;
             }
             bool move = true;
             if (present) {
@@ -434,6 +495,11 @@ bool ToviEnouDataFactory::LoadBlockPuralData(ToviItemDef* def, ToviItemArray& it
                 }
             }
             ++i;
+        }
+        if (!occurrenceComplete) {
+            items.remove(mark, items.size() - mark);
+            ++blockDrops;
+            complete = false;
         }
         // The block ends when the element after it is reached, not when its own tag stops.
         const Definition& after = def->GetDef(i);  // a block at the very end: invalid list

@@ -58,12 +58,19 @@ protected:
 private:
     bool Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallback callback, void* arg);
     // The repeating photograph block. False when some photograph lacked an element whose
-    // data count is "0": that photograph keeps what it had and the block goes on.
+    // data count is "0": that photograph is left out (listed in the load faults) and the walk
+    // goes on with the next; or when a repeating block inside one lost an occurrence.
     [[nodiscard]] bool LoadPhotoItem(ToviItemDef* def, ToviPhotoArray* photos, DoxIterator& it,
                                      int& index, ToviLoadCallback callback, void* arg);
-    // A repeating block inside either; false as above, the occurrence keeping what it had.
+    // A repeating block inside either; false when an occurrence lacked an element of data
+    // count "0": that occurrence is left out (blockDrops, blockMissing), the others stay.
     [[nodiscard]] bool LoadBlockPuralData(ToviItemDef* def, ToviItemArray& items, DoxIterator& it,
                                           int& index, ToviLoadCallback callback, void* arg);
+    // Lists something left out in the load faults; count occurrences for a block.
+    void RecordDropped(int ordinal, int index, const QString& serial, const QString& missing,
+                       const QString& block, int count);
+    // The value of the シリアル番号 definition among items; empty when it has none.
+    static QString SerialOf(const ToviItemArray& items, int serialDef);
     void StoreElement(const ToviItemDef* def, int i, ToviItemArray& items, DoxIterator& it);
     // The element's text, shared with the previous value of the same definition when equal.
     QString ValueOf(int i, const DoxIterator& it);
@@ -90,4 +97,6 @@ private:
     QByteArray scratch;                   // text gathered from several nodes
     const DoxDocument* source = nullptr;  // the file being walked
     ToviData::LoadFaults faults;
+    int blockDrops = 0;    // occurrences the last LoadBlockPuralData left out
+    QString blockMissing;  // the first element they lacked
 };

@@ -1,15 +1,19 @@
 #include "checks/ToviDeliveryChecker.h"
 #include "checks/ToviItemChecks.h"
+#include "checks/ToviStructureCheck.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
 #include "platform/Cp932.h"
+#include "platform/DoxDocument.h"
+#include "platform/MibFile.h"
 #include "platform/ToviProfile.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/FifoTrap.h"
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -60,6 +64,63 @@ bool SetValue(const QString& photoFolder, int index, const QString& tag, const Q
     return ok && WriteAll(path, xml);
 }
 
+// Replaces, in the 写真情報 of the photograph at index, what pattern matches with
+// replacement (QRegularExpression syntax); false when it matches nothing.
+bool EditPhoto(const QString& photoFolder, int index, const QString& pattern,
+               const QString& replacement) {
+    const QString path = photoFolder + u"/PHOTO.XML"_s;
+    QString xml = Cp932::ToUnicode(ReadAll(path));
+    qsizetype at = -1;
+    for (int i = 0; i <= index; ++i) {
+        at = xml.indexOf(u"<写真情報>"_s, at + 1);
+        if (at < 0) {
+            return false;
+        }
+    }
+    const qsizetype end = xml.indexOf(u"</写真情報>"_s, at);
+    QString block = xml.mid(at, end - at);
+    const QRegularExpression expression(pattern, QRegularExpression::DotMatchesEverythingOption);
+    if (!block.contains(expression)) {
+        return false;
+    }
+    block.replace(expression, replacement);
+    bool ok = false;
+    const QByteArray bytes = Cp932::FromUnicode(xml.replace(at, end - at, block), &ok);
+    return ok && WriteAll(path, bytes);
+}
+
+// Gives the elements titled in the item definitions the data count "0", the strict form
+// whose absence loses the photograph or block, in a copy under folder that the loader then
+// reads.
+bool MakeStrict(const QString& folder, const QStringList& titles) {
+    QByteArray xml = ReadAll(MibProgramFolder(MibProgramFiles::Data) + u"/READITEM.XML"_s);
+    for (const QString& title : titles) {
+        const QByteArray from = "<タイトル>" + title.toUtf8() + "</タイトル>";
+        for (qsizetype at = xml.indexOf(from); at >= 0; at = xml.indexOf(from, at + 1)) {
+            const qsizetype count = xml.indexOf("<データ数>", at) + qsizetype(strlen("<データ数>"));
+            const qsizetype close = xml.indexOf("</データ数>", count);
+            xml.replace(count, close - count, "0");
+        }
+    }
+    return QDir().mkpath(folder) && WriteAll(folder + u"/READITEM.XML"_s, xml);
+}
+
+// 撮影箇所 written after 撮影年月日 in its 撮影情報 (the reader takes the date, loses the place).
+bool PlaceAfterDate(const QString& photoFolder, int index) {
+    EditPhoto(photoFolder, index, u"<撮影箇所>.*?</撮影箇所>"_s, QString());  // when written
+    return EditPhoto(photoFolder, index, u"(<撮影年月日>.*?</撮影年月日>)"_s,
+                     u"\\1<撮影箇所>橋台</撮影箇所>"_s);
+}
+
+bool DateTwice(const QString& photoFolder, int index) {
+    return EditPhoto(photoFolder, index, u"(<撮影年月日>.*?</撮影年月日>)"_s, u"\\1\\1"_s);
+}
+
+// An element of no generation at the end of 写真ファイル情報.
+bool AddUnknown(const QString& photoFolder, int index) {
+    return EditPhoto(photoFolder, index, u"(</メディア番号>)"_s, u"\\1<撮影者>山田</撮影者>"_s);
+}
+
 struct Expected {
     QString code;
     int index;
@@ -106,17 +167,26 @@ private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
         ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
+        // Small slices: the load and the structure check's second read cross from slice to
+        // slice between every two photographs.
+        DoxDocument::SetSliceSizeForTesting(64);
     }
-    void cleanup() { fifo.reset(); }
+    void cleanup() {
+        fifo.reset();
+        ToviItemDef::SetProgramPathOverride(QString());
+    }
 
     void plantedFault_data() {
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QString>("code");
         QTest::addColumn<int>("index");
         QTest::addColumn<QString>("where");
-        const auto row = [](const char* fault, const char* code, int index, const QString& where) {
+        QTest::addColumn<Generation>("generation");
+        QTest::addColumn<int>("severity");  // -1: any
+        const auto row = [](const char* fault, const char* code, int index, const QString& where,
+                            Generation generation = Generation::Mlit20, int severity = -1) {
             QTest::newRow(fault) << QString::fromUtf8(fault) << QString::fromLatin1(code) << index
-                                 << where;
+                                 << where << generation << severity;
         };
         row("date with slashes", "date.format", 2, u"撮影年月日"_s);
         row("date with full-width digits", "date.format", 1, u"撮影年月日"_s);
@@ -145,14 +215,39 @@ private slots:
         row("photograph a FIFO", "file.special", 1, u"PIC/P0000002.JPG"_s);
         row("photograph a link outside", "file.special", 2, u"PIC/P0000003.JPG"_s);
         row("photograph a dangling link", "file.missing", 4, u"PIC/P0000005.JPG"_s);
+        row("strict シリアル番号 missing", "load.photo-dropped", -1, u"シリアル番号"_s);
+        row("strict 参考図ファイル名 missing", "load.block-dropped", 1, u"参考図ファイル名"_s);
+        const int error = ToviCheckFinding::Error;
+        const int warning = ToviCheckFinding::Warning;
+        row("撮影箇所 after 撮影年月日", "structure.order", 3, u"撮影箇所"_s, Generation::Mlit20,
+            error);
+        row("撮影年月日 twice", "structure.multiplicity", 1, u"撮影年月日"_s, Generation::Mlit20,
+            error);
+        row("メディア番号 missing", "structure.multiplicity", 2, u"メディア番号"_s,
+            Generation::Mlit20, error);
+        row("unknown element", "structure.unknown", 4, u"撮影者"_s, Generation::Mlit20, error);
+        row("写真フォルダ名 after 参考図フォルダ名", "structure.order", -1, u"写真フォルダ名"_s,
+            Generation::Mlit20, error);
+        row("unknown element in 基礎情報", "structure.unknown", -1, u"発注者"_s, Generation::Mlit20,
+            error);
+        row("18: 撮影箇所 after 撮影年月日", "structure.order", 3, u"撮影箇所"_s,
+            Generation::Mlit18, warning);
+        row("18: 撮影年月日 twice", "structure.multiplicity", 1, u"撮影年月日"_s,
+            Generation::Mlit18, warning);
+        row("18: メディア番号 missing", "structure.multiplicity", 2, u"メディア番号"_s,
+            Generation::Mlit18, warning);
+        row("18: unknown element", "structure.unknown", 4, u"撮影者"_s, Generation::Mlit18,
+            warning);
     }
     void plantedFault() {
         QFETCH(QString, fault);
         QFETCH(QString, code);
         QFETCH(int, index);
         QFETCH(QString, where);
+        QFETCH(Generation, generation);
+        QFETCH(int, severity);
         WrittenDelivery written;
-        const QString folder = Write(written);
+        const QString folder = Write(written, generation);
         QVERIFY(!folder.isEmpty());
         const QString pic = folder + u"/PIC/"_s;
         const QString dra = folder + u"/DRA/"_s;
@@ -229,12 +324,60 @@ private slots:
                  return QFile::remove(pic + u"P0000005.JPG"_s) &&
                         QFile::link(pic + u"gone.JPG"_s, pic + u"P0000005.JPG"_s);
              }},
+            {u"strict シリアル番号 missing"_s,
+             [&] {
+                 // The third photograph is not read: its files would be stray.
+                 return MakeStrict(temp.filePath(u"strict"_s), {u"シリアル番号"_s}) &&
+                        EditPhoto(folder, 2, u"<シリアル番号>.*?</シリアル番号>"_s, QString()) &&
+                        QFile::remove(pic + u"P0000003.JPG"_s) &&
+                        QFile::remove(dra + u"D0000003.JPG"_s);
+             }},
+            {u"strict 参考図ファイル名 missing"_s,
+             [&] {
+                 return MakeStrict(temp.filePath(u"strict"_s), {u"参考図ファイル名"_s}) &&
+                        EditPhoto(folder, 1, u"<参考図ファイル名>.*?</参考図ファイル名>"_s,
+                                  QString()) &&
+                        QFile::remove(dra + u"D0000002.JPG"_s);
+             }},
+            {u"撮影箇所 after 撮影年月日"_s, [&] { return PlaceAfterDate(folder, 3); }},
+            {u"18: 撮影箇所 after 撮影年月日"_s, [&] { return PlaceAfterDate(folder, 3); }},
+            {u"撮影年月日 twice"_s, [&] { return DateTwice(folder, 1); }},
+            {u"18: 撮影年月日 twice"_s, [&] { return DateTwice(folder, 1); }},
+            {u"メディア番号 missing"_s,
+             [&] {
+                 return EditPhoto(folder, 2, u"<メディア番号>.*?</メディア番号>"_s, QString());
+             }},
+            {u"18: メディア番号 missing"_s,
+             [&] {
+                 return EditPhoto(folder, 2, u"<メディア番号>.*?</メディア番号>"_s, QString());
+             }},
+            {u"unknown element"_s, [&] { return AddUnknown(folder, 4); }},
+            {u"18: unknown element"_s, [&] { return AddUnknown(folder, 4); }},
+            {u"写真フォルダ名 after 参考図フォルダ名"_s,
+             [&] {
+                 const QString path = folder + u"/PHOTO.XML"_s;
+                 QString xml = Cp932::ToUnicode(ReadAll(path));
+                 xml.remove(QRegularExpression(u"<参考図フォルダ名>.*?</参考図フォルダ名>"_s));
+                 xml.replace(u"<写真フォルダ名>"_s,
+                             u"<参考図フォルダ名>DRA</参考図フォルダ名><写真フォルダ名>"_s);
+                 return WriteAll(path, Cp932::FromUnicode(xml));
+             }},
+            {u"unknown element in 基礎情報"_s,
+             [&] {
+                 const QString path = folder + u"/PHOTO.XML"_s;
+                 QString xml = Cp932::ToUnicode(ReadAll(path));
+                 xml.replace(u"<写真フォルダ名>"_s, u"<発注者>国</発注者><写真フォルダ名>"_s);
+                 return WriteAll(path, Cp932::FromUnicode(xml));
+             }},
         };
+        if (fault.startsWith(u"strict"_s)) {
+            ToviItemDef::SetProgramPathOverride(temp.filePath(u"strict"_s));
+        }
         QVERIFY2(plants.contains(fault), qPrintable(fault));
         QVERIFY(plants[fault]());
 
         ToviFindingCollector findings;
-        Check(folder, 0, findings);
+        Check(folder, FamilyOf(generation), findings);
         QStringList codes;  // what the checks say they report
         for (const char* c : ToviDeliveryChecker::Standard(true)->Codes()) {
             codes << QString::fromLatin1(c);
@@ -244,12 +387,108 @@ private slots:
             QVERIFY2(codes.contains(QLatin1String(f.code)), f.code);
             if (f.severity == ToviCheckFinding::Error || code == QLatin1String(f.code)) {
                 found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(Where(f));
+                QVERIFY2(severity < 0 || f.severity == severity, f.code);
             }
         }
         QCOMPARE(found, QList<QString>{u"%1 %2 %3"_s.arg(code).arg(index).arg(where)});
         if (fifo) {
             QVERIFY(!fifo->Opened());
         }
+    }
+
+    // Findings of a 写真情報 go to its photograph counted without the ones left out; those of
+    // one left out, and of elements between photographs, are about no photograph; photographs
+    // the load never reached are reported as such. Bytes the load could not decode are told
+    // once besides the characters they became.
+    void structureAroundLeftOut_data() {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("unknown in one left out and one after")
+            << u"left out"_s
+            << QStringList{u"structure.unknown 2 撮影者"_s, u"load.photo-dropped -1 シリアル番号"_s,
+                           u"structure.unknown -1 撮影者"_s};
+        QTest::newRow("unknown between photographs")
+            << u"between"_s
+            << QStringList{u"structure.unread -1 写真情報"_s, u"structure.unknown -1 区切り"_s};
+        QTest::newRow("undecodable bytes in two titles")
+            << u"undecodable"_s
+            << QStringList{u"text.non-jis 1 写真タイトル"_s, u"text.non-jis 4 写真タイトル"_s,
+                           u"load.undecodable -1 "_s};
+    }
+    void structureAroundLeftOut() {
+        QFETCH(QString, fault);
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        if (fault == u"left out"_s) {
+            QVERIFY(MakeStrict(temp.filePath(u"strict"_s), {u"シリアル番号"_s}));
+            ToviItemDef::SetProgramPathOverride(temp.filePath(u"strict"_s));
+            QVERIFY(EditPhoto(folder, 1, u"<シリアル番号>.*?</シリアル番号>"_s, QString()));
+            QVERIFY(QFile::remove(folder + u"/PIC/P0000002.JPG"_s));
+            QVERIFY(QFile::remove(folder + u"/DRA/D0000002.JPG"_s));
+            QVERIFY(AddUnknown(folder, 1) && AddUnknown(folder, 3));
+        } else if (fault == u"between"_s) {
+            QVERIFY(EditPhoto(folder, 4, u"^<写真情報>"_s, u"<区切り/><写真情報>"_s));
+        } else {
+            // 0xFF is no Shift_JIS byte.
+            QByteArray xml = ReadAll(folder + u"/PHOTO.XML"_s);
+            const QByteArray title = Cp932::FromUnicode(u"<写真タイトル>"_s);
+            qsizetype at = -1;
+            for (int i = 0; i < 5; ++i) {
+                at = xml.indexOf(title, at + 1);
+                if (i == 1 || i == 4) {
+                    xml.insert(at + title.size(), "\xFF");
+                }
+            }
+            QVERIFY(WriteAll(folder + u"/PHOTO.XML"_s, xml));
+        }
+        ToviFindingCollector findings;
+        Check(folder, 0, findings);
+        QStringList found;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            if (!QByteArrayView(f.code).startsWith("file.")) {
+                found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.item);
+            }
+        }
+        QTEST(found, "expected");
+        if (fault == u"left out"_s) {
+            QVERIFY2(findings.Findings().back().message.startsWith(u"2番目の写真情報"_s),
+                     qPrintable(findings.Findings().back().message));
+        }
+    }
+
+    // A hostile photograph (thousands of unknown elements, one nested fifty thousand deep)
+    // gives a bounded number of findings; a PHOTO.XML gone since the load gives one finding.
+    void structureBoundedAndUnreadable() {
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        const QString nested = u"<深>"_s.repeated(50000) + u"</深>"_s.repeated(50000);
+        QVERIFY(EditPhoto(folder, 0, u"(</撮影年月日>)"_s,
+                          u"\\1"_s + u"<余分/>"_s.repeated(5000) + nested));
+        std::unique_ptr<ToviData> document =
+            ToviEnouDataFactory().Create(nullptr, folder, PhotoXMLMlit);
+        QVERIFY(document);
+        QCOMPARE(document->GetTotalCountPhoto(), 6);
+        ToviFindingCollector findings;
+        QVERIFY(ToviDeliveryChecker::Standard(false)->Run(*document, findings));
+        QStringList found;
+        for (const ToviCheckFinding& f : findings.Findings()) {
+            found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.item);
+        }
+        QCOMPARE(found.size(), ToviStructureCheck::kFindingsPerElement + 1);
+        QCOMPARE(found.first(), u"structure.unknown 0 余分"_s);
+        QVERIFY2(findings.Findings().back().message.contains(u"4981"_s),
+                 qPrintable(findings.Findings().back().message));
+
+        QVERIFY(QFile::remove(folder + u"/PHOTO.XML"_s));
+        ToviFindingCollector gone;
+        QVERIFY(ToviDeliveryChecker::Standard(false)->Run(*document, gone));
+        found.clear();
+        for (const ToviCheckFinding& f : gone.Findings()) {
+            found << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.file);
+        }
+        QCOMPARE(found, QStringList{u"structure.unreadable -1 PHOTO.XML"_s});
     }
 
     // A file name that reaches out of PIC/ names no file, whatever lies there (here a FIFO

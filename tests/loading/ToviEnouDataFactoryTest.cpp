@@ -5,6 +5,7 @@
 #include "platform/Cp932.h"
 #include "platform/DoxDocument.h"
 #include "platform/ToviProfile.h"
+#include "review/ToviXmlManager.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/FifoTrap.h"
 
@@ -249,33 +250,46 @@ private slots:
         }
     }
 
-    // What the load mends instead of failing, counted for the delivery checks: bytes that are
+    // What the load mends instead of failing, listed for the delivery checks: bytes that are
     // not Shift_JIS spoil only their value (U+FFFD); a photograph without an element of data
-    // count "0" keeps what it had. An empty group (all children optional) is passed over.
-    void loadMendsAndCountsFaults() {
+    // count "0" is left out and the next one comes in its place; an occurrence of a repeating
+    // block without one is left out of its photograph. An empty group (all children optional)
+    // is passed over. A record written without the photograph left out loads onto the others.
+    void loadLeavesOutAndListsFaults() {
         const QString program = temp.filePath(u"prog-strict"_s);
         const auto item = [](const char* title, const char* count, const char* step,
-                             const char* grade = "必須") {
+                             const char* grade = "必須", const char* block = "×") {
             return QByteArray("<管理項目><タイトル>") + title + "</タイトル><必要度>" + grade +
                    "</必要度><表示>MainList</表示><データ数>" + count + "</データ数><操作>" + step +
-                   "</操作><ブロック複数>×</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
+                   "</操作><ブロック複数>" + block +
+                   "</ブロック複数><読込種別>PhotoItem</読込種別></管理項目>";
         };
         WriteFile(program + u"/READITEM.XML"_s,
                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?><information><国交省-20>" +
-                      item("写真情報", "1", "Child", "不要") + item("写真ファイル名", "1", "Next") +
-                      item("写真タイトル", "0", "Next") + item("撮影情報", "1", "Child", "不要") +
+                      item("写真情報", "1", "Child", "不要") + item("シリアル番号", "1", "Next") +
+                      item("写真ファイル名", "1", "Next") + item("写真タイトル", "0", "Next") +
+                      item("付加情報", "0+", "Child", "不要", "○") +
+                      item("参考図ファイル名", "0", "Next") +
+                      item("参考図タイトル", "0/1", "Parent", "任意") +
+                      item("撮影情報", "1", "Child", "不要") +
                       item("撮影箇所", "0/1", "Parent", "任意") +
                       item("撮影年月日", "0/1", "Parent") + "</国交省-20></information>");
         ToviItemDef::SetProgramPathOverride(program);
 
-        // Photograph 1 has an empty group, 2 lacks its title, 3 and 4 have stray bytes.
+        // 1 has an empty group; 2 lacks its title; the first 付加情報 of 3 lacks its file;
+        // 3 and 4 have stray bytes.
         const QString folder = temp.filePath(u"mended"_s);
         QByteArray body = "<!DOCTYPE photodata SYSTEM \"PHOTO05.DTD\">\n<photodata>";
         for (const QByteArray n : {"1", "2", "3", "4"}) {
-            body += "<写真情報><写真ファイル名>P" + n + ".JPG</写真ファイル名>" +
+            body += "<写真情報><シリアル番号>" + n + "</シリアル番号><写真ファイル名>P" + n +
+                    ".JPG</写真ファイル名>" +
                     (n == "2" ? ""
                               : "<写真タイトル>題" + n + (n == "3" ? "{junk}" : "") +
                                     "</写真タイトル>") +
+                    (n == "3" ? "<付加情報><参考図タイトル>図3a</参考図タイトル></付加情報>"
+                                "<付加情報><参考図ファイル名>D3b.JPG</参考図ファイル名>"
+                                "<参考図タイトル>図3b</参考図タイトル></付加情報>"
+                              : "") +
                     (n == "1" ? "<撮影情報/>"
                               : "<撮影情報><撮影箇所>No." + n + "</撮影箇所></撮影情報>") +
                     "<撮影年月日>2024-01" + (n == "4" ? "{junk}" : "-") + "0" + n +
@@ -285,19 +299,57 @@ private slots:
         ToviEnouDataFactory factory;
         std::unique_ptr<ToviData> document(factory.Create(nullptr, folder, PhotoXMLMlit));
         QVERIFY2(document, qPrintable(factory.GetLoadError()));
-        QCOMPARE(document->GetTotalCountPhoto(), 4);
+        QCOMPARE(document->GetTotalCountPhoto(), 3);
         QCOMPARE(Value(*document, 0, "撮影箇所"), QString());
         QCOMPARE(Value(*document, 0, "撮影年月日"), u"2024-01-01"_s);
-        QCOMPARE(Value(*document, 1, "撮影箇所"), u"No.2"_s);
-        QCOMPARE(Value(*document, 1, "写真ファイル名"), u"P2.JPG"_s);
-        QCOMPARE(Value(*document, 1, "写真タイトル"), QString());
-        QCOMPARE(Value(*document, 1, "撮影年月日"), u"2024-01-02"_s);
-        QCOMPARE(Value(*document, 2, "写真タイトル"), u"題3\uFFFD\uFFFD@"_s);
-        QCOMPARE(Value(*document, 3, "撮影年月日"), u"2024-01\uFFFD\uFFFD@04"_s);
-        QCOMPARE(Value(*document, 3, "写真タイトル"), u"題4"_s);
-        QCOMPARE(document->GetLoadFaults().undecodableValues, 2);
-        QCOMPARE(document->GetLoadFaults().incompletePhotos, 1);
-        QVERIFY(!document->GetLoadFaults().incompleteManagement);
+        QCOMPARE(Value(*document, 1, "写真ファイル名"), u"P3.JPG"_s);
+        QCOMPARE(Value(*document, 1, "写真タイトル"), u"題3\uFFFD\uFFFD@"_s);
+        QCOMPARE(Value(*document, 1, "撮影箇所"), u"No.3"_s);
+        QCOMPARE(
+            FilledItems(document->GetItemDef(), document->GetPhotoActualPhotoArray(1)->GetItems())
+                .mid(3, 2),
+            (Pairs{{u"参考図ファイル名"_s, u"D3b.JPG"_s}, {u"参考図タイトル"_s, u"図3b"_s}}));
+        QCOMPARE(Value(*document, 2, "撮影年月日"), u"2024-01\uFFFD\uFFFD@04"_s);
+        QCOMPARE(Value(*document, 2, "写真タイトル"), u"題4"_s);
+
+        const ToviData::LoadFaults& faults = document->GetLoadFaults();
+        QCOMPARE(faults.undecodableValues, 2);
+        QCOMPARE(faults.droppedPhotoCount, 1);
+        QCOMPARE(faults.droppedBlockCount, 1);
+        QCOMPARE(faults.photoBlocks, 4);
+        QVERIFY(!faults.incompleteManagement);
+        QStringList dropped;
+        for (const ToviData::LoadFaults::Dropped& d : faults.dropped) {
+            dropped << u"%1 %2 %3 %4 %5"_s.arg(d.ordinal).arg(d.index).arg(d.serial, d.missing,
+                                                                           d.block);
+        }
+        QCOMPARE(dropped,
+                 (QStringList{u"2 -1 2 写真タイトル "_s, u"3 1 3 参考図ファイル名 付加情報"_s}));
+        QList<int> indexes;
+        for (int ordinal = 0; ordinal <= 5; ++ordinal) {
+            indexes << faults.IndexOfOrdinal(ordinal);
+        }
+        QCOMPARE(indexes, (QList<int>{-1, 0, -1, 1, 2, -1}));
+
+        // A record of the three photographs read; the count of all four no longer fits.
+        const QString record = temp.filePath(u"mended-record.xml"_s);
+        const auto writeRecord = [&](int count) {
+            WriteFile(record,
+                      Cp932::FromUnicode(
+                          u"<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\n"
+                          "<検査状況><情報><写真枚数>%1</写真枚数></情報><状況>"
+                          "<写真><コメント>一</コメント></写真><写真><コメント>三</コメント></写真>"
+                          "<写真><コメント>四</コメント></写真></状況></検査状況>"_s.arg(count)));
+        };
+        int result = -1;
+        writeRecord(4);
+        QVERIFY(!document->LoadExamination(record, &result));
+        QCOMPARE(result, int(ExamCountWrong));
+        writeRecord(3);
+        QVERIFY(document->LoadExamination(record, &result));
+        QCOMPARE(document->GetPhotoActualPhotoArray(0)->GetComment(), u"一"_s);
+        QCOMPARE(document->GetPhotoActualPhotoArray(1)->GetComment(), u"三"_s);
+        QCOMPARE(document->GetPhotoActualPhotoArray(2)->GetComment(), u"四"_s);
     }
 
     // The section comes from the DOCTYPE line's whole DTD name within the family.
