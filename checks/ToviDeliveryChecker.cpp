@@ -2,6 +2,7 @@
 
 #include "checks/ToviCheckContext.h"
 #include "checks/ToviFileChecks.h"
+#include "checks/ToviImageChecks.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 
@@ -26,6 +27,9 @@ std::unique_ptr<ToviDeliveryChecker> ToviDeliveryChecker::Standard(bool withImag
     checker->AddCheck(std::make_unique<ToviFileNameCheck>());
     checker->AddCheck(std::make_unique<ToviFilePresenceCheck>());
     checker->AddCheck(std::make_unique<ToviStrayFileCheck>());
+    checker->AddCheck(std::make_unique<ToviImageFileCheck>());
+    checker->AddCheck(std::make_unique<ToviShotDateCheck>());
+    checker->AddCheck(std::make_unique<ToviTamperCheck>());
     if (!withImages) {
         std::erase_if(checker->checks, [](const auto& check) { return check->ReadsImages(); });
     }
