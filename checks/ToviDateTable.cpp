@@ -4,20 +4,125 @@
 #include "checks/ToviFileChecks.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
-#include "platform/LumImage.h"
+#include "platform/LumJpegFacts.h"
 
 #include <QFileInfo>
 
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
-// "2024/05/01 09:30:00", as the Exif reader gives it.
-QDateTime ExifText(const QString& text) {
-    return QDateTime::fromString(text, QStringLiteral("yyyy/MM/dd HH:mm:ss"));
+// A TIFF structure's numbers in its own byte order, bounds checked.
+struct TiffReader {
+    const uchar* bytes;
+    qint64 size;
+    bool little;
+
+    bool U16(qint64 at, quint32* out) const {
+        if (at < 0 || at + 2 > size) {
+            return false;
+        }
+        *out = little ? bytes[at] | (bytes[at + 1] << 8) : (bytes[at] << 8) | bytes[at + 1];
+        return true;
+    }
+    bool U32(qint64 at, quint32* out) const {
+        quint32 a = 0;
+        quint32 b = 0;
+        if (!U16(at, &a) || !U16(at + 2, &b)) {
+            return false;
+        }
+        *out = little ? a | (b << 16) : (a << 16) | b;
+        return true;
+    }
+    // The entry of tag in the directory at offset; its position, or -1.
+    qint64 Find(qint64 offset, quint32 tag) const {
+        quint32 count = 0;
+        if (!U16(offset, &count)) {
+            return -1;
+        }
+        for (quint32 i = 0; i < count; ++i) {
+            const qint64 entry = offset + 2 + 12 * qint64(i);
+            quint32 found = 0;
+            if (!U16(entry, &found)) {
+                return -1;
+            }
+            if (found == tag) {
+                return entry;
+            }
+        }
+        return -1;
+    }
+};
+
+// The Exif block's TIFF structure in a JPEG header: its start, or -1.
+qint64 ExifBlock(const QByteArray& header, qint64* length) {
+    const auto* bytes = reinterpret_cast<const uchar*>(header.constData());
+    const qint64 size = header.size();
+    qint64 pos = 2;
+    while (pos + 4 <= size && bytes[pos] == 0xFF) {
+        const uchar marker = bytes[pos + 1];
+        if (marker == 0xFF) {
+            ++pos;
+            continue;
+        }
+        if (marker == 0xDA || marker == 0xD9) {
+            break;
+        }
+        const qint64 segment = (bytes[pos + 2] << 8) | bytes[pos + 3];
+        if (segment < 2) {
+            break;
+        }
+        if (marker == 0xE1 && segment >= 8 && pos + 2 + segment <= size &&
+            std::memcmp(bytes + pos + 4, "Exif\0\0", 6) == 0) {
+            *length = segment - 8;
+            return pos + 10;
+        }
+        pos += 2 + segment;
+    }
+    return -1;
 }
 
 }  // namespace
+
+QDateTime ToviDateTable::ExifOriginalDate(const QByteArray& header) {
+    qint64 length = 0;
+    const qint64 start = ExifBlock(header, &length);
+    if (start < 0 || length < 8) {
+        return QDateTime();
+    }
+    const auto* tiff = reinterpret_cast<const uchar*>(header.constData()) + start;
+    if (std::memcmp(tiff, "II", 2) != 0 && std::memcmp(tiff, "MM", 2) != 0) {
+        return QDateTime();
+    }
+    const TiffReader reader{tiff, length, tiff[0] == 'I'};
+    quint32 magic = 0;
+    quint32 ifd0 = 0;
+    quint32 exifIfd = 0;
+    quint32 type = 0;
+    quint32 count = 0;
+    quint32 offset = 0;
+    if (!reader.U16(2, &magic) || magic != 42 || !reader.U32(4, &ifd0)) {
+        return QDateTime();
+    }
+    const qint64 pointer = reader.Find(ifd0, 0x8769);  // the Exif directory
+    if (pointer < 0 || !reader.U32(pointer + 8, &exifIfd)) {
+        return QDateTime();
+    }
+    const qint64 entry = reader.Find(exifIfd, 0x9003);  // DateTimeOriginal
+    if (entry < 0 || !reader.U16(entry + 2, &type) || !reader.U32(entry + 4, &count) || type != 2 ||
+        count < 19 || !reader.U32(entry + 8, &offset) || offset + 19 > length) {
+        return QDateTime();
+    }
+    QByteArray text(reinterpret_cast<const char*>(tiff) + offset, 19);
+    // Some writers put '-' or '/' between the parts of the date.
+    for (const int at : {4, 7}) {
+        if (text[at] == '-' || text[at] == '/') {
+            text[at] = ':';
+        }
+    }
+    return QDateTime::fromString(QString::fromLatin1(text), QStringLiteral("yyyy:MM:dd HH:mm:ss"));
+}
 
 std::optional<qint64> ToviDateRow::ExifDays() const {
     if (!shot.isValid() || !exif.isValid()) {
@@ -83,9 +188,10 @@ ToviDateRow ToviDateTable::ReadRow(ToviCheckContext& context, const ToviReadable
     const QFileInfo info(path);
     row.readable = true;
     row.modified = info.lastModified();
-    QString text;
-    if (LumImage::GetComment(path, LumCmntDateTimeOriginal, text)) {
-        row.exif = ExifText(text);
+    LumJpegFacts facts;
+    QByteArray header;
+    if (LumReadJpegHeader(path, &facts, &header)) {
+        row.exif = ExifOriginalDate(header);
     }
     return row;
 }
