@@ -85,6 +85,18 @@ qint64 ExifBlock(const QByteArray& header, qint64* length) {
 
 }  // namespace
 
+QDate ToviDateTable::ShotDate(const QString& text) {
+    if (text.size() != 10 || text[4] != QLatin1Char('-') || text[7] != QLatin1Char('-')) {
+        return QDate();
+    }
+    for (const int at : {0, 1, 2, 3, 5, 6, 8, 9}) {
+        if (text[at] < QLatin1Char('0') || text[at] > QLatin1Char('9')) {
+            return QDate();
+        }
+    }
+    return QDate::fromString(text, QStringLiteral("yyyy-MM-dd"));
+}
+
 QDateTime ToviDateTable::ExifOriginalDate(const QByteArray& header) {
     qint64 length = 0;
     const qint64 start = ExifBlock(header, &length);
@@ -174,9 +186,7 @@ ToviDateRow ToviDateTable::ReadRow(ToviCheckContext& context, const ToviReadable
             row.shotText = it.Value();
         }
     }
-    if (row.shotText.size() == 10) {
-        row.shot = QDate::fromString(row.shotText, Qt::ISODate);
-    }
+    row.shot = ShotDate(row.shotText);
     if (name.isEmpty()) {
         return row;
     }

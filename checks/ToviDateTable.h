@@ -62,6 +62,9 @@ public:
                const std::atomic<bool>* cancel = nullptr, const Progress& progress = {});
     const std::vector<ToviDateRow>& Rows() const { return rows; }
 
+    // 撮影年月日 written CCYY-MM-DD as a date; invalid for any other form (Qt's own ISO
+    // reading would take "2024/04/01" too).
+    static QDate ShotDate(const QString& text);
     // The Exif original date (DateTimeOriginal) in the header bytes of a JPEG (from its start
     // to its first scan); invalid when there is none, it is blank or zero, or the block is
     // broken. Read here rather than through the Exif library: this one field of a hundred

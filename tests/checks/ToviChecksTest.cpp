@@ -1,3 +1,4 @@
+#include "checks/ToviDateTable.h"
 #include "checks/ToviDeliveryChecker.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
@@ -503,6 +504,124 @@ private slots:
         ToviFindingCollector some;
         QVERIFY(!checker->Run(*document, some));
         QVERIFY(some.Findings().size() < all.Findings().size());
+    }
+
+    // The Exif original date read from a JPEG's header bytes, as the writer of the fixtures
+    // lays them out, and what a broken or blank block gives.
+    void exifOriginalDate_data() {
+        QTest::addColumn<QByteArray>("jpeg");
+        QTest::addColumn<QDateTime>("expected");
+        QImage picture(32, 24, QImage::Format_RGB32);
+        picture.fill(Qt::gray);
+        ExifFacts facts;
+        facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 20), QTime(10, 15, 30));
+        const QByteArray dated = MakeExifJpeg(picture, facts);
+        const qsizetype at = dated.indexOf("2024:05:20 10:15:30");
+        QVERIFY(at > 0);
+        const auto patched = [&](const QByteArray& text) {
+            QByteArray bytes = dated;
+            // Every copy (DateTime and DateTimeDigitized carry the same text).
+            for (qsizetype p = bytes.indexOf("2024:05:20 10:15:30"); p >= 0;
+                 p = bytes.indexOf("2024:05:20 10:15:30", p + 1)) {
+                bytes.replace(p, text.size(), text);
+            }
+            return bytes;
+        };
+        QTest::newRow("dated") << dated << facts.dateTimeOriginal;
+        QTest::newRow("dashes") << patched("2024-05-20 10:15:30") << facts.dateTimeOriginal;
+        QTest::newRow("zero date") << patched("0000:00:00 00:00:00") << QDateTime();
+        QTest::newRow("blank date") << patched("                   ") << QDateTime();
+        ExifFacts undated;
+        QTest::newRow("no date") << MakeExifJpeg(picture, undated) << QDateTime();
+        ExifFacts plain;
+        plain.writeExif = false;
+        QTest::newRow("no Exif") << MakeExifJpeg(picture, plain) << QDateTime();
+        QTest::newRow("cut inside the block") << dated.left(at - 40) << QDateTime();
+        QByteArray wrongOrder = dated;
+        wrongOrder[dated.indexOf("Exif") + 6] = 'X';  // "XI*" is no byte order
+        QTest::newRow("no byte order") << wrongOrder << QDateTime();
+        QTest::newRow("not a JPEG") << QByteArray("GIF89a") << QDateTime();
+    }
+    void exifOriginalDate() {
+        QFETCH(QByteArray, jpeg);
+        QFETCH(QDateTime, expected);
+        QCOMPARE(ToviDateTable::ExifOriginalDate(jpeg), expected);
+    }
+
+    // A day apart passes, whatever the hours; more is flagged either way, from either side.
+    void dateDifference_data() {
+        QTest::addColumn<QString>("shot");
+        QTest::addColumn<QDateTime>("exif");
+        QTest::addColumn<QDateTime>("modified");
+        QTest::addColumn<bool>("differs");
+        const QDate day(2024, 4, 1);
+        const QDateTime noon(day, QTime(12, 0));
+        QTest::newRow("same day") << u"2024-04-01"_s << noon << noon << false;
+        QTest::newRow("Exif next day, late")
+            << u"2024-04-01"_s << QDateTime(day.addDays(1), QTime(23, 59)) << noon << false;
+        QTest::newRow("Exif two days later")
+            << u"2024-04-01"_s << QDateTime(day.addDays(2), QTime(0, 1)) << noon << true;
+        QTest::newRow("file two days before")
+            << u"2024-04-01"_s << noon << noon.addDays(-2) << true;
+        QTest::newRow("no Exif, file far")
+            << u"2024-04-01"_s << QDateTime() << noon.addDays(40) << true;
+        QTest::newRow("no date to compare")
+            << u"2024/04/01"_s << noon.addDays(9) << noon.addDays(9) << false;
+    }
+    void dateDifference() {
+        QFETCH(QString, shot);
+        QFETCH(QDateTime, exif);
+        QFETCH(QDateTime, modified);
+        QFETCH(bool, differs);
+        ToviDateRow row;
+        row.shotText = shot;
+        row.shot = ToviDateTable::ShotDate(shot);
+        row.exif = exif;
+        row.modified = modified;
+        QCOMPARE(row.Differs(), differs);
+        QCOMPARE(ToviDateTable::Cells(row).last(), differs ? u"あり"_s : QString());
+    }
+
+    // Fields are quoted only when RFC 4180 asks for it, quotes doubled.
+    void csvField_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("field");
+        QTest::newRow("plain") << u"P0000001.JPG"_s << u"P0000001.JPG"_s;
+        QTest::newRow("Japanese") << u"撮影年月日"_s << u"撮影年月日"_s;
+        QTest::newRow("empty") << QString() << QString();
+        QTest::newRow("comma") << u"A,B"_s << u"\"A,B\""_s;
+        QTest::newRow("quote") << u"5\" 杭"_s << u"\"5\"\" 杭\""_s;
+        QTest::newRow("line break") << u"一\r\n二"_s << u"\"一\r\n二\""_s;
+    }
+    void csvField() {
+        QFETCH(QString, text);
+        QFETCH(QString, field);
+        QCOMPARE(ToviDateTable::CsvField(text), field);
+    }
+
+    // The date table of a written delivery in the order asked, those out of range left out; a
+    // cancel before the start gives nothing.
+    void dateTableBuild() {
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        std::unique_ptr<ToviData> document =
+            ToviEnouDataFactory().Create(nullptr, folder, PhotoXMLMlit);
+        QVERIFY(document);
+        ToviDateTable table;
+        QVERIFY(table.Build(*document, {4, 1, 99, -1}));
+        QCOMPARE(table.Rows().size(), size_t(2));
+        const ToviDateRow& row = table.Rows()[0];
+        QCOMPARE(row.index, 4);
+        QCOMPARE(row.file, u"PIC/"_s + written.photos[4].fileName);
+        QCOMPARE(row.exif, written.photos[4].exif.dateTimeOriginal);
+        QCOMPARE(row.shot, written.photos[4].exif.dateTimeOriginal.date());
+        QVERIFY(!row.Differs());
+        QCOMPARE(table.Rows()[1].index, 1);
+
+        std::atomic<bool> cancel{true};
+        QVERIFY(!table.Build(*document, {0, 1, 2}, &cancel));
+        QVERIFY(table.Rows().empty());
     }
 };
 
