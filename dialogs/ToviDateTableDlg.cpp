@@ -189,7 +189,7 @@ ToviDateTableDlg::ToviDateTableDlg(QWidget* parent) : QDialog(parent) {
     const QByteArray geometry = QByteArray::fromBase64(
         ToviProfile::Instance().GetProfileString(Section_, kGeometry, QString()).toLatin1());
     if (geometry.isEmpty() || !restoreGeometry(geometry)) {
-        resize(980, 560);
+        resize(1080, 600);
     }
 }
 
