@@ -90,8 +90,11 @@ ToviImageFileCheck::Format ToviImageFileCheck::Sniff(const QByteArray& head) {
     if (starts("BM", 2)) {
         return Format::Bmp;
     }
-    const QByteArray text = head.left(256).trimmed();
-    if (text.startsWith("<?xml") || text.startsWith("<svg")) {
+    // An SVG drawing: markup (after a byte-order mark, an XML declaration, comments or a
+    // DOCTYPE) whose root is svg, near the start.
+    QByteArray text = head.startsWith("\xEF\xBB\xBF") ? head.mid(3) : head;
+    text = text.trimmed();
+    if (text.startsWith('<') && text.left(1024).contains("<svg")) {
         return Format::Svg;
     }
     return Format::Other;
@@ -185,7 +188,7 @@ void ToviImageFileCheck::CheckFile(ToviCheckContext& context, int index, bool ph
             QStringLiteral("%1「%2」を開けません").arg(item, name));
         return;
     }
-    const Format found = Sniff(file.peek(512));
+    const Format found = Sniff(file.peek(1024));
     if (found != promised) {
         add(kFormat, ToviCheckFinding::Error,
             QStringLiteral("%1「%2」は拡張子では %3 ですが、中身は %4 です")
@@ -270,7 +273,9 @@ void ToviShotDateCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFin
         return;
     }
     const QString item = QStringLiteral("撮影年月日");
-    if (!row.exif.isValid()) {
+    // An SVG photograph carries its Exif inside its main image: not read here.
+    if (!row.exif.isValid() &&
+        ToviImageFileCheck::Promised(row.file) == ToviImageFileCheck::Format::Jpeg) {
         sink.Add(Finding(kNoExif, ToviCheckFinding::Note, index, row.file, item,
                          QStringLiteral("写真ファイル「%1」に Exif の撮影日時がありません。"
                                         "撮影年月日「%2」と照合できません")

@@ -1,5 +1,6 @@
 #include "checks/ToviDateTable.h"
 #include "checks/ToviDeliveryChecker.h"
+#include "checks/ToviImageChecks.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
@@ -472,7 +473,7 @@ private slots:
     }
 
     // Progress rises to the number of photographs; a cancel stops the run within the next
-    // thousand photographs and says so.
+    // thousand photographs (32 when images are read) and says so.
     void progressAndCancel() {
         DeliveryOptions options;
         options.photoCount = 5000;
@@ -504,6 +505,18 @@ private slots:
         ToviFindingCollector some;
         QVERIFY(!checker->Run(*document, some));
         QVERIFY(some.Findings().size() < all.Findings().size());
+
+        // Checks that read images report, and may stop, every 32 photographs.
+        std::unique_ptr<ToviDeliveryChecker> reading = ToviDeliveryChecker::Standard(true);
+        qint64 first = 0;
+        reading->SetProgress([&](qint64 done, qint64) {
+            if (first == 0) {
+                first = done;
+            }
+        });
+        ToviFindingCollector read;
+        QVERIFY(reading->Run(*document, read));
+        QCOMPARE(first, qint64(32));
     }
 
     // The Exif original date read from a JPEG's header bytes, as the writer of the fixtures
@@ -622,6 +635,32 @@ private slots:
         std::atomic<bool> cancel{true};
         QVERIFY(!table.Build(*document, {0, 1, 2}, &cancel));
         QVERIFY(table.Rows().empty());
+    }
+
+    // What a file's first bytes say it is, against what its name promises.
+    void sniff_data() {
+        using F = ToviImageFileCheck::Format;
+        QTest::addColumn<QByteArray>("head");
+        QTest::addColumn<int>("format");
+        QTest::newRow("JPEG") << QByteArray("\xFF\xD8\xFF\xE1\x00\x10") << int(F::Jpeg);
+        QTest::newRow("JPEG, SOI alone") << QByteArray("\xFF\xD8") << int(F::Other);
+        QTest::newRow("TIFF, Intel") << QByteArray("II*\0\x08\0\0\0", 8) << int(F::Tiff);
+        QTest::newRow("TIFF, Motorola") << QByteArray("MM\0*\0\0\0\x08", 8) << int(F::Tiff);
+        QTest::newRow("PNG") << QByteArray("\x89PNG\r\n\x1A\n") << int(F::Png);
+        QTest::newRow("GIF") << QByteArray("GIF87a") << int(F::Gif);
+        QTest::newRow("BMP") << QByteArray("BM6\0") << int(F::Bmp);
+        QTest::newRow("SVG after a mark and a comment")
+            << QByteArray("\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<!-- 図 -->\n<svg xmlns=\"\">")
+            << int(F::Svg);
+        QTest::newRow("XML that is no SVG")
+            << QByteArray("<?xml version=\"1.0\"?><photodata>") << int(F::Other);
+        QTest::newRow("text") << QByteArray("P0000001") << int(F::Other);
+        QTest::newRow("empty") << QByteArray() << int(F::None);
+    }
+    void sniff() {
+        QFETCH(QByteArray, head);
+        QFETCH(int, format);
+        QCOMPARE(int(ToviImageFileCheck::Sniff(head)), format);
     }
 };
 
