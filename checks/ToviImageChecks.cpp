@@ -246,8 +246,8 @@ void ToviImageFileCheck::CheckFile(ToviCheckContext& context, int index, bool ph
     const qint64 pixels = qint64(size.width()) * size.height();
     if (pixels < guidance->low || pixels > guidance->high) {
         add(kSize, ToviCheckFinding::Note,
-            QStringLiteral("%1「%2」は %3 × %4 (約%5万画素) です。%6の目安は%7です")
-                .arg(item, name)
+            QStringLiteral("写真ファイル「%1」は %2 × %3 (約%4万画素) です。%5の目安は%6です")
+                .arg(name)
                 .arg(size.width())
                 .arg(size.height())
                 .arg((pixels + 5000) / 10000)
