@@ -44,25 +44,28 @@ bool ToviMainWindow::ShowDateTable() {
                                [&](qint64 n, qint64) { done.store(n, std::memory_order_relaxed); });
         finished.store(true, std::memory_order_release);
     });
+    bool stopped = false;  // the user's cancel, which holds even when the reading had ended
     {
         ToviProgressDlg progress(false, this);
         progress.SetCancelBtnEnabled(true);
         progress.Create(this);
         progress.SetCaption(QString());
         progress.SetRange(0, total);
-        while (!finished.load(std::memory_order_acquire)) {
+        do {
             const qint64 n = done.load(std::memory_order_relaxed);
             progress.SetMessage(
                 QStringLiteral("撮影日を照合しています　%1 / %2").arg(n).arg(total));
             progress.SetPos(static_cast<int>(n));
             if (progress.GetCancel() || !progress.IsWindow()) {
+                stopped = true;
                 cancel.store(true);
+                break;
             }
             QThread::msleep(15);
-        }
+        } while (!finished.load(std::memory_order_acquire));
     }
     worker.join();
-    if (!complete) {
+    if (stopped || !complete) {
         return false;
     }
 

@@ -367,11 +367,16 @@ private slots:
                                      QFileDevice::FileModificationTime));
         }
 
+        // Cancelled at the progress window's first pump: no table.
+        ui->PressCancelAtPump(ui->Pumps() + 1);
+        KeyThroughMenus(&window, Qt::Key_T, {Qt::Key_D});
+        QVERIFY(!ui->ProgressViews().isEmpty());
+        QVERIFY(!window.findChild<ToviDateTableDlg*>());
+
         KeyThroughMenus(&window, Qt::Key_T, {Qt::Key_D});
         auto* dialog = window.findChild<ToviDateTableDlg*>();
         QVERIFY(dialog);
         QVERIFY(QTest::qWaitForWindowExposed(dialog));
-        QVERIFY(!ui->ProgressViews().isEmpty());  // read with the progress window up
         QTableView* view = dialog->View();
         QCOMPARE(view->model()->rowCount(), 12);
         for (int r = 0; r < 12; ++r) {
