@@ -65,6 +65,12 @@ public:
     // The tamper check over the photographs on show, its count in the status bar; false when
     // it didn't run or was cancelled (the results so far stay).
     bool RunEditCheck();
+    // 撮影日の照合: the date table of the photographs on show, read off the UI thread with a
+    // progress window; false when it didn't open or was cancelled.
+    bool ShowDateTable();
+    // Selects the photograph (its PHOTO.XML index) in the multi-photo panel, turning to its
+    // page; false when it is not among those on show.
+    bool SelectPhotoOnShow(int photoIndex);
     // Sorting off (an empty key) or by key, and the direction; the photographs on show are
     // gathered again in the new order.
     void SetSortChoice(const QString& key, bool ascending);
@@ -115,6 +121,7 @@ private:
     void CreateMenus();
     void CreateToolBar();
     void CreateToolActions();
+    void CreateDateTableAction();
     void UpdateToolActions();
     // The extraction window's dock and its action (ToviMainWindowExtraction.cpp).
     void CreateExtractionDock();
@@ -188,6 +195,7 @@ private:
     QAction* removeAllLabelsAction;
     QAction* batchLabelAction;
     QAction* editCheckAction;
+    QAction* dateTableAction = nullptr;
     QActionGroup* sortKeyGroup;
     QActionGroup* sortDirectionGroup;
     QAction* aboutAction;

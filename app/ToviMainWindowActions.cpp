@@ -263,6 +263,7 @@ void ToviMainWindow::CreateActions() {
     });
 
     CreateToolActions();
+    CreateDateTableAction();
     CreateSetUpAction();
 
     aboutAction = new QAction(QStringLiteral("バージョン情報(&A)"), this);
@@ -338,6 +339,7 @@ void ToviMainWindow::CreateMenus() {
 
     QMenu* tools = menuBar()->addMenu(QStringLiteral("ツール(&T)"));
     tools->addAction(editCheckAction);
+    tools->addAction(dateTableAction);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("ヘルプ(&H)"));
     help->addAction(aboutAction);

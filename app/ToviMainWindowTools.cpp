@@ -77,6 +77,9 @@ void ToviMainWindow::UpdateToolActions() {
     const bool shown = data && data->GetCurrentPhotoCount() > 0 && !slideShow;
     batchLabelAction->setEnabled(shown);
     editCheckAction->setEnabled(shown);
+    if (dateTableAction) {
+        dateTableAction->setEnabled(shown);
+    }
     const bool sorting = data && data->GetSortCondition().IsExecSort();
     const QString key = sorting ? data->GetSortCondition().GetKeyItem() : QString();
     for (QAction* a : sortKeyGroup->actions()) {

@@ -5,8 +5,11 @@
 #include "checks/ToviItemChecks.h"
 #include "checks/ToviLoadFaultCheck.h"
 #include "checks/ToviStructureCheck.h"
+#include "checks/ToviImageChecks.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
+
+#include <algorithm>
 
 void ToviFindingCollector::Add(ToviCheckFinding finding) {
     ++counts[finding.severity];
@@ -33,6 +36,9 @@ std::unique_ptr<ToviDeliveryChecker> ToviDeliveryChecker::Standard(bool withImag
     checker->AddCheck(std::make_unique<ToviStrayFileCheck>());
     checker->AddCheck(std::make_unique<ToviLoadFaultCheck>());
     checker->AddCheck(std::make_unique<ToviStructureCheck>());
+    checker->AddCheck(std::make_unique<ToviImageFileCheck>());
+    checker->AddCheck(std::make_unique<ToviShotDateCheck>());
+    checker->AddCheck(std::make_unique<ToviTamperCheck>());
     if (!withImages) {
         std::erase_if(checker->checks, [](const auto& check) { return check->ReadsImages(); });
     }
@@ -51,11 +57,16 @@ bool ToviDeliveryChecker::Run(const ToviData& document, ToviFindingSink& sink) {
     ToviCheckContext context(document);
     const int total = context.PhotoCount();
     const auto cancelled = [&] { return cancel && cancel->load(std::memory_order_relaxed); };
+    // A photograph whose files are read and decoded takes milliseconds, not microseconds: the
+    // cancel and the progress then come every 32 photographs rather than every 1024.
+    const bool readsImages = std::any_of(checks.begin(), checks.end(),
+                                         [](const auto& check) { return check->ReadsImages(); });
+    const int every = readsImages ? 31 : 1023;
     for (const auto& check : checks) {
         check->Begin(context);
     }
     for (int index = 0; index < total; ++index) {
-        if ((index & 1023) == 0) {
+        if ((index & every) == 0) {
             if (cancelled()) {
                 return false;
             }

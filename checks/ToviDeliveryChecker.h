@@ -40,8 +40,7 @@ public:
     ToviDeliveryChecker& operator=(const ToviDeliveryChecker&) = delete;
 
     void AddCheck(std::unique_ptr<ToviDeliveryCheck> check);
-    // The value, file, load and structure checks; withImages adds those that read image files
-    // (none yet).
+    // The value, file, load and structure checks; withImages adds those that read image files.
     static std::unique_ptr<ToviDeliveryChecker> Standard(bool withImages);
     int CheckCount() const { return static_cast<int>(checks.size()); }
     // Every code the checks can report, in the checks' order.

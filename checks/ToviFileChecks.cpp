@@ -210,6 +210,48 @@ void ToviFilePresenceCheck::CheckPhoto(ToviCheckContext& context, int index,
     });
 }
 
+// ---- files to read ----------------------------------------------------------------------------
+
+void ToviReadableFiles::Begin(ToviCheckContext& context) {
+    context.Folder(kPic, &picName);
+    context.Folder(kDra, &draName);
+    const auto area = [&](const QString& name) {
+        const QString real = QFileInfo(context.PhotoFolder() + name).canonicalFilePath();
+        return real.isEmpty() ? QString() : real + QLatin1Char('/');
+    };
+    picArea = area(picName);
+    draArea = area(draName);
+}
+
+QString ToviReadableFiles::PathOf(ToviCheckContext& context, bool photo,
+                                  const QString& name) const {
+    if (name.isEmpty() || name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\'))) {
+        return QString();
+    }
+    const MibPathResolver::Listing& listing = context.Folder(photo ? kPic : kDra);
+    QString onDisc = name;
+    auto entry = listing.entries.constFind(onDisc);
+    if (entry == listing.entries.cend()) {
+        onDisc = listing.Folded().value(name.toCaseFolded());
+        entry = onDisc.isEmpty() ? listing.entries.cend() : listing.entries.constFind(onDisc);
+    }
+    if (entry == listing.entries.cend() || *entry == MibPathResolver::Listing::Other) {
+        return QString();
+    }
+    const QString path =
+        context.PhotoFolder() + (photo ? picName : draName) + QLatin1Char('/') + onDisc;
+    if (*entry == MibPathResolver::Listing::File) {
+        return path;
+    }
+    const QString target = QFileInfo(path).canonicalFilePath();
+    const QString& inside = photo ? picArea : draArea;
+    if (target.isEmpty() || inside.isEmpty() || !target.startsWith(inside) ||
+        !QFileInfo(target).isFile()) {
+        return QString();
+    }
+    return target;
+}
+
 // ---- stray files ------------------------------------------------------------------------------
 
 QList<const char*> ToviStrayFileCheck::Codes() const {

@@ -21,6 +21,22 @@ struct ToviFileItems {
     void Find(const ToviCheckContext& context);
 };
 
+// Where the checks that read files find a named file: only an ordinary file inside its folder,
+// directly or through a link that stays inside, as ToviFilePresenceCheck accepts it. Whatever
+// else a name leads to (nothing, a FIFO, a device, a folder, a place outside) that check
+// reports, and nothing opens it.
+class ToviReadableFiles {
+public:
+    void Begin(ToviCheckContext& context);
+    // The path to open for name in PIC/ (photo) or DRA/, found regardless of case; empty when
+    // there is nothing that may be opened.
+    QString PathOf(ToviCheckContext& context, bool photo, const QString& name) const;
+
+private:
+    QString picName, draName;  // the folders as the disc spells them
+    QString picArea, draArea;  // their real places, ending in '/'; empty when missing
+};
+
 // The names of the photographs and drawings against the naming rule.
 class ToviFileNameCheck : public ToviDeliveryCheck {
 public:

@@ -34,7 +34,10 @@ void ToviImageCheckCommon::SetFile(const QString& path) {
     }
 }
 
-ToviCheckProcessor::CheckStatus ToviImageCheckCommon::CheckProcessedImage() {
+ToviCheckProcessor::CheckStatus ToviImageCheckCommon::CheckProcessedImage(bool* claimed) {
+    if (claimed) {
+        *claimed = false;
+    }
     if (processors.empty()) {
         return ToviCheckProcessor::StatusError;
     }
@@ -42,6 +45,9 @@ ToviCheckProcessor::CheckStatus ToviImageCheckCommon::CheckProcessedImage() {
     for (const auto& processor : processors) {
         if (!processor->IsTarget(file)) {
             continue;
+        }
+        if (claimed) {
+            *claimed = true;
         }
         last = processor->Check(file);
         if (last == ToviCheckProcessor::StatusUnaltered ||

@@ -34,7 +34,9 @@ public:
     // Runs the chain on the stored file: the first verifier that claims the file and finds it
     // unaltered or altered decides; an "outside target" of the maker's verifier stops the
     // chain; otherwise the last claimed answer stands. An empty chain is StatusError.
-    ToviCheckProcessor::CheckStatus CheckProcessedImage();
+    // claimed, when given, tells whether any verifier took the file at all (StatusError
+    // stands for both "nobody could judge it" and "it broke a verifier").
+    ToviCheckProcessor::CheckStatus CheckProcessedImage(bool* claimed = nullptr);
     int GetProcessorCount() const { return static_cast<int>(processors.size()); }
 
     // The type at a position of the selection list: 0, 2, then 1 for any other index. The list

@@ -4,6 +4,8 @@
 
 #include <QFile>
 
+#include <mutex>
+
 const QString ToviJacicImageChecker::LibraryName_ = QStringLiteral("JACICCHS");
 const char* const ToviJacicImageChecker::JpegFunction_ = "JCOMSIA_CheckHashValue";
 const char* const ToviJacicImageChecker::SvgFunction_ = "JCOMSIA_SVG_CheckHashValue";
@@ -14,6 +16,12 @@ namespace {
 
 using HashFunction = int (*)(const char* path);
 
+// The delivery checks verify on a worker thread while the viewer may verify the photographs
+// it shows: the path kept for every checker is guarded, and the outside library, which
+// promises nothing about threads, is called by one thread at a time.
+std::mutex pathMutex;
+std::mutex callMutex;
+
 }  // namespace
 
 ToviJacicImageChecker::~ToviJacicImageChecker() {
@@ -21,6 +29,7 @@ ToviJacicImageChecker::~ToviJacicImageChecker() {
 }
 
 bool ToviJacicImageChecker::IsEnableDLL() {
+    const std::lock_guard<std::mutex> lock(pathMutex);
     // The program folder only ever moves under tests; a path found in another folder is
     // searched again.
     if (!pathDllS.isEmpty() && MibIsFileExist(pathDllS) &&
@@ -42,7 +51,12 @@ bool ToviJacicImageChecker::Initiate() {
     if (!IsEnableDLL()) {
         return false;
     }
-    return library.Load(pathDllS);
+    QString path;
+    {
+        const std::lock_guard<std::mutex> lock(pathMutex);
+        path = pathDllS;
+    }
+    return library.Load(path);
 }
 
 void ToviJacicImageChecker::Terminate() {
@@ -76,6 +90,7 @@ ToviCheckProcessor::CheckStatus ToviJacicImageChecker::CallHashCheck(const char*
         return StatusError;
     }
     const QByteArray localPath = QFile::encodeName(path);
+    const std::lock_guard<std::mutex> lock(callMutex);
     return statusOf(check(localPath.constData()));
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 
 const QString ToviRicohImageChecker::LibraryName_ = QStringLiteral("RVRFYJPG");
 const char* const ToviRicohImageChecker::VerifyFunction_ = "RVJ_Verify";
@@ -14,6 +15,10 @@ const char* const ToviRicohImageChecker::VerifyFunction_ = "RVJ_Verify";
 namespace {
 
 using VerifyFunction = int (*)(const void* fileBytes, unsigned long size);
+
+// The outside library promises nothing about threads, and the delivery checks verify on a
+// worker thread while the viewer may verify what it shows: one call at a time.
+std::mutex callMutex;
 
 bool IsBlank(QChar c) {
     return c == QChar(u' ') || c == QChar(u'\u3000');
@@ -107,6 +112,7 @@ bool ToviRicohImageChecker::CallVerify(const ToviVerifierLibrary& library, const
     if (!verify) {
         return false;
     }
+    const std::lock_guard<std::mutex> lock(callMutex);
     code = verify(bytes, size);
     return true;
 }

@@ -389,6 +389,27 @@ bool LumReadJpegFacts(const QString& path, LumJpegFacts* facts) {
     return true;
 }
 
+bool LumReadJpegHeader(const QString& path, LumJpegFacts* facts, QByteArray* header) {
+    // Enough for an Exif block (at most 64 KiB) in most files; longer headers are read on.
+    constexpr qint64 kFirstBytes = 64 * 1024;
+    QFile file;
+    if (!MibOpenRegularFile(file, path)) {
+        return false;
+    }
+    JpegRead read;
+    read.data = file.read(kFirstBytes);
+    if (!ReadCompleteJpeg(file, &read)) {
+        return false;
+    }
+    facts->width = read.head.width;
+    facts->height = read.head.height;
+    facts->orientation = 1;
+    if (header) {
+        *header = read.data.left(read.head.scanData);
+    }
+    return true;
+}
+
 QImage LumOrient(const QImage& stored, int orientation) {
     return Orient(stored, orientation);
 }

@@ -14,5 +14,10 @@ struct LumJpegFacts {
 // The facts of the complete JPEG at path (a regular file running from SOI to an EOI); false for
 // anything else, a cut file included.
 bool LumReadJpegFacts(const QString& path, LumJpegFacts* facts);
+// The same check of a complete JPEG with less reading, for checks over many files: the Exif
+// block is not parsed (orientation stays 1) and, where the header allows, only its first
+// 64 KiB are read besides the last two bytes. header, when given, receives the bytes from the
+// start of the file to the first scan's data, the Exif block among them.
+bool LumReadJpegHeader(const QString& path, LumJpegFacts* facts, QByteArray* header = nullptr);
 // A picture stored as the sensor saw it, turned and mirrored as the Exif orientation says.
 QImage LumOrient(const QImage& stored, int orientation);

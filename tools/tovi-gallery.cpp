@@ -13,6 +13,8 @@
 #include "dialogs/ToviDetailPanel.h"
 #include "dialogs/ToviExtDetailDlg.h"
 #include "dialogs/ToviImageWnd.h"
+#include "checks/ToviDateTable.h"
+#include "dialogs/ToviDateTableDlg.h"
 #include "dialogs/ToviIndexPageDlg.h"
 #include "dialogs/ToviInputCommentDlg.h"
 #include "dialogs/ToviItemSetUpDlg.h"
@@ -286,6 +288,24 @@ std::vector<Shot> Shots() {
                  return nullptr;
              }
              return g.Keep(page);
+         }},
+        {QStringLiteral("date-table-dialog.png"),
+         [](Gallery& g) -> QWidget* {
+             ToviDateTable table;
+             if (!table.Build(*g.Data(), g.Data()->CurrentArray().Indexes())) {
+                 return nullptr;
+             }
+             std::vector<ToviDateRow> rows = table.Rows();
+             // The sample's files keep their times; two are moved here (photographs 2 and 7), as a
+             // careless copy would leave them, so that the marked rows show.
+             for (ToviDateRow& row : rows) {
+                 if (row.index == 2 || row.index == 7) {
+                     row.modified = row.modified.addDays(-3);
+                 }
+             }
+             auto* dialog = new ToviDateTableDlg(&g.Main());
+             dialog->SetRows(std::move(rows));
+             return g.Keep(dialog);
          }},
         {QStringLiteral("progress-window.png"),
          [](Gallery& g) -> QWidget* {

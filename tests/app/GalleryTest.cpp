@@ -113,6 +113,7 @@ private slots:
                                       QStringLiteral("setup-items-dialog.png"),
                                       QStringLiteral("setup-type-dialog.png"),
                                       QStringLiteral("index-page.png"),
+                                      QStringLiteral("date-table-dialog.png"),
                                       QStringLiteral("progress-window.png"),
                                       QStringLiteral("message-information.png"),
                                       QStringLiteral("message-warning.png"),

@@ -1,5 +1,6 @@
 #include "app/ToviMainWindow.h"
 #include "app/ToviViewerDocument.h"
+#include "dialogs/ToviDateTableDlg.h"
 #include "dialogs/ToviIndexPageDlg.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
@@ -20,8 +21,11 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
+#include <QTableView>
 #include <QTextBrowser>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -340,6 +344,98 @@ private slots:
         QVERIFY(!data->GetSortCondition().IsExecSort());
         QVERIFY(data->GetSortCondition().IsAscending());
         QCOMPARE(CurrentOrder(data), treeOrder);
+    }
+
+    // 撮影日の照合 from the Tools menu by keyboard: a row per photograph on show, the one whose
+    // file time is three days off coloured and kept by the filter; a double-click on it turns
+    // the panel to that photograph; the header sorts; the rows shown save as CSV; the size
+    // stays for the next time.
+    void dateTable() {
+        ToviMainWindow window;
+        OpenAll(window);
+        ToviData* data = window.Document()->Data();
+        const int far = 9;  // on the third page of four
+        // Every file dated its 撮影年月日 (other tests rewrite files), but one three days before.
+        const int dateItem = data->GetItemDef()->GetIndexFromTitle(QStringLiteral("撮影年月日"));
+        for (int i = 0; i < data->GetTotalCountPhoto(); ++i) {
+            ToviPhoto* photo = data->GetPhotoActualPhotoArray(i);
+            const QDate date = QDate::fromString(photo->GetTitle(dateItem), Qt::ISODate);
+            QVERIFY(date.isValid());
+            QFile file(photo->GetImagePath());
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(QDateTime(date.addDays(i == far ? -3 : 0), QTime(12, 0)),
+                                     QFileDevice::FileModificationTime));
+        }
+
+        // Cancelled at the progress window's first pump: no table.
+        ui->PressCancelAtPump(ui->Pumps() + 1);
+        KeyThroughMenus(&window, Qt::Key_T, {Qt::Key_D});
+        QVERIFY(!ui->ProgressViews().isEmpty());
+        QVERIFY(!window.findChild<ToviDateTableDlg*>());
+
+        KeyThroughMenus(&window, Qt::Key_T, {Qt::Key_D});
+        auto* dialog = window.findChild<ToviDateTableDlg*>();
+        QVERIFY(dialog);
+        QVERIFY(QTest::qWaitForWindowExposed(dialog));
+        QTableView* view = dialog->View();
+        QCOMPARE(view->model()->rowCount(), 12);
+        for (int r = 0; r < 12; ++r) {
+            const QModelIndex index = view->model()->index(r, 0);
+            const bool differs = index.data().toInt() == far;
+            QCOMPARE(index.data(ToviDateTableModel::DiffersRole).toBool(), differs);
+            QCOMPARE(index.data(Qt::BackgroundRole).isValid(), differs);
+        }
+
+        // The header sorts: 番号 descending, then back.
+        QHeaderView* header = view->horizontalHeader();
+        const QPoint numberSection(header->sectionViewportPosition(0) + 5, header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, numberSection);
+        QCOMPARE(view->model()->index(0, 0).data().toInt(), 11);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, numberSection);
+        QCOMPARE(view->model()->index(0, 0).data().toInt(), 0);
+
+        QCheckBox* differsOnly = dialog->DiffersOnlyBox();
+        QTest::mouseClick(differsOnly, Qt::LeftButton, {}, QPoint(4, differsOnly->height() / 2));
+        QVERIFY(differsOnly->isChecked());
+        QCOMPARE(view->model()->rowCount(), 1);
+        QCOMPARE(view->model()->index(0, 0).data().toInt(), far);
+        QCOMPARE(view->model()->index(0, 7).data().toString(), QStringLiteral("-3"));
+
+        const QRect cell = view->visualRect(view->model()->index(0, 2));
+        // A double click as it reaches a widget: a click, then the second press.
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, cell.center());
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, cell.center());
+        QCOMPARE(data->GetSelectedPhoto(), data->GetPhotoActualPhotoArray(far));
+        QCOMPARE(window.MpiPanel()->GetCurrentPage(), far / 4 + 1);
+
+        // Enter on the row does the same, after another photograph was chosen.
+        QVERIFY(window.SelectPhotoOnShow(0));
+        QCOMPARE(window.MpiPanel()->GetCurrentPage(), 1);
+        view->setFocus();
+        view->setCurrentIndex(view->model()->index(0, 0));
+        QTest::keyClick(view, Qt::Key_Return);
+        QCOMPARE(data->GetSelectedPhoto(), data->GetPhotoActualPhotoArray(far));
+        QVERIFY(dialog->isVisible());
+
+        const QString csv = Path(QStringLiteral("dates.csv"));
+        ui->QueueFileName(csv);
+        QTest::mouseClick(dialog->SaveButton(), Qt::LeftButton);
+        QFile saved(csv);
+        QVERIFY(saved.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = saved.readAll().split('\n');
+        QCOMPARE(lines.size(), 3);  // the header, the row shown, nothing after the last line
+        QVERIFY(lines[1].startsWith(QByteArray::number(far) + ','));
+
+        dialog->resize(700, 400);
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        QTRY_VERIFY(!window.findChild<ToviDateTableDlg*>());
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        KeyThroughMenus(&window, Qt::Key_T, {Qt::Key_D});
+        dialog = window.findChild<ToviDateTableDlg*>();
+        QVERIFY(dialog);
+        QCOMPARE(dialog->size(), QSize(700, 400));
+        dialog->close();
     }
 };
 

@@ -1,6 +1,8 @@
+#include "checks/ToviDateTable.h"
 #include "checks/ToviDeliveryChecker.h"
 #include "checks/ToviItemChecks.h"
 #include "checks/ToviStructureCheck.h"
+#include "checks/ToviImageChecks.h"
 #include "checks/ToviValueChecks.h"
 #include "document/ToviData.h"
 #include "loading/ToviEnouDataFactory.h"
@@ -8,11 +10,14 @@
 #include "platform/DoxDocument.h"
 #include "platform/MibFile.h"
 #include "platform/ToviProfile.h"
+#include "platform/ToviVerifierLibrary.h"
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/FifoTrap.h"
 
 #include <QDir>
+#include <QBuffer>
 #include <QFile>
+#include <QImage>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -121,6 +126,25 @@ bool AddUnknown(const QString& photoFolder, int index) {
     return EditPhoto(photoFolder, index, u"(</メディア番号>)"_s, u"\\1<撮影者>山田</撮影者>"_s);
 }
 
+// Rewrites the photograph's JPEG with these Exif facts and a picture of this size, its file
+// time left at when.
+bool RewriteJpeg(const QString& path, const ExifFacts& facts, QSize size, const QDateTime& when) {
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    if (!WriteExifJpeg(path, picture, facts)) {
+        return false;
+    }
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(when, QFileDevice::FileModificationTime);
+}
+
+bool SetFileTime(const QString& path, const QDateTime& when) {
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(when, QFileDevice::FileModificationTime);
+}
+
 struct Expected {
     QString code;
     int index;
@@ -148,6 +172,7 @@ class ToviChecksTest : public QObject {
         options.generation = generation;
         options.photoCount = 6;
         options.images = DeliveryOptions::Images::Tiny;
+        options.tinySize = QSize(1280, 960);  // within the pixel guidance
         options.drawingShare = 1.0;
         options.maxRepeats = 1;
         QString error;
@@ -155,12 +180,13 @@ class ToviChecksTest : public QObject {
         return WriteDelivery(root, options, &written, &error) ? written.photoFolder : QString();
     }
 
-    static void Check(const QString& folder, int family, ToviFindingCollector& findings) {
+    static void Check(const QString& folder, int family, ToviFindingCollector& findings,
+                      bool withImages = true) {
         std::unique_ptr<ToviData> document =
             ToviEnouDataFactory().Create(nullptr, folder, static_cast<PhotoXMLType>(family));
         QVERIFY(document);
         QCOMPARE(document->GetErrorType(), ReadErrNone);
-        QVERIFY(ToviDeliveryChecker::Standard(true)->Run(*document, findings));
+        QVERIFY(ToviDeliveryChecker::Standard(withImages)->Run(*document, findings));
     }
 
 private slots:
@@ -170,10 +196,15 @@ private slots:
         // Small slices: the load and the structure check's second read cross from slice to
         // slice between every two photographs.
         DoxDocument::SetSliceSizeForTesting(64);
+        // No tamper verifier unless a test brings the stand-ins.
+        QVERIFY(QDir().mkpath(temp.filePath(u"no-verifiers"_s)));
+        ToviVerifierLibrary::SetProgramPathOverride(temp.filePath(u"no-verifiers"_s));
     }
+    void cleanupTestCase() { ToviVerifierLibrary::SetProgramPathOverride(QString()); }
     void cleanup() {
         fifo.reset();
         ToviItemDef::SetProgramPathOverride(QString());
+        ToviVerifierLibrary::SetProgramPathOverride(temp.filePath(u"no-verifiers"_s));
     }
 
     void plantedFault_data() {
@@ -238,6 +269,20 @@ private slots:
             Generation::Mlit18, warning);
         row("18: unknown element", "structure.unknown", 4, u"撮影者"_s, Generation::Mlit18,
             warning);
+        row("text file named .JPG", "image.format", 1, u"PIC/P0000002.JPG"_s);
+        row("PNG named .JPG", "image.format", 3, u"PIC/P0000004.JPG"_s);
+        row("drawing a GIF", "image.format", 2, u"DRA/D0000003.JPG"_s);
+        row("JPEG cut short", "image.decode", 2, u"PIC/P0000003.JPG"_s);
+        row("JPEG scans damaged", "image.decode", 4, u"PIC/P0000005.JPG"_s);
+        row("photograph of 30万画素", "image.size", 1, u"PIC/P0000002.JPG"_s);
+        row("photograph of 1200万画素", "image.size", 0, u"PIC/P0000001.JPG"_s);
+        row("Exif date two days later", "date.exif-mismatch", 3, u"PIC/P0000004.JPG"_s);
+        row("Exif date two days earlier", "date.exif-mismatch", 0, u"PIC/P0000001.JPG"_s);
+        row("file time two days off", "date.file-mismatch", 5, u"PIC/P0000006.JPG"_s);
+        row("no Exif", "date.no-exif", 2, u"PIC/P0000003.JPG"_s);
+        row("photograph tampered", "tamper.edited", 1, u"PIC/P0000002.JPG"_s);
+        row("verifier cannot judge", "tamper.unknown", 4, u"PIC/P0000005.JPG"_s);
+        row("no verifier", "tamper.unavailable", -1, QString());
     }
     void plantedFault() {
         QFETCH(QString, fault);
@@ -369,12 +414,106 @@ private slots:
                  xml.replace(u"<写真フォルダ名>"_s, u"<発注者>国</発注者><写真フォルダ名>"_s);
                  return WriteAll(path, Cp932::FromUnicode(xml));
              }},
+            {u"text file named .JPG"_s,
+             [&] { return WriteAll(pic + u"P0000002.JPG"_s, "写真ではありません\n"_ba); }},
+            {u"PNG named .JPG"_s,
+             [&] {
+                 QImage picture(1280, 960, QImage::Format_RGB32);
+                 picture.fill(Qt::gray);
+                 return picture.save(pic + u"P0000004.JPG"_s, "PNG");
+             }},
+            {u"drawing a GIF"_s,
+             [&] { return WriteAll(dra + u"D0000003.JPG"_s, "GIF89a\x01\x00\x01\x00"_ba); }},
+            {u"JPEG cut short"_s,
+             [&] {
+                 QFile file(pic + u"P0000003.JPG"_s);
+                 return file.resize(file.size() * 2 / 3);
+             }},
+            // A Huffman table no decoder accepts: the header walk and the ending still pass.
+            {u"JPEG scans damaged"_s,
+             [&] {
+                 QByteArray bytes = ReadAll(pic + u"P0000005.JPG"_s);
+                 // The main picture's last table before its scan, not the Exif thumbnail's.
+                 const qsizetype table =
+                     bytes.lastIndexOf("\xFF\xC4", bytes.lastIndexOf("\xFF\xDA"));
+                 if (table < 0) {
+                     return false;
+                 }
+                 for (qsizetype i = table + 5; i < table + 21; ++i) {
+                     bytes[i] = char(0xFF);
+                 }
+                 return WriteAll(pic + u"P0000005.JPG"_s, bytes);
+             }},
+            {u"photograph of 30万画素"_s,
+             [&] {
+                 const ExifFacts& facts = written.photos[1].exif;
+                 return RewriteJpeg(pic + u"P0000002.JPG"_s, facts, {640, 480},
+                                    facts.dateTimeOriginal);
+             }},
+            {u"photograph of 1200万画素"_s,
+             [&] {
+                 const ExifFacts& facts = written.photos[0].exif;
+                 return RewriteJpeg(pic + u"P0000001.JPG"_s, facts, {4000, 3000},
+                                    facts.dateTimeOriginal);
+             }},
+            {u"Exif date two days later"_s,
+             [&] {
+                 ExifFacts facts = written.photos[3].exif;
+                 const QDateTime taken = facts.dateTimeOriginal;
+                 facts.dateTimeOriginal = taken.addDays(2);
+                 return RewriteJpeg(pic + u"P0000004.JPG"_s, facts, {1280, 960}, taken);
+             }},
+            // Late in the evening two days before: whole days count, not hours.
+            {u"Exif date two days earlier"_s,
+             [&] {
+                 ExifFacts facts = written.photos[0].exif;
+                 const QDateTime taken = facts.dateTimeOriginal;
+                 facts.dateTimeOriginal = QDateTime(taken.date().addDays(-2), QTime(23, 59));
+                 return RewriteJpeg(pic + u"P0000001.JPG"_s, facts, {1280, 960}, taken);
+             }},
+            {u"file time two days off"_s,
+             [&] {
+                 return SetFileTime(pic + u"P0000006.JPG"_s,
+                                    written.photos[5].exif.dateTimeOriginal.addDays(-2));
+             }},
+            {u"no Exif"_s,
+             [&] {
+                 ExifFacts facts = written.photos[2].exif;
+                 facts.writeExif = false;
+                 return RewriteJpeg(pic + u"P0000003.JPG"_s, facts, {1280, 960},
+                                    written.photos[2].exif.dateTimeOriginal);
+             }},
+            // The stand-in hash checker answers the code written into the file.
+            {u"photograph tampered"_s,
+             [&] {
+                 ToviVerifierLibrary::SetProgramPathOverride(
+                     QStringLiteral(TOVI_STANDIN_DIR "/full"));
+                 QFile file(pic + u"P0000002.JPG"_s);
+                 return file.open(QIODevice::Append) && file.write("@JCOMSIA=0@") > 0;
+             }},
+            {u"verifier cannot judge"_s,
+             [&] {
+                 ToviVerifierLibrary::SetProgramPathOverride(
+                     QStringLiteral(TOVI_STANDIN_DIR "/full"));
+                 for (int i = 1; i <= 6; ++i) {
+                     QFile file(pic + u"P%1.JPG"_s.arg(i, 7, 10, QLatin1Char('0')));
+                     if (!file.open(QIODevice::Append) ||
+                         file.write(i == 5 ? "@JCOMSIA=-3@" : "@JCOMSIA=1@") <= 0) {
+                         return false;
+                     }
+                 }
+                 return true;
+             }},
+            {u"no verifier"_s, [] { return true; }},
         };
         if (fault.startsWith(u"strict"_s)) {
             ToviItemDef::SetProgramPathOverride(temp.filePath(u"strict"_s));
         }
         QVERIFY2(plants.contains(fault), qPrintable(fault));
         QVERIFY(plants[fault]());
+        if (fault == u"JPEG scans damaged"_s) {  // the decoder says why: no failure here
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"Huffman"_s));
+        }
 
         ToviFindingCollector findings;
         Check(folder, FamilyOf(generation), findings);
@@ -443,7 +582,7 @@ private slots:
             QVERIFY(WriteAll(folder + u"/PHOTO.XML"_s, xml));
         }
         ToviFindingCollector findings;
-        Check(folder, 0, findings);
+        Check(folder, 0, findings, false);
         QStringList found;
         for (const ToviCheckFinding& f : findings.Findings()) {
             if (!QByteArrayView(f.code).startsWith("file.")) {
@@ -525,8 +664,8 @@ private slots:
         QVERIFY(!fifo->Opened());
     }
 
-    // The writer's own deliveries are clean in every generation, and their dates lie in the
-    // work period the index file gives.
+    // The writer's own deliveries are clean in every generation: their dates lie in the work
+    // period the index file gives and agree with the files' Exif dates and times.
     void cleanDelivery_data() {
         QTest::addColumn<Generation>("generation");
         for (const Generation generation : AllGenerations()) {
@@ -540,11 +679,13 @@ private slots:
         QVERIFY(!folder.isEmpty());
         ToviFindingCollector findings;
         Check(folder, FamilyOf(generation), findings);
-        QStringList errors;
+        QStringList all;
         for (const ToviCheckFinding& f : findings.Findings()) {
-            errors << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.message);
+            all << u"%1 %2 %3"_s.arg(QLatin1String(f.code)).arg(f.index).arg(f.message);
         }
-        QVERIFY2(errors.isEmpty(), qPrintable(errors.join(u'\n')));
+        // Without verifiers, one note says the tamper check did not run; nothing else.
+        QCOMPARE(all.size(), 1);
+        QVERIFY2(all.first().startsWith(u"tamper.unavailable -1 "_s), qPrintable(all.join(u'\n')));
     }
 
     // Which classification items a photograph needs. Each fault row leaves one item out of
@@ -700,7 +841,7 @@ private slots:
     }
 
     // Progress rises to the number of photographs; a cancel stops the run within the next
-    // thousand photographs and says so.
+    // thousand photographs (32 when images are read) and says so.
     void progressAndCancel() {
         DeliveryOptions options;
         options.photoCount = 5000;
@@ -732,6 +873,162 @@ private slots:
         ToviFindingCollector some;
         QVERIFY(!checker->Run(*document, some));
         QVERIFY(some.Findings().size() < all.Findings().size());
+
+        // Checks that read images report, and may stop, every 32 photographs.
+        std::unique_ptr<ToviDeliveryChecker> reading = ToviDeliveryChecker::Standard(true);
+        qint64 first = 0;
+        reading->SetProgress([&](qint64 done, qint64) {
+            if (first == 0) {
+                first = done;
+            }
+        });
+        ToviFindingCollector read;
+        QVERIFY(reading->Run(*document, read));
+        QCOMPARE(first, qint64(32));
+    }
+
+    // The Exif original date read from a JPEG's header bytes, as the writer of the fixtures
+    // lays them out, and what a broken or blank block gives.
+    void exifOriginalDate_data() {
+        QTest::addColumn<QByteArray>("jpeg");
+        QTest::addColumn<QDateTime>("expected");
+        QImage picture(32, 24, QImage::Format_RGB32);
+        picture.fill(Qt::gray);
+        ExifFacts facts;
+        facts.dateTimeOriginal = QDateTime(QDate(2024, 5, 20), QTime(10, 15, 30));
+        const QByteArray dated = MakeExifJpeg(picture, facts);
+        const qsizetype at = dated.indexOf("2024:05:20 10:15:30");
+        QVERIFY(at > 0);
+        const auto patched = [&](const QByteArray& text) {
+            QByteArray bytes = dated;
+            // Every copy (DateTime and DateTimeDigitized carry the same text).
+            for (qsizetype p = bytes.indexOf("2024:05:20 10:15:30"); p >= 0;
+                 p = bytes.indexOf("2024:05:20 10:15:30", p + 1)) {
+                bytes.replace(p, text.size(), text);
+            }
+            return bytes;
+        };
+        QTest::newRow("dated") << dated << facts.dateTimeOriginal;
+        QTest::newRow("dashes") << patched("2024-05-20 10:15:30") << facts.dateTimeOriginal;
+        QTest::newRow("zero date") << patched("0000:00:00 00:00:00") << QDateTime();
+        QTest::newRow("blank date") << patched("                   ") << QDateTime();
+        ExifFacts undated;
+        QTest::newRow("no date") << MakeExifJpeg(picture, undated) << QDateTime();
+        ExifFacts plain;
+        plain.writeExif = false;
+        QTest::newRow("no Exif") << MakeExifJpeg(picture, plain) << QDateTime();
+        QTest::newRow("cut inside the block") << dated.left(at - 40) << QDateTime();
+        QByteArray wrongOrder = dated;
+        wrongOrder[dated.indexOf("Exif") + 6] = 'X';  // "XI*" is no byte order
+        QTest::newRow("no byte order") << wrongOrder << QDateTime();
+        QTest::newRow("not a JPEG") << QByteArray("GIF89a") << QDateTime();
+    }
+    void exifOriginalDate() {
+        QFETCH(QByteArray, jpeg);
+        QFETCH(QDateTime, expected);
+        QCOMPARE(ToviDateTable::ExifOriginalDate(jpeg), expected);
+    }
+
+    // A day apart passes, whatever the hours; more is flagged either way, from either side.
+    void dateDifference_data() {
+        QTest::addColumn<QString>("shot");
+        QTest::addColumn<QDateTime>("exif");
+        QTest::addColumn<QDateTime>("modified");
+        QTest::addColumn<bool>("differs");
+        const QDate day(2024, 4, 1);
+        const QDateTime noon(day, QTime(12, 0));
+        QTest::newRow("same day") << u"2024-04-01"_s << noon << noon << false;
+        QTest::newRow("Exif next day, late")
+            << u"2024-04-01"_s << QDateTime(day.addDays(1), QTime(23, 59)) << noon << false;
+        QTest::newRow("Exif two days later")
+            << u"2024-04-01"_s << QDateTime(day.addDays(2), QTime(0, 1)) << noon << true;
+        QTest::newRow("file two days before")
+            << u"2024-04-01"_s << noon << noon.addDays(-2) << true;
+        QTest::newRow("no Exif, file far")
+            << u"2024-04-01"_s << QDateTime() << noon.addDays(40) << true;
+        QTest::newRow("no date to compare")
+            << u"2024/04/01"_s << noon.addDays(9) << noon.addDays(9) << false;
+    }
+    void dateDifference() {
+        QFETCH(QString, shot);
+        QFETCH(QDateTime, exif);
+        QFETCH(QDateTime, modified);
+        QFETCH(bool, differs);
+        ToviDateRow row;
+        row.shotText = shot;
+        row.shot = ToviDateTable::ShotDate(shot);
+        row.exif = exif;
+        row.modified = modified;
+        QCOMPARE(row.Differs(), differs);
+        QCOMPARE(ToviDateTable::Cells(row).last(), differs ? u"あり"_s : QString());
+    }
+
+    // Fields are quoted only when RFC 4180 asks for it, quotes doubled.
+    void csvField_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("field");
+        QTest::newRow("plain") << u"P0000001.JPG"_s << u"P0000001.JPG"_s;
+        QTest::newRow("Japanese") << u"撮影年月日"_s << u"撮影年月日"_s;
+        QTest::newRow("empty") << QString() << QString();
+        QTest::newRow("comma") << u"A,B"_s << u"\"A,B\""_s;
+        QTest::newRow("quote") << u"5\" 杭"_s << u"\"5\"\" 杭\""_s;
+        QTest::newRow("line break") << u"一\r\n二"_s << u"\"一\r\n二\""_s;
+    }
+    void csvField() {
+        QFETCH(QString, text);
+        QFETCH(QString, field);
+        QCOMPARE(ToviDateTable::CsvField(text), field);
+    }
+
+    // The date table of a written delivery in the order asked, those out of range left out; a
+    // cancel before the start gives nothing.
+    void dateTableBuild() {
+        WrittenDelivery written;
+        const QString folder = Write(written);
+        QVERIFY(!folder.isEmpty());
+        std::unique_ptr<ToviData> document =
+            ToviEnouDataFactory().Create(nullptr, folder, PhotoXMLMlit);
+        QVERIFY(document);
+        ToviDateTable table;
+        QVERIFY(table.Build(*document, {4, 1, 99, -1}));
+        QCOMPARE(table.Rows().size(), size_t(2));
+        const ToviDateRow& row = table.Rows()[0];
+        QCOMPARE(row.index, 4);
+        QCOMPARE(row.file, u"PIC/"_s + written.photos[4].fileName);
+        QCOMPARE(row.exif, written.photos[4].exif.dateTimeOriginal);
+        QCOMPARE(row.shot, written.photos[4].exif.dateTimeOriginal.date());
+        QVERIFY(!row.Differs());
+        QCOMPARE(table.Rows()[1].index, 1);
+
+        std::atomic<bool> cancel{true};
+        QVERIFY(!table.Build(*document, {0, 1, 2}, &cancel));
+        QVERIFY(table.Rows().empty());
+    }
+
+    // What a file's first bytes say it is, against what its name promises.
+    void sniff_data() {
+        using F = ToviImageFileCheck::Format;
+        QTest::addColumn<QByteArray>("head");
+        QTest::addColumn<int>("format");
+        QTest::newRow("JPEG") << QByteArray("\xFF\xD8\xFF\xE1\x00\x10") << int(F::Jpeg);
+        QTest::newRow("JPEG, SOI alone") << QByteArray("\xFF\xD8") << int(F::Other);
+        QTest::newRow("TIFF, Intel") << QByteArray("II*\0\x08\0\0\0", 8) << int(F::Tiff);
+        QTest::newRow("TIFF, Motorola") << QByteArray("MM\0*\0\0\0\x08", 8) << int(F::Tiff);
+        QTest::newRow("PNG") << QByteArray("\x89PNG\r\n\x1A\n") << int(F::Png);
+        QTest::newRow("GIF") << QByteArray("GIF87a") << int(F::Gif);
+        QTest::newRow("BMP") << QByteArray("BM6\0") << int(F::Bmp);
+        QTest::newRow("SVG after a mark and a comment")
+            << QByteArray("\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<!-- 図 -->\n<svg xmlns=\"\">")
+            << int(F::Svg);
+        QTest::newRow("XML that is no SVG")
+            << QByteArray("<?xml version=\"1.0\"?><photodata>") << int(F::Other);
+        QTest::newRow("text") << QByteArray("P0000001") << int(F::Other);
+        QTest::newRow("empty") << QByteArray() << int(F::None);
+    }
+    void sniff() {
+        QFETCH(QByteArray, head);
+        QFETCH(int, format);
+        QCOMPARE(int(ToviImageFileCheck::Sniff(head)), format);
     }
 };
 

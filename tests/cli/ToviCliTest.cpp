@@ -205,6 +205,7 @@ private slots:
         row("validate, --xlsx then an option", {"validate", "{w}", "--xlsx", "--json"}, 2,
             "--xlsx");
         row("validate, not a delivery", {"validate", "{t}"}, 1);
+        row("validate, dates as JSON", {"validate", "{w}", "--dates", "--json"}, 2, "--dates");
         // Only the first 19 characters count; the rest is no usage error.
         row("check, ten types", {"check", "{d}", "--types", "0,1,2,0,1,2,0,1,2,0"}, 0,
             "3 不明: 5 枚");
@@ -544,6 +545,43 @@ private slots:
             {u"validate"_s, checked.photoFolder, u"--xlsx"_s, temp.filePath(u"gone/v.xlsx"_s)});
         QCOMPARE(run.exitCode, 1);
         QVERIFY(!QFileInfo::exists(temp.filePath(u"gone"_s)));
+    }
+
+    // validate --dates: the CSV of every photograph, a byte-order mark, CRLF, a header row; a
+    // file time two days off flagged, a missing file said so.
+    void validateDates() {
+        DeliveryOptions options;
+        options.photoCount = 3;
+        options.images = DeliveryOptions::Images::Tiny;
+        options.drawingShare = 0;
+        WrittenDelivery dated;
+        QString error;
+        QVERIFY2(WriteDelivery(temp.filePath(u"dates"_s), options, &dated, &error),
+                 qPrintable(error));
+        const QString pic = dated.photoFolder + u"/PIC/"_s;
+        QFile moved(pic + dated.photos[1].fileName);
+        QVERIFY(moved.open(QIODevice::ReadWrite));
+        QVERIFY(moved.setFileTime(dated.photos[1].exif.dateTimeOriginal.addDays(-2),
+                                  QFileDevice::FileModificationTime));
+        moved.close();
+        QVERIFY(QFile::remove(pic + dated.photos[2].fileName));
+
+        const ProgramRun run = Tovi({u"validate"_s, dated.photoFolder, u"--dates"_s});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.startsWith("\xEF\xBB\xBF"));
+        const QStringList lines = QString::fromUtf8(run.out.mid(3)).split(u"\r\n"_s);
+        QCOMPARE(lines.size(), 5);  // header, three rows, nothing after the last CRLF
+        QCOMPARE(lines[0],
+                 u"番号,シリアル番号,写真ファイル,撮影年月日,Exif撮影日時,"
+                 u"ファイル更新日時,Exifとの差(日),更新日時との差(日),差"_s);
+        QVERIFY(lines[4].isEmpty());
+        const auto cells = [&](int row) { return lines[row + 1].split(u','); };
+        const QString taken =
+            dated.photos[0].exif.dateTimeOriginal.toString(u"yyyy-MM-dd HH:mm:ss"_s);
+        QCOMPARE(cells(0).mid(2), (QStringList{u"PIC/"_s + dated.photos[0].fileName, taken.left(10),
+                                               taken, taken, u"0"_s, u"0"_s, QString()}));
+        QCOMPARE(cells(1).mid(6), (QStringList{u"0"_s, u"-2"_s, u"あり"_s}));
+        QCOMPARE(cells(2).mid(4, 2), (QStringList{u"(読めません)"_s, u"(読めません)"_s}));
     }
 
 private:

@@ -690,7 +690,7 @@ bool WriteImages(const QString& photoFolder, const DeliveryPlan& delivery,
         return WriteExifJpeg(path, image, exif, 85) ||
                Fail(error, QStringLiteral("cannot write %1").arg(path));
     };
-    QImage upright(64, 48, QImage::Format_RGB32);
+    QImage upright(options.tinySize, QImage::Format_RGB32);
     if (boards) {
         upright = DrawSitePhoto({.workName = delivery.workName,
                                  .kousyu = photo.kousyu.value_or(QString()),
@@ -711,6 +711,14 @@ bool WriteImages(const QString& photoFolder, const DeliveryPlan& delivery,
     const QImage stored = turn ? upright.transformed(QTransform().rotate(turn)) : upright;
     if (!jpeg(photoFolder + "/PIC/" + photo.fileName, stored, facts)) {
         return false;
+    }
+    // The file keeps the time it was taken, as one copied off the camera does.
+    if (facts.dateTimeOriginal.isValid()) {
+        QFile written(photoFolder + "/PIC/" + photo.fileName);
+        if (!written.open(QIODevice::ReadWrite) ||
+            !written.setFileTime(facts.dateTimeOriginal, QFileDevice::FileModificationTime)) {
+            return Fail(error, QStringLiteral("cannot date %1").arg(written.fileName()));
+        }
     }
     ExifFacts plain;
     plain.writeExif = false;

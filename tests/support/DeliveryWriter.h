@@ -34,7 +34,8 @@ struct DeliveryOptions {
     // None writes PHOTO.XML and INDEX_C.XML only (benchmarks); Tiny a small solid JPEG per
     // file; Boards a drawn site scene with a blackboard, which needs a QGuiApplication.
     enum class Images { None, Tiny, Boards } images = Images::Boards;
-    QSize imageSize{640, 480};   // Boards only; Tiny images are always 64 x 48
+    QSize imageSize{640, 480};   // Boards only
+    QSize tinySize{64, 48};      // Tiny photographs (one solid colour, so any size is cheap)
     double drawingShare = 0.25;  // share of photographs with reference drawings
     double optionalShare = 0.7;  // chance that each optional element or block is written
     int maxRepeats = 2;  // most occurrences of 工種区分予備, 付加情報予備 and 付加情報 blocks
