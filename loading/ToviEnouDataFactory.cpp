@@ -265,6 +265,13 @@ bool ToviEnouDataFactory::Walk(ToviItemDef* def, DoxIterator& it, ToviLoadCallba
                 return false;
             }
             continue;
+        } else if (d.readType == Definition::ReadPhotoItem &&
+                   d.operation == Definition::StepChild) {
+            // No photograph where the photographs stand: the definitions of the photograph
+            // block describe nothing at this level, so they are passed over, and the delivery
+            // is one without photographs rather than one short of an element of them.
+            i = SkipBalancedBlock(def, i);
+            move = false;
         } else if (d.count == Definition::CountZero) {
             loadError = QStringLiteral("PHOTO.XML に必須の要素「%1」がありません").arg(d.title);
             return false;

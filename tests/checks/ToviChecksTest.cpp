@@ -247,6 +247,8 @@ private slots:
         row("photograph a link outside", "file.special", 2, u"PIC/P0000003.JPG"_s);
         row("photograph a dangling link", "file.missing", 4, u"PIC/P0000005.JPG"_s);
         row("strict シリアル番号 missing", "load.photo-dropped", -1, u"シリアル番号"_s);
+        // With the definitions as shipped: a photograph without its file is not read.
+        row("写真ファイル名 missing", "load.photo-dropped", -1, u"写真ファイル名"_s);
         row("strict 参考図ファイル名 missing", "load.block-dropped", 1, u"参考図ファイル名"_s);
         const int error = ToviCheckFinding::Error;
         const int warning = ToviCheckFinding::Warning;
@@ -368,6 +370,13 @@ private slots:
              [&] {
                  return QFile::remove(pic + u"P0000005.JPG"_s) &&
                         QFile::link(pic + u"gone.JPG"_s, pic + u"P0000005.JPG"_s);
+             }},
+            {u"写真ファイル名 missing"_s,
+             [&] {
+                 return EditPhoto(folder, 3, u"<写真ファイル名>.*?</写真ファイル名>"_s,
+                                  QString()) &&
+                        QFile::remove(pic + u"P0000004.JPG"_s) &&
+                        QFile::remove(dra + u"D0000004.JPG"_s);
              }},
             {u"strict シリアル番号 missing"_s,
              [&] {
