@@ -72,7 +72,8 @@ int main(int argc, char* argv[]) {
         options.photoCount = 60;
         options.seed = 20240401;
         options.images = DeliveryOptions::Images::Boards;
-        options.imageSize = QSize(640, 480);
+        // 1.2 million pixels: within the 100万～300万画素 the current standard asks of a photograph.
+        options.imageSize = QSize(1280, 960);
         options.drawingShare = 0.25;
     } else {
         if (!GenerationFromName(parser.value(generation), &options.generation)) {
