@@ -309,6 +309,7 @@ void ToviMainWindow::CreateMenus() {
     view->addAction(dockToggle);
     view->addAction(detailAction);
     view->addAction(extractionAction);
+    view->addAction(checkDock->toggleViewAction());
     view->addAction(focusAction);
     view->addSeparator();
     view->addAction(zoomAction);
@@ -338,6 +339,7 @@ void ToviMainWindow::CreateMenus() {
 
     QMenu* tools = menuBar()->addMenu(QStringLiteral("ツール(&T)"));
     tools->addAction(editCheckAction);
+    tools->addAction(checkRunAction);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("ヘルプ(&H)"));
     help->addAction(aboutAction);
@@ -391,6 +393,7 @@ void ToviMainWindow::UpdateActions() {
           exportAction, indexPageAction, slideAction, confirmAction, detailAction, zoomAction}) {
         a->setEnabled(open);
     }
+    checkRunAction->setEnabled(open);
     familyGroup->actions().value(family)->setChecked(true);
     const ToviData* data = document->Data();
     const int divide = open ? data->GetVisualSetting().GetDivType() : -1;
