@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <limits>
 #include <mutex>
 #include <vector>
 
@@ -202,6 +203,9 @@ bool ToviCheckPane::Start() {
     done = 0;
     total = data->GetTotalCountPhoto();
     state = Running;
+    // While rows arrive they are added at the end: sorting each batch into a hundred
+    // thousand rows would hold up the window. The order chosen is applied when the run ends.
+    filter->setDynamicSortFilter(false);
     // The checks read only what the load made of PHOTO.XML (the items, their definitions,
     // the management items, the actual array) and the files; nothing the viewer changes while
     // a delivery is open (labels, comments, the current array, the selection, the sort).
@@ -256,9 +260,12 @@ bool ToviCheckPane::Stop(bool keepFindings) {
     // The thread has ended: what it wrote is there to read.
     const bool completed = shared->completed;
     if (keepFindings) {
-        TakeFindings();
+        TakeFindings(std::numeric_limits<size_t>::max());
     }
+    backlog.clear();
+    backlogAt = 0;
     shared.reset();
+    EndRun();
     return completed;
 }
 
@@ -275,19 +282,26 @@ void ToviCheckPane::OnPreDetachData() {
     }
 }
 
-void ToviCheckPane::TakeFindings() {
-    std::vector<ToviCheckFinding> taken;
+void ToviCheckPane::TakeFindings(size_t limit) {
     {
         const std::lock_guard<std::mutex> lock(shared->mutex);
-        taken.swap(shared->pending);
+        if (backlog.empty()) {
+            backlog.swap(shared->pending);
+        } else {
+            backlog.insert(backlog.end(), std::make_move_iterator(shared->pending.begin()),
+                           std::make_move_iterator(shared->pending.end()));
+            shared->pending.clear();
+        }
     }
     done = shared->done.load();
-    if (taken.empty()) {
+    const size_t count = std::min(limit, backlog.size() - backlogAt);
+    if (count == 0) {
         return;
     }
     std::vector<ToviFindingsModel::Row> rows;
-    rows.reserve(taken.size());
-    for (ToviCheckFinding& finding : taken) {
+    rows.reserve(count);
+    for (size_t i = backlogAt; i < backlogAt + count; ++i) {
+        ToviCheckFinding& finding = backlog[i];
         QString serial;
         if (serialDefinition >= 0 && data) {
             if (const ToviPhoto* photo = data->GetPhotoActualPhotoArray(finding.index)) {
@@ -295,6 +309,11 @@ void ToviCheckPane::TakeFindings() {
             }
         }
         rows.push_back({std::move(finding), serial});
+    }
+    backlogAt += count;
+    if (backlogAt == backlog.size()) {
+        backlog.clear();
+        backlogAt = 0;
     }
     model->Append(std::move(rows));
 }
@@ -304,20 +323,26 @@ void ToviCheckPane::Poll() {
         poll.stop();
         return;
     }
+    // Read first: whatever the run added before it ended is in pending by then.
     const bool finished = shared->finished.load();
-    TakeFindings();
-    if (finished) {
+    TakeFindings(kRowsPerPoll);
+    if (finished && backlog.empty()) {
         poll.stop();
         worker.join();
-        TakeFindings();
         state = shared->failed ? Failed : shared->completed ? Done : Cancelled;
         if (state == Done) {
             done = total;
         }
         shared.reset();
+        EndRun();
     }
     UpdateControls();
     emit StateChanged();
+}
+
+void ToviCheckPane::EndRun() {
+    // The rows that came during the run take their place in the order chosen, once.
+    filter->setDynamicSortFilter(true);
 }
 
 void ToviCheckPane::FillCodes() {

@@ -8,6 +8,7 @@
 #include <array>
 #include <memory>
 #include <thread>
+#include <vector>
 
 class QCheckBox;
 class QComboBox;
@@ -29,6 +30,9 @@ public:
     enum State { Idle, Running, Done, Cancelled, Failed };
     // How often the findings found meanwhile are taken over while a run goes on.
     static constexpr int kPollMs = 100;
+    // At most this many findings join the table on one poll, so that no poll holds up the
+    // window; the rest follow on the next.
+    static constexpr size_t kRowsPerPoll = 5000;
 
     explicit ToviCheckPane(QWidget* parent = nullptr);
     ~ToviCheckPane() override;
@@ -65,8 +69,9 @@ private:
     struct Shared;
 
     void Poll();
-    // Takes over what the run has found so far.
-    void TakeFindings();
+    // Takes over what the run has found so far, at most limit findings into the table.
+    void TakeFindings(size_t limit);
+    void EndRun();
     // Cancels and joins the run; answers whether it had run to its end.
     bool Stop(bool keepFindings);
     void UpdateControls();
@@ -88,6 +93,8 @@ private:
     qint64 total = 0;
     std::shared_ptr<Shared> shared;
     std::thread worker;
+    std::vector<ToviCheckFinding> backlog;  // taken from the run, not yet in the table
+    size_t backlogAt = 0;
     QTimer poll;
     int serialDefinition = -1;
 };
