@@ -37,8 +37,11 @@ void ToviMainWindow::CreateCheckDock() {
     // Under the photographs, as wide as they are: the findings are long lines. Hidden until
     // asked for (F8, the status bar, the tools menu): the photographs keep the height; the
     // status bar tells the counts. The kept layout brings it back as the user left it.
+    // The trees and the detail panel keep the window's height beside it.
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     addDockWidget(Qt::BottomDockWidgetArea, checkDock);
-    resizeDocks({checkDock}, {200}, Qt::Vertical);
+    resizeDocks({checkDock}, {170}, Qt::Vertical);
     checkDock->hide();
     document->AddPanel(checkPane);
 
