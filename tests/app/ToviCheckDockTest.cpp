@@ -419,6 +419,8 @@ private slots:
         CloseByMenu(window);
         QVERIFY(!window.Document()->IsOpen());
         QCOMPARE(pane->GetState(), ToviCheckPane::Idle);
+        QTest::qWait(3 * ToviCheckPane::kPollMs);  // the run is over: nothing more arrives
+        QCOMPARE(pane->GetState(), ToviCheckPane::Idle);
         QCOMPARE(pane->Model()->rowCount(), 0);
 
         QVERIFY(window.OpenDelivery(large, PhotoXMLMlit));
