@@ -6,6 +6,7 @@
 
 #include "dialogs/ToviDetailPanel.h"
 #include "document/ToviData.h"
+#include "panels/ToviCheckPane.h"
 #include "panels/ToviFolderTreePanel.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
@@ -139,6 +140,7 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
 
     CreateActions();
     CreateExtractionDock();
+    CreateCheckDock();
     CreateMenus();
     CreateToolBar();
     LoadFrameSettings();
@@ -153,6 +155,7 @@ ToviMainWindow::~ToviMainWindow() {
                              static_cast<ToviPanel*>(labelTree), extractionPane}) {
         document->RemovePanel(panel);
     }
+    document->RemovePanel(checkPane);
 }
 
 // ---- tree tabs -----------------------------------------------------------------------------

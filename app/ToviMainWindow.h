@@ -15,6 +15,8 @@ class QMenu;
 class QMimeData;
 class QStackedWidget;
 class QTabWidget;
+class QToolButton;
+class ToviCheckPane;
 class ToviDetailPanel;
 class ToviExtractionDlg;
 class ToviFolderTreePanel;
@@ -103,6 +105,16 @@ public:
     // Shows the extraction window and puts the keyboard in it (Ctrl+F).
     void ShowExtraction();
     QString PageIndicatorText() const;
+    // The delivery checks (ToviMainWindowChecks.cpp): the dock of their findings, shown by F8;
+    // RunChecks shows it and checks the open delivery again (Ctrl+Shift+V). A finding's
+    // photograph is selected in the multi-photo panel, after asking to show every photograph
+    // when it is not among those on show.
+    ToviCheckPane* CheckPane() const { return checkPane; }
+    QDockWidget* CheckDock() const { return checkDock; }
+    bool RunChecks();
+    bool ShowFindingPhoto(int index);
+    // What the status bar says of the checks; empty before a run.
+    QString CheckStatusText() const;
     // The node or label whose photographs are shown, with their number.
     QString CurrentSetText() const;
     QStringList RecentDeliveries() const { return recent; }
@@ -125,6 +137,8 @@ private:
     void UpdateToolActions();
     // The extraction window's dock and its action (ToviMainWindowExtraction.cpp).
     void CreateExtractionDock();
+    void CreateCheckDock();
+    void UpdateCheckStatus();
     void UpdateActions();
     void UpdateTitle();
     void UpdateLabelActions();
@@ -153,6 +167,13 @@ private:
     QDockWidget* extractionDock = nullptr;
     ToviExtractionDlg* extractionDlg = nullptr;
     ToviPanel* extractionPane = nullptr;
+    QDockWidget* checkDock = nullptr;
+    ToviCheckPane* checkPane = nullptr;
+    QToolButton* checkStatusButton = nullptr;
+    QAction* checkRunAction = nullptr;
+    QTimer checkStartTimer;  // starts the checks when the first page takes too long
+    bool checkPending = false;
+    bool checkHiddenForSlides = false;
     bool extractionHiddenForSlides = false;
     int shownTab = 0;
     QLabel* pageLabel;

@@ -310,6 +310,7 @@ void ToviMainWindow::CreateMenus() {
     view->addAction(dockToggle);
     view->addAction(detailAction);
     view->addAction(extractionAction);
+    view->addAction(checkDock->toggleViewAction());
     view->addAction(focusAction);
     view->addSeparator();
     view->addAction(zoomAction);
@@ -339,6 +340,7 @@ void ToviMainWindow::CreateMenus() {
 
     QMenu* tools = menuBar()->addMenu(QStringLiteral("ツール(&T)"));
     tools->addAction(editCheckAction);
+    tools->addAction(checkRunAction);
     tools->addAction(dateTableAction);
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("ヘルプ(&H)"));
@@ -393,6 +395,7 @@ void ToviMainWindow::UpdateActions() {
           exportAction, indexPageAction, slideAction, confirmAction, detailAction, zoomAction}) {
         a->setEnabled(open);
     }
+    checkRunAction->setEnabled(open);
     familyGroup->actions().value(family)->setChecked(true);
     const ToviData* data = document->Data();
     const int divide = open ? data->GetVisualSetting().GetDivType() : -1;

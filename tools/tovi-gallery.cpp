@@ -26,6 +26,7 @@
 #include "dialogs/ToviTabBaseWnd.h"
 #include "document/ToviData.h"
 #include "document/ToviPhoto.h"
+#include "panels/ToviCheckPane.h"
 #include "panels/ToviLabelTreePanel.h"
 #include "panels/ToviMpiPanel.h"
 #include "panels/ToviPanelWindows.h"
@@ -46,6 +47,7 @@
 #include <QSettings>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QTreeWidget>
 
 #include <cstdio>
@@ -90,6 +92,19 @@ public:
         return window.get();
     }
 
+    QWidget* MainWithChecks(QSize size) {
+        QWidget* main = MainIn(ToviPhotoCtrlVisualSetting::Divide4, size);
+        window->ShowExtraction();
+        window->RunChecks();  // shows the dock
+        QElapsedTimer waited;
+        waited.start();
+        while (window->CheckPane()->IsRunning() && waited.elapsed() < 30000) {
+            QApplication::processEvents(QEventLoop::AllEvents, 50);
+            QThread::msleep(5);
+        }
+        return main;
+    }
+
     void MainAt(QSize size) {
         window->showNormal();
         window->resize(size);
@@ -118,6 +133,7 @@ public:
         items.reset();
         window->MpiPanel()->DeleteAllDialog();
         HideDetail();
+        window->CheckDock()->hide();
         if (window->MpiPanel()->ConfirmDlg()) {
             window->MpiPanel()->ConfirmDlg()->Window()->close();
         }
@@ -345,6 +361,12 @@ std::vector<Shot> Shots() {
                  QStringLiteral("付箋またはコメントが変更されています。\n検査状況を保存しますか？"),
                  ToviUi::ButtonsYesNoCancel);
          }},
+        // The findings of the delivery checks under the photographs, the extraction dock
+        // beside the trees, once the run has ended.
+        {QStringLiteral("check-dock.png"),
+         [](Gallery& g) { return g.MainWithChecks(QSize(1366, 768)); }},
+        {QStringLiteral("check-dock-1920x1080.png"),
+         [](Gallery& g) { return g.MainWithChecks(QSize(1920, 1080)); }},
     };
     return shots;
 }

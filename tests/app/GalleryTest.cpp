@@ -108,6 +108,8 @@ private slots:
                                       QStringLiteral("label-batch-dialog.png"),
                                       QStringLiteral("save-choice-dialog.png"),
                                       QStringLiteral("extraction-dock.png"),
+                                      QStringLiteral("check-dock.png"),
+                                      QStringLiteral("check-dock-1920x1080.png"),
                                       QStringLiteral("extraction-detail-dialog.png"),
                                       QStringLiteral("setup-dialog.png"),
                                       QStringLiteral("setup-items-dialog.png"),
