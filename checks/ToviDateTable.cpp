@@ -271,7 +271,8 @@ QStringList ToviDateTable::Cells(const ToviDateRow& row) {
     if (!row.file.isEmpty() && !row.readable) {
         modified = exif = QStringLiteral("(読めません)");
     }
-    return {QString::number(row.index),
+    // Photographs are numbered from 1 for people, as in the check results and their sheet.
+    return {QString::number(row.index + 1),
             row.serial,
             row.file,
             row.shotText,

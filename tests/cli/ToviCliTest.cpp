@@ -578,6 +578,8 @@ private slots:
         const auto cells = [&](int row) { return lines[row + 1].split(u','); };
         const QString taken =
             dated.photos[0].exif.dateTimeOriginal.toString(u"yyyy-MM-dd HH:mm:ss"_s);
+        QCOMPARE(cells(0).first(), u"1"_s);  // numbered from 1, as on the sheet
+        QCOMPARE(cells(2).first(), u"3"_s);
         QCOMPARE(cells(0).mid(2), (QStringList{u"PIC/"_s + dated.photos[0].fileName, taken.left(10),
                                                taken, taken, u"0"_s, u"0"_s, QString()}));
         QCOMPARE(cells(1).mid(6), (QStringList{u"0"_s, u"-2"_s, u"あり"_s}));
