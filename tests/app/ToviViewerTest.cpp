@@ -20,6 +20,8 @@
 #include "tests/support/TreeItemPoint.h"
 #include "tests/support/WorkArea.h"
 
+#include <QLabel>
+#include <QStatusBar>
 #include <QActionGroup>
 #include <QDir>
 #include <QFile>
@@ -181,6 +183,16 @@ private slots:
         QVERIFY(window.OpenDelivery(maff.photoFolder, PhotoXMLMlit));
         QCOMPARE(window.Family(), static_cast<PhotoXMLType>(maff.family));
         QCOMPARE(window.Document()->Data()->GetTotalCountPhoto(), 2);
+
+        // Opened before the window is on screen, the word about the family is the only text
+        // at the left of the status bar once it is: the place of the photographs is not drawn
+        // under it.
+        QVERIFY(!window.statusBar()->currentMessage().isEmpty());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(window.findChild<QLabel*>(QStringLiteral("placeLabel"))->isHidden());
+        window.statusBar()->clearMessage();
+        QVERIFY(window.findChild<QLabel*>(QStringLiteral("placeLabel"))->isVisible());
     }
 
     // A delivery that can't be shown is told in one message and leaves the open one alone;
