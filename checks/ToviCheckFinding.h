@@ -17,6 +17,23 @@ struct ToviCheckFinding {
     QString item;     // the element's name ("撮影年月日"); empty for none
     QString message;  // Japanese
 
+    // A finding about an element of a photograph (index -1: of the delivery), or about a file.
+    static ToviCheckFinding Of(const char* code, Severity severity, int index, const QString& item,
+                               const QString& message) {
+        return Of(code, severity, index, QString(), item, message);
+    }
+    static ToviCheckFinding Of(const char* code, Severity severity, int index, const QString& file,
+                               const QString& item, const QString& message) {
+        ToviCheckFinding finding;
+        finding.code = code;
+        finding.severity = severity;
+        finding.index = index;
+        finding.file = file;
+        finding.item = item;
+        finding.message = message;
+        return finding;
+    }
+
     // "error", "warning" or "note".
     static const char* SeverityName(Severity severity);
     // "エラー", "警告" or "注意".

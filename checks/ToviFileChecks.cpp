@@ -42,18 +42,6 @@ void ForEachFile(const ToviCheckContext& context, const ToviFileItems& items, in
     }
 }
 
-ToviCheckFinding Finding(const char* code, ToviCheckFinding::Severity severity, int index,
-                         const QString& file, const QString& item, const QString& message) {
-    ToviCheckFinding finding;
-    finding.code = code;
-    finding.severity = severity;
-    finding.index = index;
-    finding.file = file;
-    finding.item = item;
-    finding.message = message;
-    return finding;
-}
-
 }  // namespace
 
 void ToviFileItems::Find(const ToviCheckContext& context) {
@@ -101,13 +89,14 @@ void ToviFileNameCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFin
         if (pattern.match(file.name).hasMatch()) {
             return;
         }
-        sink.Add(Finding(kNamePattern, ToviCheckFinding::Warning, index,
-                         *file.folder + QLatin1Char('/') + file.name, file.item,
-                         QStringLiteral("%1「%2」が命名規則 (%3 のように大文字の %4、"
-                                        "7 桁の数字、.JPG) に従っていません")
-                             .arg(file.item, file.name,
-                                  QString::fromLatin1(isPhoto ? "P0000001.JPG" : "D0000001.JPG"),
-                                  QLatin1String(isPhoto ? "P" : "D"))));
+        sink.Add(ToviCheckFinding::Of(
+            kNamePattern, ToviCheckFinding::Warning, index,
+            *file.folder + QLatin1Char('/') + file.name, file.item,
+            QStringLiteral("%1「%2」が命名規則 (%3 のように大文字の %4、"
+                           "7 桁の数字、.JPG) に従っていません")
+                .arg(file.item, file.name,
+                     QString::fromLatin1(isPhoto ? "P0000001.JPG" : "D0000001.JPG"),
+                     QLatin1String(isPhoto ? "P" : "D"))));
     });
 }
 
@@ -141,7 +130,7 @@ void ToviFilePresenceCheck::CheckPhoto(ToviCheckContext& context, int index,
         const QString relative = *file.folder + QLatin1Char('/') + file.name;
         const auto add = [&](const char* code, ToviCheckFinding::Severity severity,
                              const QString& message) {
-            sink.Add(Finding(code, severity, index, relative, file.item, message));
+            sink.Add(ToviCheckFinding::Of(code, severity, index, relative, file.item, message));
         };
         if (isPhoto) {
             const QString folded = file.name.toCaseFolded();
@@ -282,11 +271,11 @@ void ToviStrayFileCheck::Finish(ToviCheckContext& context, ToviFindingSink& sink
         }
         std::sort(strays.begin(), strays.end());
         for (const QString& name : strays) {
-            sink.Add(Finding(kStray, ToviCheckFinding::Error, -1, onDisc + QLatin1Char('/') + name,
-                             QString(),
-                             QStringLiteral("%1 フォルダの「%2」は PHOTO.XML のどの写真にも"
-                                            "指定されていません")
-                                 .arg(onDisc, name)));
+            sink.Add(ToviCheckFinding::Of(
+                kStray, ToviCheckFinding::Error, -1, onDisc + QLatin1Char('/') + name, QString(),
+                QStringLiteral("%1 フォルダの「%2」は PHOTO.XML のどの写真にも"
+                               "指定されていません")
+                    .arg(onDisc, name)));
         }
     }
 }

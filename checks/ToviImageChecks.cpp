@@ -27,18 +27,6 @@ const char kEdited[] = "tamper.edited";
 const char kUnknown[] = "tamper.unknown";
 const char kUnavailable[] = "tamper.unavailable";
 
-ToviCheckFinding Finding(const char* code, ToviCheckFinding::Severity severity, int index,
-                         const QString& file, const QString& item, const QString& message) {
-    ToviCheckFinding finding;
-    finding.code = code;
-    finding.severity = severity;
-    finding.index = index;
-    finding.file = file;
-    finding.item = item;
-    finding.message = message;
-    return finding;
-}
-
 // Calls f(photo, name, item) for every file the photograph names, empty names left out.
 template <typename F>
 void ForEachNamed(const ToviCheckContext& context, const ToviFileItems& items, int index, F&& f) {
@@ -180,7 +168,7 @@ void ToviImageFileCheck::CheckFile(ToviCheckContext& context, int index, bool ph
     const QString relative = Relative(photo, name);
     const auto add = [&](const char* code, ToviCheckFinding::Severity severity,
                          const QString& message) {
-        sink.Add(Finding(code, severity, index, relative, item, message));
+        sink.Add(ToviCheckFinding::Of(code, severity, index, relative, item, message));
     };
     QFile file;
     if (!MibOpenRegularFile(file, path)) {
@@ -276,26 +264,29 @@ void ToviShotDateCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFin
     // An SVG photograph carries its Exif inside its main image: not read here.
     if (!row.exif.isValid() &&
         ToviImageFileCheck::Promised(row.file) == ToviImageFileCheck::Format::Jpeg) {
-        sink.Add(Finding(kNoExif, ToviCheckFinding::Note, index, row.file, item,
-                         QStringLiteral("写真ファイル「%1」に Exif の撮影日時がありません。"
-                                        "撮影年月日「%2」と照合できません")
-                             .arg(row.file.mid(4), row.shotText)));
+        sink.Add(
+            ToviCheckFinding::Of(kNoExif, ToviCheckFinding::Note, index, row.file, item,
+                                 QStringLiteral("写真ファイル「%1」に Exif の撮影日時がありません。"
+                                                "撮影年月日「%2」と照合できません")
+                                     .arg(row.file.mid(4), row.shotText)));
     }
     const auto far = [](std::optional<qint64> days) {
         return days && std::llabs(*days) > ToviDateTable::kToleranceDays;
     };
     if (far(row.ExifDays())) {
-        sink.Add(Finding(kExifMismatch, ToviCheckFinding::Warning, index, row.file, item,
-                         QStringLiteral("撮影年月日 %1 と Exif の撮影日時 %2 が %3 日ずれています")
-                             .arg(row.shotText, ToviDateTable::DateTimeText(row.exif))
-                             .arg(std::llabs(*row.ExifDays()))));
+        sink.Add(ToviCheckFinding::Of(
+            kExifMismatch, ToviCheckFinding::Warning, index, row.file, item,
+            QStringLiteral("撮影年月日 %1 と Exif の撮影日時 %2 が %3 日ずれています")
+                .arg(row.shotText, ToviDateTable::DateTimeText(row.exif))
+                .arg(std::llabs(*row.ExifDays()))));
     }
     if (far(row.FileDays())) {
-        sink.Add(Finding(kFileMismatch, ToviCheckFinding::Warning, index, row.file, item,
-                         QStringLiteral("撮影年月日 %1 とファイルの更新日時 %2 が %3 日ずれて"
-                                        "います")
-                             .arg(row.shotText, ToviDateTable::DateTimeText(row.modified))
-                             .arg(std::llabs(*row.FileDays()))));
+        sink.Add(ToviCheckFinding::Of(
+            kFileMismatch, ToviCheckFinding::Warning, index, row.file, item,
+            QStringLiteral("撮影年月日 %1 とファイルの更新日時 %2 が %3 日ずれて"
+                           "います")
+                .arg(row.shotText, ToviDateTable::DateTimeText(row.modified))
+                .arg(std::llabs(*row.FileDays()))));
     }
 }
 
@@ -334,24 +325,27 @@ void ToviTamperCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindi
         bool claimed = false;
         const ToviCheckProcessor::CheckStatus status = chain->CheckProcessedImage(&claimed);
         if (status == ToviCheckProcessor::StatusAltered) {
-            sink.Add(Finding(kEdited, ToviCheckFinding::Error, index, Relative(true, name), item,
-                             QStringLiteral("写真ファイル「%1」は撮影後に加工されています "
-                                            "(改ざん検知)")
-                                 .arg(name)));
+            sink.Add(ToviCheckFinding::Of(
+                kEdited, ToviCheckFinding::Error, index, Relative(true, name), item,
+                QStringLiteral("写真ファイル「%1」は撮影後に加工されています "
+                               "(改ざん検知)")
+                    .arg(name)));
         } else if (status == ToviCheckProcessor::StatusError && claimed) {
-            sink.Add(Finding(kUnknown, ToviCheckFinding::Note, index, Relative(true, name), item,
-                             QStringLiteral("写真ファイル「%1」の改ざん検知は判定できません"
-                                            "でした")
-                                 .arg(name)));
+            sink.Add(ToviCheckFinding::Of(
+                kUnknown, ToviCheckFinding::Note, index, Relative(true, name), item,
+                QStringLiteral("写真ファイル「%1」の改ざん検知は判定できません"
+                               "でした")
+                    .arg(name)));
         }
     });
 }
 
 void ToviTamperCheck::Finish(ToviCheckContext&, ToviFindingSink& sink) {
     if (chain && chain->GetProcessorCount() == 0) {
-        sink.Add(Finding(kUnavailable, ToviCheckFinding::Note, -1, QString(), QString(),
-                         QStringLiteral("改ざん検知のライブラリが見つからないため、写真の"
-                                        "改ざん検知は行っていません")));
+        sink.Add(
+            ToviCheckFinding::Of(kUnavailable, ToviCheckFinding::Note, -1, QString(), QString(),
+                                 QStringLiteral("改ざん検知のライブラリが見つからないため、写真の"
+                                                "改ざん検知は行っていません")));
     }
     chain.reset();
 }

@@ -21,17 +21,6 @@ QStringList Words(const char* list) {
     return QString::fromUtf8(list).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-ToviCheckFinding Finding(const char* code, ToviCheckFinding::Severity severity, int index,
-                         const QString& item, const QString& message) {
-    ToviCheckFinding finding;
-    finding.code = code;
-    finding.severity = severity;
-    finding.index = index;
-    finding.item = item;
-    finding.message = message;
-    return finding;
-}
-
 QSet<int> Definitions(const ToviCheckContext& context, const QString& title) {
     QSet<int> set;
     for (const int index : context.DefinitionsTitled(title)) {
@@ -185,11 +174,11 @@ void ToviRequiredItemCheck::CheckPhoto(ToviCheckContext& context, int index,
             continue;
         }
         if (rule.severity == ToviCheckFinding::Note) {
-            sink.Add(
-                Finding(kRequired, rule.severity, index, rule.item,
-                        QStringLiteral("%1が記入されていません。写真区分が「%2」の提出頻度写真で"
-                                       "は、工種体系で%3の下に%1があれば記入が必要です")
-                            .arg(rule.item, category, rule.given)));
+            sink.Add(ToviCheckFinding::Of(
+                kRequired, rule.severity, index, rule.item,
+                QStringLiteral("%1が記入されていません。写真区分が「%2」の提出頻度写真で"
+                               "は、工種体系で%3の下に%1があれば記入が必要です")
+                    .arg(rule.item, category, rule.given)));
             continue;
         }
         QString why = QStringLiteral("写真-大分類が「%1」").arg(major);
@@ -199,16 +188,17 @@ void ToviRequiredItemCheck::CheckPhoto(ToviCheckContext& context, int index,
         if (!rule.submission.isEmpty()) {
             why += QStringLiteral("、提出頻度写真が %1").arg(submission);
         }
-        sink.Add(Finding(
+        sink.Add(ToviCheckFinding::Of(
             kRequired, ToviCheckFinding::Error, index, rule.item,
             QStringLiteral("%1の写真には%2が必要ですが、記入されていません").arg(why, rule.item)));
     }
     for (const ActiveList& list : valueLists) {
         if (major == list.major && !category.isEmpty() && !list.values.contains(category)) {
-            sink.Add(Finding(kValue, ToviCheckFinding::Warning, index, kCategory,
-                             QStringLiteral("写真区分「%1」は写真-大分類「%2」の写真区分 (%3) "
-                                            "のどれでもありません")
-                                 .arg(category, major, list.values.join(QStringLiteral("、")))));
+            sink.Add(ToviCheckFinding::Of(
+                kValue, ToviCheckFinding::Warning, index, kCategory,
+                QStringLiteral("写真区分「%1」は写真-大分類「%2」の写真区分 (%3) "
+                               "のどれでもありません")
+                    .arg(category, major, list.values.join(QStringLiteral("、")))));
         }
     }
 }
@@ -272,11 +262,12 @@ void ToviLengthCheck::CheckItems(const ToviCheckContext&, const ToviItemArray& i
             continue;
         }
         const QString item = QString::fromUtf8(limit->item);
-        sink.Add(Finding(kTooLong, ToviCheckFinding::Error, index, item,
-                         QStringLiteral("%1が %2 文字あり、上限の %3 文字を超えています")
-                             .arg(item)
-                             .arg(length)
-                             .arg(limit->most)));
+        sink.Add(
+            ToviCheckFinding::Of(kTooLong, ToviCheckFinding::Error, index, item,
+                                 QStringLiteral("%1が %2 文字あり、上限の %3 文字を超えています")
+                                     .arg(item)
+                                     .arg(length)
+                                     .arg(limit->most)));
     }
 }
 

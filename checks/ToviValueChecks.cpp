@@ -20,17 +20,6 @@ const char kSerialDuplicate[] = "serial.duplicate";
 const char kSerialOrder[] = "serial.order";
 const char kTextNonJis[] = "text.non-jis";
 
-ToviCheckFinding Finding(const char* code, ToviCheckFinding::Severity severity, int index,
-                         const QString& item, const QString& message) {
-    ToviCheckFinding finding;
-    finding.code = code;
-    finding.severity = severity;
-    finding.index = index;
-    finding.item = item;
-    finding.message = message;
-    return finding;
-}
-
 bool IsAsciiDigits(const QString& text) {
     if (text.isEmpty()) {
         return false;
@@ -103,23 +92,24 @@ void ToviDateCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFinding
                             value[7] == QLatin1Char('-') && IsAsciiDigits(value.left(4)) &&
                             IsAsciiDigits(value.mid(5, 2)) && IsAsciiDigits(value.mid(8, 2));
         if (!shaped) {
-            sink.Add(Finding(kDateFormat, ToviCheckFinding::Error, index, item,
-                             QStringLiteral("撮影年月日「%1」が CCYY-MM-DD の形 (例 "
-                                            "2024-04-01) で書かれていません")
-                                 .arg(value)));
+            sink.Add(ToviCheckFinding::Of(kDateFormat, ToviCheckFinding::Error, index, item,
+                                          QStringLiteral("撮影年月日「%1」が CCYY-MM-DD の形 (例 "
+                                                         "2024-04-01) で書かれていません")
+                                              .arg(value)));
             continue;
         }
         const QDate date = QDate::fromString(value, Qt::ISODate);
         if (!date.isValid()) {
-            sink.Add(Finding(kDateInvalid, ToviCheckFinding::Error, index, item,
-                             QStringLiteral("撮影年月日「%1」は暦にない日付です").arg(value)));
+            sink.Add(ToviCheckFinding::Of(
+                kDateInvalid, ToviCheckFinding::Error, index, item,
+                QStringLiteral("撮影年月日「%1」は暦にない日付です").arg(value)));
             continue;
         }
         if (start && (date < *start || date > *end)) {
-            sink.Add(
-                Finding(kDateOutside, ToviCheckFinding::Warning, index, item,
-                        QStringLiteral("撮影年月日 %1 が工期 (%2 ～ %3) の外です")
-                            .arg(value, start->toString(Qt::ISODate), end->toString(Qt::ISODate))));
+            sink.Add(ToviCheckFinding::Of(
+                kDateOutside, ToviCheckFinding::Warning, index, item,
+                QStringLiteral("撮影年月日 %1 が工期 (%2 ～ %3) の外です")
+                    .arg(value, start->toString(Qt::ISODate), end->toString(Qt::ISODate))));
         }
     }
 }
@@ -145,7 +135,7 @@ void ToviFlagCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFinding
             continue;
         }
         const QString title = context.DefinitionTitle(it.GetDefIndex());
-        sink.Add(Finding(
+        sink.Add(ToviCheckFinding::Of(
             kFlagNotBinary, ToviCheckFinding::Error, index, title,
             QStringLiteral("%1は 0 か 1 で書きます (「%2」と書かれています)").arg(title, value)));
     }
@@ -175,7 +165,7 @@ void ToviSerialCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindi
             continue;
         }
         if (!IsAsciiDigits(value)) {
-            sink.Add(Finding(
+            sink.Add(ToviCheckFinding::Of(
                 kSerialNotDigits, ToviCheckFinding::Error, index, item,
                 QStringLiteral("シリアル番号「%1」が半角数字だけで書かれていません").arg(value)));
             continue;
@@ -184,15 +174,16 @@ void ToviSerialCheck::CheckPhoto(ToviCheckContext& context, int index, ToviFindi
         const auto at = firstWith.constFind(number);
         if (at != firstWith.cend()) {
             // A repeated number is said once, as a repeat; its order follows from it.
-            sink.Add(Finding(
+            sink.Add(ToviCheckFinding::Of(
                 kSerialDuplicate, ToviCheckFinding::Error, index, item,
                 QStringLiteral("シリアル番号 %1 は写真 %2 と重複しています").arg(value).arg(*at)));
         } else if (firstWith.insert(number, index);
                    !previous.isEmpty() && CompareNumbers(number, previous) < 0) {
-            sink.Add(Finding(kSerialOrder, ToviCheckFinding::Error, index, item,
-                             QStringLiteral("シリアル番号 %1 が前の写真の番号 %2 より小さく、"
-                                            "昇順になっていません")
-                                 .arg(value, previous)));
+            sink.Add(ToviCheckFinding::Of(
+                kSerialOrder, ToviCheckFinding::Error, index, item,
+                QStringLiteral("シリアル番号 %1 が前の写真の番号 %2 より小さく、"
+                               "昇順になっていません")
+                    .arg(value, previous)));
         }
         previous = number;
     }
@@ -316,8 +307,8 @@ void ToviTextCheck::CheckItems(const ToviCheckContext& context, const ToviItemAr
         Gather(it.Value(), known, found);
         if (found.Any()) {
             const QString title = context.DefinitionTitle(it.GetDefIndex());
-            sink.Add(
-                Finding(kTextNonJis, ToviCheckFinding::Error, index, title, found.Message(title)));
+            sink.Add(ToviCheckFinding::Of(kTextNonJis, ToviCheckFinding::Error, index, title,
+                                          found.Message(title)));
         }
     }
 }
