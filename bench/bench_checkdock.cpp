@@ -19,6 +19,7 @@
 #include "tests/support/DeliveryWriter.h"
 #include "tests/support/ScriptedUi.h"
 
+#include "bench/BenchMainWindow.h"
 #include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
@@ -50,18 +51,6 @@ QString Delivery() {
         return root + QStringLiteral("/INDEX_C/PHOTO");
     }();
     return folder;
-}
-
-bool WaitForPage(ToviMainWindow& window) {
-    ToviMpiPanel* panel = window.MpiPanel();
-    if (!panel->IsPageShown()) {
-        QEventLoop loop;
-        QObject::connect(panel, &ToviMpiPanel::PageShown, &loop, &QEventLoop::quit);
-        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    window.repaint();
-    return panel->IsPageShown();
 }
 
 // Runs the event loop until the window's checks have ended; answers the longest gap between

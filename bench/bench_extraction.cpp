@@ -24,6 +24,7 @@
 #include "tests/support/WorkArea.h"
 
 #include "bench/BenchPictures.h"
+#include "bench/BenchMainWindow.h"
 #include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
@@ -102,18 +103,6 @@ QString Delivery(int count) {
     LinkPictures(photo, pictures);
     folders[count] = photo;
     return photo;
-}
-
-bool WaitForPage(ToviMainWindow& window) {
-    ToviMpiPanel* panel = window.MpiPanel();
-    if (!panel->IsPageShown()) {
-        QEventLoop loop;
-        QObject::connect(panel, &ToviMpiPanel::PageShown, &loop, &QEventLoop::quit);
-        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    window.repaint();
-    return panel->IsPageShown();
 }
 
 // One window per delivery size, kept for the runs over it, in four-photograph mode.

@@ -41,6 +41,7 @@
 #include "tests/support/WorkArea.h"
 
 #include "bench/BenchPictures.h"
+#include "bench/BenchMainWindow.h"
 #include "bench/BenchWindows.h"
 
 #include <benchmark/benchmark.h>
@@ -105,19 +106,6 @@ QString Delivery() {
         return photo;
     }();
     return folder;
-}
-
-// Runs the event loop until the panel's page has its pictures, then paints the window.
-bool WaitForPage(ToviMainWindow& window) {
-    ToviMpiPanel* panel = window.MpiPanel();
-    if (!panel->IsPageShown()) {
-        QEventLoop loop;
-        QObject::connect(panel, &ToviMpiPanel::PageShown, &loop, &QEventLoop::quit);
-        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    window.repaint();
-    return panel->IsPageShown();
 }
 
 // One window on the delivery in six-photo mode, kept for the in-process benchmarks and
