@@ -132,8 +132,7 @@ class ToviCheckDockTest : public QObject {
     QTemporaryDir temp;
     QString faulty;  // twelve photographs with four planted faults
     QString large;   // thirty thousand photographs without their files
-    ScriptedUi* ui = nullptr;
-    std::unique_ptr<ScopedUi> scoped;
+    ScriptedUiSlot ui;
 
     // Opens folder in window, four photographs a page, waits for its checks to end and shows
     // their dock by its key.
@@ -184,16 +183,9 @@ private slots:
         large = written.photoFolder;
     }
 
-    void init() {
-        ui = new ScriptedUi;
-        scoped = std::make_unique<ScopedUi>(*ui);
-    }
+    void init() { ui.Begin(); }
 
-    void cleanup() {
-        scoped.reset();
-        delete ui;
-        ui = nullptr;
-    }
+    void cleanup() { ui.End(); }
 
     void cleanupTestCase() {
         ToviProfile::Instance().UseFile(QString());

@@ -87,8 +87,7 @@ class ToviMenuToolsTest : public QObject {
 
     QTemporaryDir temp;
     QString pictures;
-    ScriptedUi* ui = nullptr;
-    std::unique_ptr<ScopedUi> scoped;
+    ScriptedUiSlot ui;
 
     QString Path(const QString& name) const { return temp.filePath(name); }
 
@@ -127,16 +126,9 @@ private slots:
         ToviVerifierLibrary::SetProgramPathOverride(program);
     }
 
-    void init() {
-        ui = new ScriptedUi;
-        scoped = std::make_unique<ScopedUi>(*ui);
-    }
+    void init() { ui.Begin(); }
 
-    void cleanup() {
-        scoped.reset();
-        delete ui;
-        ui = nullptr;
-    }
+    void cleanup() { ui.End(); }
 
     void cleanupTestCase() {
         ToviVerifierLibrary::SetProgramPathOverride(QString());

@@ -66,8 +66,7 @@ class ToviViewerTest : public QObject {
     QTemporaryDir temp;
     QString pictures;  // 60 photographs with small JPEGs
     QString other;     // 7 photographs, no image files
-    ScriptedUi* ui = nullptr;
-    std::unique_ptr<ScopedUi> scoped;
+    ScriptedUiSlot ui;
 
     QString Path(const QString& name) const { return temp.filePath(name); }
 
@@ -95,16 +94,9 @@ private slots:
         xml.write("<?xml version=\"1.0\"?>\n<!DOCTYPE 写真 SYSTEM \"NONE.DTD\">\n<写真/>\n");
     }
 
-    void init() {
-        ui = new ScriptedUi;
-        scoped = std::make_unique<ScopedUi>(*ui);
-    }
+    void init() { ui.Begin(); }
 
-    void cleanup() {
-        scoped.reset();
-        delete ui;
-        ui = nullptr;
-    }
+    void cleanup() { ui.End(); }
 
     void cleanupTestCase() {
         ToviProfile::Instance().UseFile(QString());

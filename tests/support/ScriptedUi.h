@@ -182,3 +182,23 @@ public:
 private:
     ToviUi* previous;
 };
+
+// A scripted presenter installed for one test function: Begin in init(), End in cleanup();
+// between them ui-> reaches it.
+class ScriptedUiSlot {
+public:
+    void Begin() {
+        ui = std::make_unique<ScriptedUi>();
+        scoped = std::make_unique<ScopedUi>(*ui);
+    }
+    void End() {
+        scoped.reset();
+        ui.reset();
+    }
+    ScriptedUi* operator->() const { return ui.get(); }
+    ScriptedUi& operator*() const { return *ui; }
+
+private:
+    std::unique_ptr<ScriptedUi> ui;
+    std::unique_ptr<ScopedUi> scoped;
+};

@@ -162,8 +162,7 @@ protected:
     QStringList keyFlag;  // 代表写真 likewise
     QString commonKousyu;
     QString commonPlace;
-    ScriptedUi* ui = nullptr;
-    std::unique_ptr<ScopedUi> scoped;
+    ScriptedUiSlot ui;
 
     QString Path(const QString& name) const { return temp.filePath(name); }
 
@@ -269,16 +268,11 @@ protected:
     }
 
     void StartUi() {
-        ui = new ScriptedUi;
-        scoped = std::make_unique<ScopedUi>(*ui);
+        ui.Begin();
         SetSlideMode(false);
     }
 
-    void StopUi() {
-        scoped.reset();
-        delete ui;
-        ui = nullptr;
-    }
+    void StopUi() { ui.End(); }
 
     static void Finish() {
         ToviProfile::Instance().UseFile(QString());

@@ -35,8 +35,7 @@ class ToviSetUpDlgTest : public QObject {
     Q_OBJECT
 
     QTemporaryDir temp;
-    ScriptedUi* ui = nullptr;
-    std::unique_ptr<ScopedUi> scoped;
+    ScriptedUiSlot ui;
 
     QString Path(const QString& name) const { return temp.filePath(name); }
 
@@ -56,16 +55,9 @@ private slots:
         ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
     }
 
-    void init() {
-        ui = new ScriptedUi;
-        scoped = std::make_unique<ScopedUi>(*ui);
-    }
+    void init() { ui.Begin(); }
 
-    void cleanup() {
-        scoped.reset();
-        delete ui;
-        ui = nullptr;
-    }
+    void cleanup() { ui.End(); }
 
     void cleanupTestCase() { ToviProfile::Instance().UseFile(QString()); }
 

@@ -53,8 +53,7 @@ class ToviSetUpHostTest : public QObject {
 
     QTemporaryDir temp;
     QString delivery;
-    ScriptedUi* ui = nullptr;
-    std::unique_ptr<ScopedUi> scoped;
+    ScriptedUiSlot ui;
 
     QString Path(const QString& name) const { return temp.filePath(name); }
 
@@ -73,16 +72,9 @@ private slots:
         delivery = written.photoFolder;
     }
 
-    void init() {
-        ui = new ScriptedUi;
-        scoped = std::make_unique<ScopedUi>(*ui);
-    }
+    void init() { ui.Begin(); }
 
-    void cleanup() {
-        scoped.reset();
-        delete ui;
-        ui = nullptr;
-    }
+    void cleanup() { ui.End(); }
 
     void cleanupTestCase() {
         ToviProfile::Instance().UseFile(QString());
