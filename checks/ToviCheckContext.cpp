@@ -114,3 +114,19 @@ const MibPathResolver::Listing& ToviCheckContext::Folder(const QString& name, QS
     }
     return it->second.listing;
 }
+
+bool ToviCheckContext::JpegHeader(const QString& path, LumJpegFacts* facts, QByteArray* header) {
+    if (lastJpeg.path != path) {
+        lastJpeg.path = path;
+        lastJpeg.facts = LumJpegFacts();
+        lastJpeg.header.clear();
+        lastJpeg.ok = LumReadJpegHeader(path, &lastJpeg.facts, &lastJpeg.header);
+    }
+    if (facts) {
+        *facts = lastJpeg.facts;
+    }
+    if (header) {
+        *header = lastJpeg.header;
+    }
+    return lastJpeg.ok;
+}

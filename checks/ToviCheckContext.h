@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/LumJpegFacts.h"
 #include "platform/MibPathResolver.h"
 
+#include <QByteArray>
 #include <QDate>
 #include <QList>
 #include <QString>
@@ -39,6 +41,10 @@ public:
     // sub-folder's name as on the disc.
     const MibPathResolver::Listing& Folder(const QString& name, QString* folderName = nullptr);
 
+    // LumReadJpegHeader of path with its header bytes, read once however many checks of the
+    // photograph ask: the last file read is kept until another is asked for.
+    bool JpegHeader(const QString& path, LumJpegFacts* facts, QByteArray* header = nullptr);
+
 private:
     void ReadWorkPeriod();
 
@@ -51,4 +57,11 @@ private:
         MibPathResolver::Listing listing;
     };
     std::map<QString, FolderListing> folders;  // stable: Folder hands out references
+    struct JpegRead {
+        QString path;
+        bool ok = false;
+        LumJpegFacts facts;
+        QByteArray header;
+    };
+    JpegRead lastJpeg;
 };

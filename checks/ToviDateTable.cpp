@@ -200,7 +200,7 @@ ToviDateRow ToviDateTable::ReadRow(ToviCheckContext& context, const ToviReadable
     row.modified = info.lastModified();
     LumJpegFacts facts;
     QByteArray header;
-    if (LumReadJpegHeader(path, &facts, &header)) {
+    if (context.JpegHeader(path, &facts, &header)) {
         row.exif = ExifOriginalDate(header);
     }
     return row;

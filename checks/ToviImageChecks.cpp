@@ -190,7 +190,7 @@ void ToviImageFileCheck::CheckFile(ToviCheckContext& context, int index, bool ph
     if (promised == Format::Jpeg) {
         file.close();
         LumJpegFacts facts;
-        if (!LumReadJpegHeader(path, &facts)) {
+        if (!context.JpegHeader(path, &facts)) {
             add(kDecode, ToviCheckFinding::Error,
                 QStringLiteral("%1「%2」は JPEG として読めません (途中で切れているか、"
                                "壊れています)")
