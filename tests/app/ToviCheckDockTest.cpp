@@ -157,8 +157,7 @@ class ToviCheckDockTest : public QObject {
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
-        UseWorkFolder(temp.path());
-        ToviProfile::Instance().UseFile(temp.filePath(u"profile.ini"_s));
+        UseTestStores(temp.path());
         DeliveryOptions options;
         options.photoCount = 12;
         options.images = DeliveryOptions::Images::Tiny;
@@ -187,10 +186,7 @@ private slots:
 
     void cleanup() { ui.End(); }
 
-    void cleanupTestCase() {
-        ToviProfile::Instance().UseFile(QString());
-        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-    }
+    void cleanupTestCase() { ReleaseTestStores(); }
 
     // The run starts by itself once the delivery is on screen; the table holds exactly what
     // the checker finds on the same delivery, the planted faults among them, with each

@@ -107,8 +107,7 @@ class ToviMenuToolsTest : public QObject {
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
-        UseWorkFolder(temp.path());
-        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+        UseTestStores(temp.path());
         DeliveryOptions options;
         options.photoCount = 12;
         options.images = DeliveryOptions::Images::Tiny;
@@ -132,8 +131,7 @@ private slots:
 
     void cleanupTestCase() {
         ToviVerifierLibrary::SetProgramPathOverride(QString());
-        ToviProfile::Instance().UseFile(QString());
-        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+        ReleaseTestStores();
     }
 
     // Ctrl+Shift+B gives the labels the model's own call gives on the same photographs, and a

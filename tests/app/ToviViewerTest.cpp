@@ -73,8 +73,7 @@ class ToviViewerTest : public QObject {
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
-        UseWorkFolder(temp.path());
-        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+        UseTestStores(temp.path());
         DeliveryOptions options;
         options.photoCount = 60;
         options.images = DeliveryOptions::Images::Tiny;
@@ -99,8 +98,7 @@ private slots:
     void cleanup() { ui.End(); }
 
     void cleanupTestCase() {
-        ToviProfile::Instance().UseFile(QString());
-        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
+        ReleaseTestStores();
         ToviEnvironment::SetMountTableForTesting(QString());
     }
 

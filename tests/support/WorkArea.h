@@ -4,6 +4,7 @@
 
 #include "document/ToviHostDocument.h"
 #include "platform/ToviEnvironment.h"
+#include "platform/ToviProfile.h"
 
 #include <QDir>
 #include <QSettings>
@@ -19,6 +20,19 @@ inline void UseWorkFolder(const QString& root) {
         settings.setValue(QStringLiteral("QVScratch"), root + QStringLiteral("/work"));
     }
     ToviEnvironment::SetSettingsPathsForTesting(user, root + QStringLiteral("/system.ini"));
+}
+
+// The work folder of UseWorkFolder and the profile in root/profile.ini: every store a window
+// writes, kept in the test's folder until ReleaseTestStores.
+inline void UseTestStores(const QString& root) {
+    UseWorkFolder(root);
+    ToviProfile::Instance().UseFile(root + QStringLiteral("/profile.ini"));
+}
+
+// Puts the profile and the settings paths back to the user's.
+inline void ReleaseTestStores() {
+    ToviProfile::Instance().UseFile(QString());
+    ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
 }
 
 // A host that draws nothing: enough for a document to keep a current array.

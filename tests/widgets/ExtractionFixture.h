@@ -206,8 +206,7 @@ protected:
     void WriteDeliveries() {
         QVERIFY(temp.isValid());
         QApplication::setApplicationDisplayName(QStringLiteral("ToviCore"));
-        UseWorkFolder(temp.path());
-        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+        UseTestStores(temp.path());
         DeliveryOptions options;
         options.photoCount = 40;
         options.seed = 3;
@@ -274,8 +273,5 @@ protected:
 
     void StopUi() { ui.End(); }
 
-    static void Finish() {
-        ToviProfile::Instance().UseFile(QString());
-        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-    }
+    static void Finish() { ReleaseTestStores(); }
 };

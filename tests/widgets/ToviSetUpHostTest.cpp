@@ -60,8 +60,7 @@ class ToviSetUpHostTest : public QObject {
 private slots:
     void initTestCase() {
         QVERIFY(temp.isValid());
-        UseWorkFolder(temp.path());
-        ToviProfile::Instance().UseFile(Path(QStringLiteral("profile.ini")));
+        UseTestStores(temp.path());
         DeliveryOptions options;
         options.photoCount = 24;
         options.images = DeliveryOptions::Images::Tiny;
@@ -76,10 +75,7 @@ private slots:
 
     void cleanup() { ui.End(); }
 
-    void cleanupTestCase() {
-        ToviProfile::Instance().UseFile(QString());
-        ToviEnvironment::SetSettingsPathsForTesting(QString(), QString());
-    }
+    void cleanupTestCase() { ReleaseTestStores(); }
 
     // Ctrl+, opens the dialog on the delivery's settings; OK applies them and the views hear
     // one hint 7; the profile holds the new names.
