@@ -43,12 +43,7 @@ QString Delivery() {
         options.photoCount = kPhotos;
         options.images = DeliveryOptions::Images::None;
         options.seed = 7;
-        QString error;
-        const QString root = Temp().filePath(QStringLiteral("d"));
-        if (!WriteDelivery(root, options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
-        return root + QStringLiteral("/INDEX_C/PHOTO");
+        return WriteBenchDelivery(QStringLiteral("d"), options);
     }();
     return folder;
 }

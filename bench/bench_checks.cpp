@@ -54,16 +54,12 @@ ToviData& DocumentOf(int count, bool structureFaulty = false) {
         options.photoCount = count;
         options.images = DeliveryOptions::Images::None;
         options.seed = 42;
-        QString error;
-        const QString root = Temp().filePath(QString::number(key));
-        if (!WriteDelivery(root, options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
+        const QString photo = WriteBenchDelivery(QString::number(key), options);
         if (structureFaulty) {
-            AddUnknownElements(root + QStringLiteral("/INDEX_C/PHOTO"));
+            AddUnknownElements(photo);
         }
-        std::shared_ptr<ToviData> document = ToviEnouDataFactory().Create(
-            nullptr, root + QStringLiteral("/INDEX_C/PHOTO"), PhotoXMLMlit);
+        std::shared_ptr<ToviData> document =
+            ToviEnouDataFactory().Create(nullptr, photo, PhotoXMLMlit);
         if (!document || document->GetTotalCountPhoto() != count) {
             qFatal("the delivery did not load");
         }

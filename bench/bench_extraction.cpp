@@ -77,12 +77,7 @@ QString Delivery(int count) {
     options.photoCount = count;
     options.images = DeliveryOptions::Images::None;
     options.seed = 11;
-    QString error;
-    const QString root = Temp().filePath(QStringLiteral("d%1").arg(count));
-    if (!WriteDelivery(root, options, nullptr, &error)) {
-        qFatal("cannot write the delivery: %s", qPrintable(error));
-    }
-    const QString photo = root + QStringLiteral("/INDEX_C/PHOTO");
+    const QString photo = WriteBenchDelivery(QStringLiteral("d%1").arg(count), options);
     QStringList pictures;
     for (int i = 0; i < kDistinctImages; ++i) {
         const QString path = Temp().filePath(QStringLiteral("image%1.jpg").arg(i));

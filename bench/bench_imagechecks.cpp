@@ -69,12 +69,7 @@ ToviData& DocumentOf(int count) {
         options.images = DeliveryOptions::Images::None;
         options.drawingShare = 0;
         options.seed = 42;
-        QString error;
-        const QString root = Temp().filePath(QString::number(count));
-        if (!WriteDelivery(root, options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
-        const QString photo = root + QStringLiteral("/INDEX_C/PHOTO");
+        const QString photo = WriteBenchDelivery(QString::number(count), options);
         LinkPictures(photo, Pictures());
         std::shared_ptr<ToviData> document =
             ToviEnouDataFactory().Create(nullptr, photo, PhotoXMLMlit);

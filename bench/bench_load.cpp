@@ -45,13 +45,7 @@ QString DeliveryOf(int count) {
         options.photoCount = count;
         options.images = DeliveryOptions::Images::None;
         options.seed = 42;
-        WrittenDelivery written;
-        QString error;
-        if (!WriteDelivery(Temp().filePath(QString::number(count)), options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
-        folders.insert(count,
-                       Temp().filePath(QString::number(count)) + QStringLiteral("/INDEX_C/PHOTO"));
+        folders.insert(count, WriteBenchDelivery(QString::number(count), options));
     }
     return folders.value(count);
 }

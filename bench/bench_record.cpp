@@ -28,13 +28,9 @@ ToviData& Document() {
         options.photoCount = 100000;
         options.images = DeliveryOptions::Images::None;
         options.seed = 42;
-        QString error;
-        if (!WriteDelivery(Temp().filePath(QStringLiteral("d")), options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
+        const QString photo = WriteBenchDelivery(QStringLiteral("d"), options);
         ToviEnouDataFactory factory;
-        std::unique_ptr<ToviData> loaded = factory.Create(
-            nullptr, Temp().filePath(QStringLiteral("d/INDEX_C/PHOTO")), PhotoXMLMlit);
+        std::unique_ptr<ToviData> loaded = factory.Create(nullptr, photo, PhotoXMLMlit);
         if (!loaded) {
             qFatal("the delivery did not load");
         }

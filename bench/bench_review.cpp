@@ -63,13 +63,9 @@ ToviData* Document() {
     options.photoCount = kPhotoCount;
     options.images = DeliveryOptions::Images::None;
     options.seed = 42;
-    const QString root = Temp().filePath(QStringLiteral("review"));
-    QString error;
-    if (!WriteDelivery(root, options, nullptr, &error)) {
-        qFatal("cannot write the delivery: %s", qPrintable(error));
-    }
+    const QString photo = WriteBenchDelivery(QStringLiteral("review"), options);
     ToviEnouDataFactory factory;
-    document = factory.Create(&Host(), root + QStringLiteral("/INDEX_C/PHOTO"), PhotoXMLMlit);
+    document = factory.Create(&Host(), photo, PhotoXMLMlit);
     if (!document || document->GetTotalCountPhoto() != kPhotoCount) {
         qFatal("the delivery of %d photographs did not load", kPhotoCount);
     }

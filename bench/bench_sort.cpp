@@ -36,14 +36,9 @@ ToviData* DocumentOf(int count) {
         options.photoCount = count;
         options.images = DeliveryOptions::Images::None;
         options.seed = 42;
-        const QString root = Temp().filePath(QString::number(count));
-        QString error;
-        if (!WriteDelivery(root, options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
+        const QString photo = WriteBenchDelivery(QString::number(count), options);
         ToviEnouDataFactory factory;
-        std::shared_ptr<ToviData> document(
-            factory.Create(nullptr, root + QStringLiteral("/INDEX_C/PHOTO"), PhotoXMLMlit));
+        std::shared_ptr<ToviData> document(factory.Create(nullptr, photo, PhotoXMLMlit));
         if (!document || document->GetTotalCountPhoto() != count) {
             qFatal("the delivery of %d photographs did not load", count);
         }

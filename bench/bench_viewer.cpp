@@ -79,12 +79,7 @@ QString Delivery() {
         options.photoCount = kPhotos;
         options.images = DeliveryOptions::Images::None;
         options.seed = 7;
-        QString error;
-        const QString root = Temp().filePath(QStringLiteral("d"));
-        if (!WriteDelivery(root, options, nullptr, &error)) {
-            qFatal("cannot write the delivery: %s", qPrintable(error));
-        }
-        const QString photo = root + QStringLiteral("/INDEX_C/PHOTO");
+        const QString photo = WriteBenchDelivery(QStringLiteral("d"), options);
         QStringList pictures;
         for (int i = 0; i < kDistinctImages; ++i) {
             QImage image(1600, 1200, QImage::Format_RGB32);
