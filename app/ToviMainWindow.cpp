@@ -132,6 +132,11 @@ ToviMainWindow::ToviMainWindow(QWidget* parent)
     placeLabel = new QLabel(this);
     placeLabel->setObjectName(QStringLiteral("placeLabel"));
     statusBar()->addWidget(placeLabel, 1);
+    // A passing message takes the place of the label: the status bar hides it only when it is
+    // on screen as the message comes, so a message given before the window shows, or while
+    // the label is being laid out, would be drawn over it.
+    connect(statusBar(), &QStatusBar::messageChanged, placeLabel,
+            [this](const QString& message) { placeLabel->setVisible(message.isEmpty()); });
     countLabel = new QLabel(this);
     statusBar()->addPermanentWidget(countLabel);
 

@@ -19,7 +19,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QShowEvent>
 #include <QStatusBar>
 #include <QTabWidget>
 
@@ -87,19 +86,6 @@ bool ToviMainWindow::ConfirmDiscard() {
         return SaveRecord();
     }
     return answer == ToviUi::AnswerNo;
-}
-
-void ToviMainWindow::showEvent(QShowEvent* event) {
-    QMainWindow::showEvent(event);
-    // A message given while the window was still hidden (a delivery opened before the first
-    // show) could not hide the status bar's own texts, which were not on screen yet; given
-    // again now, for the longest a message stays, it does, instead of being drawn over them.
-    if (!event->spontaneous()) {
-        if (const QString message = statusBar()->currentMessage(); !message.isEmpty()) {
-            statusBar()->clearMessage();  // the same text again would change nothing
-            statusBar()->showMessage(message, 10000);
-        }
-    }
 }
 
 void ToviMainWindow::closeEvent(QCloseEvent* event) {
